@@ -1,0 +1,90 @@
+#pragma once
+
+#include "engine/FileStat.h"
+#include "engine/YieldHook.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+/**
+ * The standard CRC-32 (as zip and PNG use it) of a whole file, read in chunks of ChunkSize()
+ * bytes into one buffer, so that a file of any size costs one chunk of memory. The checksum is
+ * computed by libdeflate. A symbolic link is checksummed by its text, never followed; a FIFO,
+ * socket or device is never opened. Files are opened without updating their accessed date
+ * where the kernel allows it, and are always closed, cancelled or not.
+ */
+class CRC32Object {
+public:
+    /** How a checksum ended. */
+    enum class Status {
+        /** The checksum of the whole content (0 for an empty file). */
+        Ok,
+        /** Cancel() arrived; the value is 0. */
+        Cancelled,
+        /** Not a regular file or symbolic link: no checksum is taken; not an error. */
+        Skipped,
+        /** The file could not be opened or read; error() says why. */
+        Failed,
+    };
+
+    /** The outcome of one checksum. */
+    struct Result {
+        Status status = Status::Ok;
+        quint32 crc = 0;
+        /** errno of the failure when status is Failed. */
+        int error = 0;
+    };
+
+    static constexpr int DefaultChunkSize = 65536;
+    static constexpr int MinimumChunkSize = 1024;
+    static constexpr int MaximumChunkSize = 16 * 1024 * 1024;
+
+    CRC32Object();
+
+    int ChunkSize() const { return m_chunkSize; }
+    /** Clamped to MinimumChunkSize..MaximumChunkSize. */
+    void setChunkSize(int NewSize);
+
+    /**
+     * Stops the running checksum after its current chunk. Safe to call from any thread; the
+     * flag is cleared when the next checksum starts.
+     */
+    void Cancel() { m_cancel.store(true, std::memory_order_relaxed); }
+    bool isCancelRequested() const { return m_cancel.load(std::memory_order_relaxed); }
+
+    /** Eight upper-case hexadecimal digits ("CBF43926"); -1 gives "FFFFFFFF". */
+    static QString CRC32String(qint32 CRC32);
+
+    /** The checksum of a file as a signed value; 0 for an empty, cancelled or unreadable file. */
+    qint32 CRC32(const QString &path);
+    /** Same for a native path. */
+    qint32 CRC32(const QByteArray &nativePath);
+
+    /** The checksum of a file with its outcome told apart (read errors are not content). */
+    Result Checksum(const QByteArray &nativePath);
+    /**
+     * Same, for a file whose properties were just read as \a known, so that no second stat is
+     * needed: an empty regular file is not even opened.
+     */
+    Result Checksum(const QByteArray &nativePath, const FileStat &known);
+
+    /** Continues \a crc (0 to start) over \a size bytes; the chunks of a file in order. */
+    static quint32 update(quint32 crc, const void *data, std::size_t size);
+
+    /** Called after every chunk, on the calling thread. */
+    void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
+
+private:
+    Result readRegular(const QByteArray &nativePath);
+    Result readLink(const QByteArray &nativePath, qint64 knownSize);
+    bool yieldAndTest();
+
+    int m_chunkSize = DefaultChunkSize;
+    std::atomic<bool> m_cancel{false};
+    std::vector<char> m_buffer;
+    YieldHook m_yield;
+};

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "engine/CollectionProblem.h"
+#include "engine/ComparisonFile.h"
+#include "engine/YieldHook.h"
+
+#include <QList>
+#include <QObject>
+
+#include <memory>
+#include <vector>
+
+/**
+ * The records of one side of a comparison. Setting the root folder walks the tree below it
+ * (each folder's files in name-byte order, then its subfolders in the same order, depth first)
+ * and makes one record per file; symbolic links are records too and are never followed.
+ * Records are kept in insertion order and keyed by their lower-cased path (ComparisonFile::Key),
+ * so a second name that differs only in letter case is dropped and listed in Problems().
+ *
+ * Everything runs on the caller's thread; the yield hook is called after each file so that
+ * Cancel() can arrive from an event handler.
+ */
+class ComparisonFileCollection : public QObject {
+    Q_OBJECT
+public:
+    using const_iterator = std::vector<ComparisonFilePtr>::const_iterator;
+
+    explicit ComparisonFileCollection(QObject *parent = nullptr);
+    ~ComparisonFileCollection() override;
+
+    /** The records no longer match the disk; setting it during a walk restarts the walk. */
+    bool NeedsRescan() const { return m_needsRescan; }
+    void setNeedsRescan(bool on) { m_needsRescan = on; }
+    /** Asks a running comparison to start over; cleared by Clear(). */
+    bool NeedsRecompare() const { return m_needsRecompare; }
+    void setNeedsRecompare(bool on) { m_needsRecompare = on; }
+
+    /** True while a walk runs. */
+    bool InProgress() const { return m_inProgress; }
+    /** True after Cancel(), until the next walk or Clear(). */
+    bool Cancelled() const { return m_cancelled; }
+    /** Stops the running walk at its next file; the records found so far stay. */
+    void Cancel() { m_cancelled = true; }
+
+    /** The folder last walked, as given ("" after Clear()). */
+    QString RootFolder() const { return m_rootFolder; }
+    /**
+     * Walks \a folder into a new, empty collection and returns when the walk has finished or
+     * was cancelled. A folder that does not exist changes nothing. A folder that cannot be read
+     * (the root included) is listed in Problems().
+     */
+    void setRootFolder(const QString &folder);
+    /** Same for a folder given as bytes (a path that is not valid UTF-8). */
+    void setRootFolderNative(const QByteArray &folder);
+    /** The root's native path, without a trailing separator (except for "/"). */
+    QByteArray RootFolderNative() const;
+
+    /**
+     * Adds a placeholder on this side for \a file, found below \a otherRoot on the other side:
+     * the file's details (loaded now, or from \a stat when given) with this side's path, and
+     * difference code \a code. Returns the new record, or null when a record with that key
+     * already exists. Raises no event.
+     */
+    ComparisonFilePtr AddMissingFile(const ::FileObject &file, const QString &otherRoot, int code);
+    ComparisonFilePtr AddMissingFile(const ::FileObject &file, const QString &otherRoot, int code,
+                                     const FileStat &stat);
+    /** Removes every placeholder. */
+    void RemoveMissingFiles();
+    /** Empties the collection: no records, no problems, root "", flags cleared. */
+    void Clear();
+
+    /** The record at 1-based \a position, or null outside 1..Count(). */
+    ComparisonFilePtr Item(int position) const;
+    /** The record whose key is \a key, a full path compared without regard to case; or null. */
+    ComparisonFilePtr Item(const QString &key) const;
+    /** The record at the same path below this root as \a other below its root, or null. */
+    ComparisonFilePtr Counterpart(const ComparisonFile &other) const;
+    int Count() const { return int(m_records.size()); }
+
+    /** Insertion order. Do not add or remove records while iterating. */
+    const_iterator begin() const { return m_records.begin(); }
+    const_iterator end() const { return m_records.end(); }
+
+    /** Folders that could not be read and files dropped as case duplicates, in walk order. */
+    const QList<CollectionProblem> &Problems() const { return m_problems; }
+
+    /** Called after every file of a walk. */
+    void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
+
+Q_SIGNALS:
+    /** A walk added a record; \a FileCount is Count() after the addition. */
+    void FileAdded(int FileCount);
+
+private:
+    class Index;
+    class Walker;
+    friend class Walker;
+
+    bool insert(const ComparisonFilePtr &record);
+    void resetRecords();
+    FolderRef placeholderFolder(const QByteArray &relativeNative);
+
+    std::vector<ComparisonFilePtr> m_records;
+    std::unique_ptr<Index> m_index;
+    QList<CollectionProblem> m_problems;
+    QString m_rootFolder;
+    QByteArray m_rootNative;
+    FolderRef m_rootNode;
+    YieldHook m_yield;
+    bool m_needsRescan = false;
+    bool m_needsRecompare = false;
+    bool m_inProgress = false;
+    bool m_cancelled = false;
+};

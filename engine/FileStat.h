@@ -1,0 +1,61 @@
+#pragma once
+
+#include "engine/FileTime.h"
+
+#include <QByteArray>
+
+/** Attribute bits of a file, as the listings and the attribute comparison know them. */
+namespace FileAttributes {
+/** The owner may not write the file. */
+inline constexpr int ReadOnly = 1;
+/** The name starts with ".". */
+inline constexpr int Hidden = 2;
+/** Not a regular file or symbolic link: a FIFO, socket or device. */
+inline constexpr int System = 4;
+/** Never set on this platform; kept so that the attribute string rules stay whole. */
+inline constexpr int Archive = 32;
+/** A symbolic link. */
+inline constexpr int Alias = 1024;
+/** The file system compresses the file (STATX_ATTR_COMPRESSED). */
+inline constexpr int Compressed = 2048;
+} // namespace FileAttributes
+
+/** What kind of directory entry a file is; it decides how its checksum is taken. */
+enum class FileKind : quint8 {
+    /** The file could not be found or its properties could not be read. */
+    Missing,
+    /** A regular file: checksummed by reading it. */
+    Regular,
+    /** A symbolic link: never followed; its size and checksum are those of the link text. */
+    Symlink,
+    /** A FIFO, socket or device: compared on metadata only, never opened. */
+    Other,
+};
+
+/**
+ * Every property of one file that a comparison reads, taken with one statx call so that a
+ * pair is judged on one consistent snapshot per side.
+ */
+struct FileStat {
+    FileKind kind = FileKind::Missing;
+    /** The errno of the failed call when kind is Missing, else 0. */
+    int error = 0;
+    /** Bytes; for a symbolic link the length of its text. */
+    qint64 size = 0;
+    /** FileAttributes bits. */
+    int attributes = 0;
+    FileTime created;
+    FileTime modified;
+    FileTime accessed;
+
+    /** True when the file exists (its properties could be read). */
+    bool isValid() const { return kind != FileKind::Missing; }
+
+    /**
+     * Reads the properties of \a name inside the folder open as \a dirFd (or relative to the
+     * working folder for AT_FDCWD) with a single statx, never following a symbolic link.
+     */
+    static FileStat read(int dirFd, const char *name);
+    /** Same for a full native path. */
+    static FileStat read(const QByteArray &nativePath);
+};

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <atomic>
+#include <utility>
+
+/**
+ * One folder of a walked tree, shared by every file record found in it, so that a record
+ * carries its name alone and not a copy of its folder's path. Reference-counted intrusively
+ * (through FolderRef) to keep the records small; the count is atomic because checksum and
+ * stat workers may hold references while the caller's thread releases its own.
+ */
+class FolderNode {
+public:
+    /**
+     * \a nativePath is the folder's full path as bytes, without a trailing separator (except
+     * for "/"); \a rootNativeLength the length of the root's part of it; \a rootPath the root
+     * folder as the collection was given it.
+     */
+    FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath);
+
+    FolderNode(const FolderNode &) = delete;
+    FolderNode &operator=(const FolderNode &) = delete;
+
+    /** Full native path, no trailing separator (except for the root of the file system). */
+    const QByteArray &nativePath() const { return m_nativePath; }
+    /** Full path for display: invalid UTF-8 bytes shown as replacement characters. */
+    const QString &displayPath() const { return m_displayPath; }
+    /**
+     * The folder's full path in key form (lower case, invalid bytes escaped as "\xFF") with a
+     * trailing "/": a file's key is this followed by the key form of its name.
+     */
+    const QString &keyPath() const { return m_keyPath; }
+    /** The part of keyPath() below the root ("" for the root itself, else ending in "/"). */
+    QStringView relativeKey() const { return QStringView(m_keyPath).mid(m_rootKeyLength); }
+    /** The root folder of the tree this folder belongs to, as given to the collection. */
+    const QString &rootPath() const { return m_rootPath; }
+    /** The folder's native path below the root, without leading separator ("" for the root). */
+    QByteArray relativeNativePath() const;
+    /** Length of the root's native path inside nativePath(). */
+    qsizetype rootNativeLength() const { return m_rootNativeLength; }
+
+    /** Full native path of the entry \a name inside this folder. */
+    QByteArray childNativePath(const QByteArray &name) const;
+
+    void ref() const { m_refs.fetch_add(1, std::memory_order_relaxed); }
+    /** Returns true when the last reference was dropped. */
+    bool deref() const { return m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1; }
+
+private:
+    QByteArray m_nativePath;
+    QString m_displayPath;
+    QString m_keyPath;
+    qsizetype m_rootKeyLength = 0;
+    QString m_rootPath;
+    qsizetype m_rootNativeLength;
+    mutable std::atomic<int> m_refs{0};
+};
+
+/** An owning reference to a FolderNode. */
+class FolderRef {
+public:
+    FolderRef() = default;
+    explicit FolderRef(FolderNode *node)
+        : m_node(node) {
+        if (m_node)
+            m_node->ref();
+    }
+    FolderRef(const FolderRef &other)
+        : FolderRef(other.m_node) {}
+    FolderRef(FolderRef &&other) noexcept
+        : m_node(std::exchange(other.m_node, nullptr)) {}
+    FolderRef &operator=(FolderRef other) noexcept {
+        std::swap(m_node, other.m_node);
+        return *this;
+    }
+    ~FolderRef() {
+        if (m_node && m_node->deref())
+            delete m_node;
+    }
+
+    /** Creates a node; see FolderNode's constructor. */
+    static FolderRef make(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath) {
+        return FolderRef(
+            new FolderNode(std::move(nativePath), rootNativeLength, std::move(rootPath)));
+    }
+
+    FolderNode *get() const { return m_node; }
+    const FolderNode *operator->() const { return m_node; }
+    const FolderNode &operator*() const { return *m_node; }
+    explicit operator bool() const { return m_node != nullptr; }
+    friend bool operator==(const FolderRef &a, const FolderRef &b) { return a.m_node == b.m_node; }
+
+private:
+    FolderNode *m_node = nullptr;
+};
