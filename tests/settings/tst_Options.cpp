@@ -1,0 +1,319 @@
+#include "SettingsProfile.h"
+
+#include "settings/Options.h"
+#include "settings/RecentLists.h"
+#include "support/TestTree.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <cstdio>
+
+using Options::WindowRect;
+
+namespace {
+
+struct BooleanKey {
+    const char *key;
+    bool (*read)();
+    bool (*write)(bool);
+    bool fallback;
+};
+
+const BooleanKey booleanOptions[] = {
+    {"DoCRCLast", Options::doCRCLast, Options::setDoCRCLast, true},
+    {"AlwaysOnTop", Options::alwaysOnTop, Options::setAlwaysOnTop, false},
+    {"IncludeSlack", Options::includeSlack, Options::setIncludeSlack, true},
+    {"LinkListings", Options::linkListings, Options::setLinkListings, true},
+    {"UseMissingPlaceholders", Options::useMissingPlaceholders, Options::setUseMissingPlaceholders,
+     true},
+    {"FullPath", Options::fullPath, Options::setFullPath, false},
+    {"AllFiles", Options::allFiles, Options::setAllFiles, false},
+    {"BoldDifferences", Options::boldDifferences, Options::setBoldDifferences, false},
+};
+
+const WindowRect defaultRect{100, 50, 640, 480};
+
+// What a run as an unprivileged user reports: the reads it made and whether writes worked.
+int reportUnprivilegedRun() {
+    const bool wrote = Options::setAlwaysOnTop(true) || Options::setWindowRect({1, 2, 3, 4}) ||
+                       RecentLists::saveFolders(RecentLists::Side::Source, {"/new"}, 0);
+    const RecentLists::Folders folders = RecentLists::loadFolders(RecentLists::Side::Source);
+    std::printf("wrote=%d diff=%s folder=%s\n", wrote, qPrintable(Options::diffEXE()),
+                qPrintable(folders.folders.value(0)));
+    return 0;
+}
+
+} // namespace
+
+class tst_Options : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void booleanKeys_data();
+    void booleanKeys();
+    void freshProfileOtherDefaults();
+    void crcChunkSize_data();
+    void crcChunkSize();
+    void crcChunkSizeIsNeverWritten();
+    void orientation_data();
+    void orientation();
+    void diffEXE_data();
+    void diffEXE();
+    void windowRect_data();
+    void windowRect();
+    void windowRectWrittenAsShortestDecimals();
+    void viewOptionsTogether();
+    void handEditedFile_data();
+    void handEditedFile();
+    void unwritableFolder_data();
+    void unwritableFolder();
+
+private:
+    SettingsProfile m_profile;
+};
+
+void tst_Options::initTestCase() {
+    QVERIFY(m_profile.isValid());
+}
+
+void tst_Options::init() {
+    m_profile.clear();
+}
+
+void tst_Options::booleanKeys_data() {
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < int(std::size(booleanOptions)); ++i)
+        QTest::newRow(booleanOptions[i].key) << i;
+}
+
+void tst_Options::booleanKeys() {
+    QFETCH(int, index);
+    const BooleanKey &key = booleanOptions[index];
+    const QByteArray name(key.key);
+
+    QCOMPARE(key.read(), key.fallback);
+
+    // Stored as the designed words, never as Qt's own "true"/"false".
+    QVERIFY(key.write(!key.fallback));
+    const QByteArray expected = name + '=' + (key.fallback ? "False" : "True") + '\n';
+    QVERIFY2(m_profile.raw().contains(expected), m_profile.raw().constData());
+    QCOMPARE(key.read(), !key.fallback);
+
+    QVERIFY(m_profile.edit("[Options]\n" + name + "=maybe\n"));
+    QCOMPARE(key.read(), key.fallback);
+    QVERIFY(m_profile.edit("[Options]\n" + name + "=" + (key.fallback ? "0" : "-1") + "\n"));
+    QCOMPARE(key.read(), !key.fallback);
+}
+
+void tst_Options::freshProfileOtherDefaults() {
+    QCOMPARE(Options::orientation(), Options::VerticalOrientation);
+    QCOMPARE(Options::diffEXE(), QString());
+    QCOMPARE(Options::crcChunkSize(), 65536);
+    QCOMPARE(Options::windowRect(defaultRect), defaultRect);
+    QCOMPARE(Options::viewOptions(), Options::ViewOptions());
+    QVERIFY(!QFile::exists(SettingsStore::fileName()));
+}
+
+void tst_Options::crcChunkSize_data() {
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("below the floor") << QByteArray("512") << 1024;
+    QTest::newRow("floor") << QByteArray("1024") << 1024;
+    QTest::newRow("ordinary") << QByteArray("131072") << 131072;
+    QTest::newRow("negative") << QByteArray("-5") << 1024;
+    QTest::newRow("giant") << QByteArray("2000000000") << 16777216;
+    QTest::newRow("beyond 32 bits") << QByteArray("99999999999") << 65536;
+    QTest::newRow("letters") << QByteArray("lots") << 65536;
+    QTest::newRow("trailing text is not strict") << QByteArray("4096 bytes") << 65536;
+    QTest::newRow("empty") << QByteArray("") << 65536;
+}
+
+void tst_Options::crcChunkSize() {
+    QFETCH(QByteArray, stored);
+    QFETCH(int, expected);
+    QVERIFY(m_profile.edit("[Options]\nCRCChunkSize=" + stored + "\n"));
+    QCOMPARE(Options::crcChunkSize(), expected);
+}
+
+void tst_Options::crcChunkSizeIsNeverWritten() {
+    QVERIFY(m_profile.edit("[Options]\nCRCChunkSize=512\n"));
+    QCOMPARE(Options::crcChunkSize(), 1024);
+    for (const BooleanKey &key : booleanOptions)
+        QVERIFY(key.write(key.fallback));
+    QVERIFY(Options::setOrientation(Options::HorizontalOrientation));
+    QVERIFY(Options::setWindowRect(defaultRect));
+    QVERIFY(m_profile.raw().contains("CRCChunkSize=512\n"));
+}
+
+void tst_Options::orientation_data() {
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("horizontal") << QByteArray("1") << 1;
+    QTest::newRow("vertical") << QByteArray("2") << 2;
+    QTest::newRow("lenient horizontal") << QByteArray(" 1.0 bar") << 1;
+    QTest::newRow("zero") << QByteArray("0") << 2;
+    QTest::newRow("three") << QByteArray("3") << 2;
+    QTest::newRow("fraction") << QByteArray("1.5") << 2;
+    QTest::newRow("letters") << QByteArray("sideways") << 2;
+}
+
+void tst_Options::orientation() {
+    QFETCH(QByteArray, stored);
+    QFETCH(int, expected);
+    QVERIFY(m_profile.edit("[Options]\nOrientation=" + stored + "\n"));
+    QCOMPARE(Options::orientation(), expected);
+
+    QVERIFY(Options::setOrientation(expected));
+    QVERIFY(m_profile.raw().contains("Orientation=" + QByteArray::number(expected) + "\n"));
+}
+
+void tst_Options::diffEXE_data() {
+    QTest::addColumn<QString>("path");
+    QTest::newRow("blanks") << "/opt/my tools/diff";
+    QTest::newRow("comma") << "/opt/a,b/diff";
+    QTest::newRow("at sign first") << "@diff";
+    QTest::newRow("quotes") << "/opt/\"q\"/diff";
+    QTest::newRow("not ASCII") << QString::fromUtf8("/opt/diff\u00e9\u4e2d");
+    QTest::newRow("empty") << "";
+}
+
+void tst_Options::diffEXE() {
+    QFETCH(QString, path);
+    QVERIFY(Options::setDiffEXE(QStringLiteral("/old")));
+    QVERIFY(Options::setDiffEXE(path));
+    QCOMPARE(Options::diffEXE(), path);
+}
+
+void tst_Options::windowRect_data() {
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<WindowRect>("expected");
+    QTest::newRow("all four") << QByteArray("Left=10\nTop=20.5\nWidth=800\nHeight=600\n")
+                              << WindowRect{10, 20.5f, 800, 600};
+    QTest::newRow("missing keys") << QByteArray("Width=800\n") << WindowRect{100, 50, 800, 480};
+    QTest::newRow("off screen stays")
+        << QByteArray("Left=-5000\nTop=9000\n") << WindowRect{-5000, 9000, 640, 480};
+    QTest::newRow("letters read as 0")
+        << QByteArray("Left=abc\nTop=\n") << WindowRect{0, 0, 640, 480};
+    QTest::newRow("zero size") << QByteArray("Width=0\nHeight=-480\n") << defaultRect;
+    QTest::newRow("giant") << QByteArray("Left=1e9\nWidth=2000000000\nHeight=1e300\n")
+                           << defaultRect;
+}
+
+void tst_Options::windowRect() {
+    QFETCH(QByteArray, stored);
+    QFETCH(WindowRect, expected);
+    QVERIFY(m_profile.edit("[Options]\n" + stored));
+    QCOMPARE(Options::windowRect(defaultRect), expected);
+}
+
+void tst_Options::windowRectWrittenAsShortestDecimals() {
+    QVERIFY(Options::setWindowRect({12.5f, -3, 640, 480.1f}));
+    const QByteArray raw = m_profile.raw();
+    for (const char *line : {"Left=12.5\n", "Top=-3\n", "Width=640\n", "Height=480.1\n"})
+        QVERIFY2(raw.contains(line), raw.constData());
+    QCOMPARE(Options::windowRect(defaultRect), (WindowRect{12.5f, -3, 640, 480.1f}));
+}
+
+void tst_Options::viewOptionsTogether() {
+    Options::ViewOptions options;
+    options.linkListings = false;
+    options.boldDifferences = true;
+    QVERIFY(Options::setViewOptions(options));
+    QCOMPARE(Options::viewOptions(), options);
+    QVERIFY(!Options::linkListings());
+    QVERIFY(Options::boldDifferences());
+}
+
+void tst_Options::handEditedFile_data() {
+    QTest::addColumn<QByteArray>("content");
+    QByteArray binary;
+    for (int i = 0; i < 4096; ++i)
+        binary.append(char((i * 7919) & 0xff));
+    QTest::newRow("not INI at all") << binary;
+    QTest::newRow("no sections") << QByteArray("DoCRCLast=False\nOrientation=1\n");
+    QTest::newRow("other sections only") << QByteArray("[Elsewhere]\nDoCRCLast=False\n");
+    QTest::newRow("broken header") << QByteArray("[Options\nDoCRCLast=maybe\n[[x]]\n=\n==\n");
+    QTest::newRow("megabyte values") << "[Options]\nDoCRCLast=" + QByteArray(1 << 20, 'T') +
+                                            "\nDiffEXE=" + QByteArray(1 << 20, '/') +
+                                            "\nCRCChunkSize=" + QByteArray(1 << 20, '9') +
+                                            "\nLeft=" + QByteArray(1 << 20, '5') + "\n";
+    QTest::newRow("typed values") << QByteArray(
+        "[Options]\nDoCRCLast=@Variant(\\0\\0\\0\\x7f)\nDiffEXE=@ByteArray(x)\n");
+}
+
+void tst_Options::handEditedFile() {
+    QFETCH(QByteArray, content);
+    QVERIFY(m_profile.edit(content));
+
+    // Whatever the file holds, every reader gives its default.
+    for (const BooleanKey &key : booleanOptions)
+        QCOMPARE(key.read(), key.fallback);
+    QCOMPARE(Options::orientation(), Options::VerticalOrientation);
+    QCOMPARE(Options::crcChunkSize(), 65536);
+    QCOMPARE(Options::windowRect(defaultRect), defaultRect);
+    QVERIFY(Options::diffEXE().size() < 4096);
+
+    // And the store can still be written and read back.
+    QVERIFY(Options::setDoCRCLast(false));
+    QVERIFY(!Options::doCRCLast());
+}
+
+void tst_Options::unwritableFolder_data() {
+    QTest::addColumn<bool>("fileExists");
+    QTest::newRow("settings file in a read-only folder") << true;
+    QTest::newRow("no settings folder, parent read-only") << false;
+}
+
+void tst_Options::unwritableFolder() {
+    QFETCH(bool, fileExists);
+    if (!canDropPrivileges())
+        QSKIP("cannot run as an unprivileged user here");
+
+    // A profile of its own that the unprivileged user can read but not write.
+    TestTree home;
+    QVERIFY(QFile::setPermissions(home.root(), QFile::ReadOwner | QFile::WriteOwner |
+                                                   QFile::ExeOwner | QFile::ReadOther |
+                                                   QFile::ExeOther));
+    const QByteArray content = "[Options]\nDiffEXE=/usr/bin/kept\n\n[SourceMRU]\nItem1=/kept\n";
+    const QString file = home.path(QStringLiteral("Pairscope/Pairscope.ini"));
+    if (fileExists)
+        QVERIFY(home.write(QStringLiteral("Pairscope/Pairscope.ini"), content));
+
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.root());
+    environment.insert(QStringLiteral("HOME"), home.root());
+    child.setProcessEnvironment(environment);
+    child.start(QStringLiteral("setpriv"),
+                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                 QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath(),
+                 QStringLiteral("--unprivileged-run")});
+    QVERIFY(child.waitForFinished(60000));
+    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(child.exitCode(), 0);
+
+    const QByteArray report = child.readAllStandardOutput();
+    QVERIFY2(report.startsWith("wrote=0 "), report.constData());
+    if (fileExists) {
+        QVERIFY2(report.contains("diff=/usr/bin/kept"), report.constData());
+        QFile kept(file);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), content);
+    } else {
+        QVERIFY(!QFile::exists(file));
+    }
+}
+
+int main(int argc, char **argv) {
+    if (argc == 2 && qstrcmp(argv[1], "--unprivileged-run") == 0) {
+        QCoreApplication app(argc, argv);
+        return reportUnprivilegedRun();
+    }
+    QCoreApplication app(argc, argv);
+    tst_Options test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_Options.moc"

@@ -1,0 +1,132 @@
+#include "SettingsProfile.h"
+
+#include "settings/RecentLists.h"
+
+#include <QTest>
+
+using RecentLists::Side;
+
+class tst_RecentLists : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void emptyStore();
+    void foldersRoundTrip();
+    void foldersKeepSixAndClearTheRest();
+    void sidesAreSeparate();
+    void loadFolders_data();
+    void loadFolders();
+    void selectionsRoundTrip();
+    void loadSelections_data();
+    void loadSelections();
+
+private:
+    SettingsProfile m_profile;
+};
+
+void tst_RecentLists::initTestCase() {
+    QVERIFY(m_profile.isValid());
+}
+
+void tst_RecentLists::init() {
+    m_profile.clear();
+}
+
+void tst_RecentLists::emptyStore() {
+    QCOMPARE(RecentLists::loadFolders(Side::Source).folders, QStringList());
+    QCOMPARE(RecentLists::loadFolders(Side::Destination).last, -1);
+    QCOMPARE(RecentLists::loadSelections().values, QList<int>());
+    QCOMPARE(RecentLists::loadSelections().last, -1);
+}
+
+void tst_RecentLists::foldersRoundTrip() {
+    const QStringList folders{"/b", "/a b", "/x,y"};
+    QVERIFY(RecentLists::saveFolders(Side::Source, folders, 1));
+    const RecentLists::Folders loaded = RecentLists::loadFolders(Side::Source);
+    QCOMPARE(loaded.folders, folders);
+    QCOMPARE(loaded.last, 1);
+    // Unused slots are written empty, as text a person can read.
+    QVERIFY(m_profile.raw().contains("Item4=\nItem5=\nItem6=\nLast=1\n"));
+}
+
+void tst_RecentLists::foldersKeepSixAndClearTheRest() {
+    QStringList seven;
+    for (int i = 1; i <= 7; ++i)
+        seven.append(QStringLiteral("/f%1").arg(i));
+    QVERIFY(RecentLists::saveFolders(Side::Destination, seven, 0));
+    QCOMPARE(RecentLists::loadFolders(Side::Destination).folders, seven.mid(0, 6));
+    QVERIFY(!m_profile.raw().contains("Item7"));
+
+    // A shorter list later must not let the older entries come back.
+    QVERIFY(RecentLists::saveFolders(Side::Destination, {"/only"}, 0));
+    QCOMPARE(RecentLists::loadFolders(Side::Destination).folders, QStringList{"/only"});
+}
+
+void tst_RecentLists::sidesAreSeparate() {
+    QVERIFY(RecentLists::saveFolders(Side::Source, {"/src"}, 0));
+    QVERIFY(RecentLists::saveFolders(Side::Destination, {"/dst"}, 0));
+    QVERIFY(RecentLists::saveSelections({3}, 0));
+    QCOMPARE(RecentLists::loadFolders(Side::Source).folders, QStringList{"/src"});
+    const QByteArray raw = m_profile.raw();
+    QVERIFY(raw.contains("[SourceMRU]\nItem1=/src\n"));
+    QVERIFY(raw.contains("[DestMRU]\nItem1=/dst\n"));
+    QVERIFY(raw.contains("[SelectionsMRU]\nItem1=3\n"));
+}
+
+void tst_RecentLists::loadFolders_data() {
+    QTest::addColumn<QByteArray>("section");
+    QTest::addColumn<QStringList>("folders");
+    QTest::addColumn<int>("last");
+    QTest::newRow("gaps skipped") << QByteArray("Item2=/b\nItem5=/e\nLast=1\n")
+                                  << QStringList{"/b", "/e"} << 1;
+    QTest::newRow("unquoted comma") << QByteArray("Item1=/a,b\n") << QStringList{"/a,b"} << -1;
+    QTest::newRow("seventh ignored")
+        << QByteArray("Item1=/a\nItem7=/g\nLast=x\n") << QStringList{"/a"} << 0;
+    QTest::newRow("megabyte path skipped")
+        << "Item1=/" + QByteArray(1 << 20, 'a') + "\nItem2=/ok\nLast=-7\n"
+        << QStringList{"/ok"} << -7;
+}
+
+void tst_RecentLists::loadFolders() {
+    QFETCH(QByteArray, section);
+    QFETCH(QStringList, folders);
+    QFETCH(int, last);
+    QVERIFY(m_profile.edit("[SourceMRU]\n" + section));
+    const RecentLists::Folders loaded = RecentLists::loadFolders(Side::Source);
+    QCOMPARE(loaded.folders, folders);
+    QCOMPARE(loaded.last, last);
+}
+
+void tst_RecentLists::selectionsRoundTrip() {
+    QVERIFY(RecentLists::saveSelections({63, 0, 3, 2, 31, 16, 1}, 2));
+    const RecentLists::Selections loaded = RecentLists::loadSelections();
+    QCOMPARE(loaded.values, (QList<int>{63, 0, 3, 2, 31, 16}));
+    QCOMPARE(loaded.last, 2);
+
+    // Fewer sets later: the slots left over are written as empty ("-1").
+    QVERIFY(RecentLists::saveSelections({3, 2}, 0));
+    QVERIFY(m_profile.raw().contains("Item3=-1\n"));
+    QCOMPARE(RecentLists::loadSelections().values, (QList<int>{3, 2}));
+}
+
+void tst_RecentLists::loadSelections_data() {
+    QTest::addColumn<QByteArray>("section");
+    QTest::addColumn<QList<int>>("values");
+    QTest::newRow("empty slots") << QByteArray("Item1=-1\nItem2=5\nItem4=6\n") << QList<int>{5, 6};
+    QTest::newRow("lenient") << QByteArray("Item1=3 sets\nItem2=abc\nItem3=2.5\n")
+                             << QList<int>{3, 0, 2};
+    QTest::newRow("no comparison set")
+        << QByteArray("Item1=64\nItem2=-2\nItem3=99999999999\n") << QList<int>{};
+    QTest::newRow("duplicates kept") << QByteArray("Item1=3\nItem2=3\n") << QList<int>{3, 3};
+}
+
+void tst_RecentLists::loadSelections() {
+    QFETCH(QByteArray, section);
+    QFETCH(QList<int>, values);
+    QVERIFY(m_profile.edit("[SelectionsMRU]\n" + section));
+    QCOMPARE(RecentLists::loadSelections().values, values);
+}
+
+QTEST_GUILESS_MAIN(tst_RecentLists)
+#include "tst_RecentLists.moc"
