@@ -1,0 +1,215 @@
+#include "ModalHelper.h"
+
+#include "engine/ComparisonSet.h"
+#include "settings/Options.h"
+#include "settings/RecentLists.h"
+#include "settings/SettingsProfile.h"
+#include "tools/ComparisonsCombo.h"
+#include "tools/frmComparisons.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+QList<int> entries(const QComboBox &combo) {
+    QList<int> values;
+    for (int i = 0; i < combo.count(); ++i)
+        values.append(combo.itemData(i).toInt());
+    return values;
+}
+
+} // namespace
+
+class tst_ComparisonsCombo : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void emptyStoreGivesDefaults();
+    void fillFromStore_data();
+    void fillFromStore();
+    void resetStoresDefaults();
+    void recentRules();
+    void choosingAnEntry();
+    void cancelledDialogReturnsToPrevious();
+    void confirmedDialogSelectsTheSet();
+
+private:
+    SettingsProfile m_profile;
+};
+
+void tst_ComparisonsCombo::initTestCase() {
+    QVERIFY(m_profile.isValid());
+}
+
+void tst_ComparisonsCombo::init() {
+    m_profile.clear();
+}
+
+void tst_ComparisonsCombo::emptyStoreGivesDefaults() {
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(false);
+    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
+    QCOMPARE(combo.itemText(0), QStringLiteral("Compare File Sizes, Date Modified"));
+    QCOMPARE(combo.itemText(2), QStringLiteral("Compare File Existence Only"));
+    QCOMPARE(combo.itemText(4), QStringLiteral("  Select..."));
+    QCOMPARE(combo.currentIndex(), 0);
+    QCOMPARE(logic.Comparisons(), 3);
+    // Filling alone stores nothing.
+    QVERIFY(!QFile::exists(SettingsStore::fileName()));
+}
+
+void tst_ComparisonsCombo::fillFromStore_data() {
+    QTest::addColumn<QByteArray>("section");
+    QTest::addColumn<QList<int>>("listed");
+    QTest::addColumn<int>("selected");
+    QTest::newRow("last in range")
+        << QByteArray("Item1=5\nItem2=6\nLast=1\n") << QList<int>{5, 6, -1} << 1;
+    QTest::newRow("last below range")
+        << QByteArray("Item1=5\nItem2=6\nLast=-3\n") << QList<int>{5, 6, -1} << 0;
+    QTest::newRow("last beyond range")
+        << QByteArray("Item1=5\nItem2=6\nLast=99\n") << QList<int>{5, 6, -1} << 1;
+    QTest::newRow("last missing") << QByteArray("Item1=5\nItem2=6\n") << QList<int>{5, 6, -1} << 0;
+    QTest::newRow("duplicates listed once")
+        << QByteArray("Item1=5\nItem2=5\nItem3=6\nLast=2\n") << QList<int>{5, 6, -1} << 1;
+    QTest::newRow("only empty slots")
+        << QByteArray("Item1=-1\nItem2=junk-1\nLast=4\n") << QList<int>{0, -1} << 0;
+    QTest::newRow("nothing usable")
+        << QByteArray("Item1=-1\nItem2=640\nLast=4\n") << QList<int>{3, 2, 0, 31, -1} << 0;
+}
+
+void tst_ComparisonsCombo::fillFromStore() {
+    QFETCH(QByteArray, section);
+    QFETCH(QList<int>, listed);
+    QFETCH(int, selected);
+    QVERIFY(m_profile.edit("[SelectionsMRU]\n" + section));
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
+    logic.Fill(false);
+    QCOMPARE(entries(combo), listed);
+    QCOMPARE(combo.currentIndex(), selected);
+    QCOMPARE(chosen.count(), 0);
+}
+
+void tst_ComparisonsCombo::resetStoresDefaults() {
+    QVERIFY(RecentLists::saveSelections({63, 1, 2, 4, 8, 16}, 5));
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(true);
+    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
+    const RecentLists::Selections stored = RecentLists::loadSelections();
+    QCOMPARE(stored.values, (QList<int>{3, 2, 0, 31}));
+    QCOMPARE(stored.last, 0);
+}
+
+void tst_ComparisonsCombo::recentRules() {
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(false);
+
+    // A set already listed keeps its place.
+    logic.Select(0);
+    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
+    QCOMPARE(combo.currentIndex(), 2);
+    QCOMPARE(RecentLists::loadSelections().last, 2);
+
+    // New sets go to the top; the seventh pushes the oldest out.
+    logic.Select(63);
+    logic.Select(33);
+    QCOMPARE(entries(combo), (QList<int>{33, 63, 3, 2, 0, 31, -1}));
+    logic.Select(17);
+    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
+    QCOMPARE(combo.currentIndex(), 0);
+    QCOMPARE(logic.Comparisons(), 17);
+
+    const RecentLists::Selections stored = RecentLists::loadSelections();
+    QCOMPARE(stored.values, (QList<int>{17, 33, 63, 3, 2, 0}));
+    QCOMPARE(stored.last, 0);
+
+    // Not a comparison set: nothing changes.
+    logic.Select(-1);
+    logic.Select(64);
+    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
+}
+
+void tst_ComparisonsCombo::choosingAnEntry() {
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(false);
+    QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
+    combo.setCurrentIndex(3);
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen.first().first().toInt(), 31);
+    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
+    QCOMPARE(RecentLists::loadSelections().last, 3);
+}
+
+void tst_ComparisonsCombo::cancelledDialogReturnsToPrevious() {
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(false);
+    combo.setCurrentIndex(1);
+    QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
+
+    int shownWith = -1;
+    bool comboIgnored = false;
+    WhenModalShown([&](QWidget *shown) {
+        auto *dialog = qobject_cast<frmComparisons *>(shown);
+        if (!dialog)
+            return;
+        shownWith = dialog->Comparisons();
+        // A change made to the combo while its handler runs must not start it again.
+        combo.setCurrentIndex(3);
+        comboIgnored = RecentLists::loadSelections().last == 1;
+        dialog->lstComparisons->item(4)->setSelected(true);
+        dialog->cmdCancel->click();
+    });
+    combo.setCurrentIndex(4);
+
+    QCOMPARE(shownWith, 2);
+    QVERIFY(comboIgnored);
+    QCOMPARE(combo.currentIndex(), 1);
+    QCOMPARE(logic.Comparisons(), 2);
+    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
+    QCOMPARE(chosen.count(), 0);
+}
+
+void tst_ComparisonsCombo::confirmedDialogSelectsTheSet() {
+    QVERIFY(Options::setDoCRCLast(true));
+    QComboBox combo;
+    ComparisonsCombo logic(&combo);
+    logic.Fill(false);
+    logic.Select(63);
+    QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
+
+    WhenModalShown([](QWidget *shown) {
+        auto *dialog = qobject_cast<frmComparisons *>(shown);
+        if (!dialog)
+            return;
+        dialog->lstComparisons->clearSelection();
+        dialog->chkDoCRCLast->setChecked(false);
+        dialog->lstComparisons->item(0)->setSelected(true);
+        dialog->lstComparisons->item(1)->setSelected(true);
+        dialog->cmdOK->click();
+    });
+    combo.setCurrentIndex(combo.count() - 1);
+
+    QCOMPARE(logic.Comparisons(), 33);
+    QCOMPARE(entries(combo), (QList<int>{33, 63, 3, 2, 0, 31, -1}));
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen.first().first().toInt(), 33);
+    QVERIFY(!Options::doCRCLast());
+    // Every listed description follows the new place of the checksum.
+    QCOMPARE(combo.itemText(1), ComparisonDescription(63, false));
+    QCOMPARE(combo.itemText(0), QStringLiteral("Compare File Sizes, CRC-32 Checksums"));
+}
+
+QTEST_MAIN(tst_ComparisonsCombo)
+#include "tst_ComparisonsCombo.moc"
