@@ -71,6 +71,8 @@ public:
      * needed: an empty regular file is not even opened.
      */
     Result Checksum(const QByteArray &nativePath, const FileStat &known);
+    /** Same for the entry \a name of the folder open as \a dirFd (AT_FDCWD for a path). */
+    Result Checksum(int dirFd, const QByteArray &name, const FileStat &known);
 
     /** Continues \a crc (0 to start) over \a size bytes; the chunks of a file in order. */
     static quint32 update(quint32 crc, const void *data, std::size_t size);
@@ -79,8 +81,8 @@ public:
     void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
 private:
-    Result readRegular(const QByteArray &nativePath);
-    Result readLink(const QByteArray &nativePath, qint64 knownSize);
+    Result readRegular(int dirFd, const char *name);
+    Result readLink(int dirFd, const char *name, qint64 knownSize);
     bool yieldAndTest();
 
     int m_chunkSize = DefaultChunkSize;

@@ -2,8 +2,10 @@
 
 #include "engine/CollectionProblem.h"
 #include "engine/ComparisonFile.h"
+#include "engine/RecordIndex.h"
 #include "engine/YieldHook.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 
@@ -84,6 +86,12 @@ public:
     /** Folders that could not be read and files dropped as case duplicates, in walk order. */
     const QList<CollectionProblem> &Problems() const { return m_problems; }
 
+    /**
+     * Counts changes that can alter what a key finds (walks, additions, removals, Clear), so
+     * that work prepared ahead can tell whether its look-ups still hold.
+     */
+    quint64 generation() const { return m_generation; }
+
     /** Called after every file of a walk. */
     void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
@@ -92,21 +100,24 @@ Q_SIGNALS:
     void FileAdded(int FileCount);
 
 private:
-    class Index;
-    class Walker;
-    friend class Walker;
-
-    bool insert(const ComparisonFilePtr &record);
+    void walk(const QByteArray &rootNative, const QString &asGiven);
+    void addFileRecord(const FolderRef &folder, QByteArray name, bool restarted);
+    void addProblem(CollectionProblem problem, bool restarted);
+    /** Adds \a record under its key; false (and nothing added) when the key is taken. */
+    bool insert(const ComparisonFilePtr &record, qsizetype *existing = nullptr);
     void resetRecords();
     FolderRef placeholderFolder(const QByteArray &relativeNative);
 
     std::vector<ComparisonFilePtr> m_records;
-    std::unique_ptr<Index> m_index;
+    std::vector<quint32> m_hashes;
+    RecordIndex m_index;
+    QHash<QByteArray, FolderRef> m_placeholderFolders;
     QList<CollectionProblem> m_problems;
     QString m_rootFolder;
     QByteArray m_rootNative;
     FolderRef m_rootNode;
     YieldHook m_yield;
+    quint64 m_generation = 0;
     bool m_needsRescan = false;
     bool m_needsRecompare = false;
     bool m_inProgress = false;

@@ -52,11 +52,11 @@ public:
     QString Type() const;
 
     /**
-     * The type name of a file called \a fileName of the given kind: by extension for regular
+     * The type name of a file called \a fileName with st_mode \a mode: by extension for regular
      * files (the file is never opened to sniff it), the inode type for links, FIFOs, sockets
      * and devices.
      */
-    static QString typeName(const QString &fileName, FileKind kind);
+    static QString typeName(const QString &fileName, quint32 mode);
 
     friend bool operator==(const FileObject &a, const FileObject &b) {
         return a.m_folder == b.m_folder && a.m_name == b.m_name;

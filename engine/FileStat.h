@@ -44,6 +44,8 @@ struct FileStat {
     qint64 size = 0;
     /** FileAttributes bits. */
     int attributes = 0;
+    /** The st_mode bits (file type and permissions). */
+    quint32 mode = 0;
     FileTime created;
     FileTime modified;
     FileTime accessed;

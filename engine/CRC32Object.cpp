@@ -1,0 +1,148 @@
+#include "engine/CRC32Object.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <libdeflate.h>
+#include <unistd.h>
+
+namespace {
+
+/** Closes the descriptor on every path out, cancelled or failed. */
+class FdGuard {
+public:
+    explicit FdGuard(int fd)
+        : m_fd(fd) {}
+    ~FdGuard() {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    FdGuard(const FdGuard &) = delete;
+    FdGuard &operator=(const FdGuard &) = delete;
+    int get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+int openForReading(int dirFd, const char *name) {
+    // O_NONBLOCK keeps a FIFO that replaced the file since its stat from blocking the open;
+    // O_NOATIME keeps the checksum from changing what a later accessed-date compare sees, but
+    // the kernel allows it only to the owner (or root).
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    int fd;
+    do {
+        fd = ::openat(dirFd, name, flags | O_NOATIME);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0 && errno == EPERM) {
+        do {
+            fd = ::openat(dirFd, name, flags);
+        } while (fd < 0 && errno == EINTR);
+    }
+    return fd;
+}
+
+} // namespace
+
+CRC32Object::CRC32Object() = default;
+
+void CRC32Object::setChunkSize(int NewSize) {
+    m_chunkSize = std::clamp(NewSize, MinimumChunkSize, MaximumChunkSize);
+}
+
+QString CRC32Object::CRC32String(qint32 CRC32) {
+    return QString::asprintf("%08X", unsigned(quint32(CRC32)));
+}
+
+qint32 CRC32Object::CRC32(const QString &path) {
+    return CRC32(path.toUtf8());
+}
+
+qint32 CRC32Object::CRC32(const QByteArray &nativePath) {
+    const Result result = Checksum(nativePath);
+    return result.status == Status::Ok ? qint32(result.crc) : 0;
+}
+
+CRC32Object::Result CRC32Object::Checksum(const QByteArray &nativePath) {
+    return Checksum(AT_FDCWD, nativePath, FileStat::read(nativePath));
+}
+
+CRC32Object::Result CRC32Object::Checksum(const QByteArray &nativePath, const FileStat &known) {
+    return Checksum(AT_FDCWD, nativePath, known);
+}
+
+CRC32Object::Result CRC32Object::Checksum(int dirFd, const QByteArray &name,
+                                          const FileStat &known) {
+    m_cancel.store(false, std::memory_order_relaxed);
+    switch (known.kind) {
+    case FileKind::Missing:
+        return {Status::Failed, 0, known.error ? known.error : ENOENT};
+    case FileKind::Other:
+        return {Status::Skipped, 0, 0};
+    case FileKind::Symlink:
+        return readLink(dirFd, name.constData(), known.size);
+    case FileKind::Regular:
+        break;
+    }
+    if (known.size == 0)
+        return {Status::Ok, 0, 0};
+    return readRegular(dirFd, name.constData());
+}
+
+quint32 CRC32Object::update(quint32 crc, const void *data, std::size_t size) {
+    return libdeflate_crc32(crc, data, size);
+}
+
+bool CRC32Object::yieldAndTest() {
+    if (m_yield)
+        m_yield();
+    return !m_cancel.load(std::memory_order_relaxed);
+}
+
+CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name) {
+    const FdGuard fd(openForReading(dirFd, name));
+    if (fd.get() < 0)
+        return {Status::Failed, 0, errno};
+    ::posix_fadvise(fd.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+
+    const std::size_t chunk = std::size_t(m_chunkSize);
+    if (m_buffer.size() != chunk) {
+        m_buffer.clear();
+        m_buffer.shrink_to_fit();
+        m_buffer.resize(chunk);
+    }
+    quint32 crc = 0;
+    for (;;) {
+        // A chunk is exactly ChunkSize bytes except the last: short reads are topped up.
+        std::size_t filled = 0;
+        while (filled < chunk) {
+            const ssize_t n = ::read(fd.get(), m_buffer.data() + filled, chunk - filled);
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                return {Status::Failed, 0, errno};
+            }
+            if (n == 0)
+                break;
+            filled += std::size_t(n);
+        }
+        crc = update(crc, m_buffer.data(), filled);
+        if (!yieldAndTest())
+            return {Status::Cancelled, 0, 0};
+        if (filled < chunk)
+            return {Status::Ok, crc, 0};
+    }
+}
+
+CRC32Object::Result CRC32Object::readLink(int dirFd, const char *name, qint64 knownSize) {
+    // The link's own text is its content; the target is never read.
+    std::vector<char> text(std::size_t(std::max<qint64>(knownSize, 255)) + 1);
+    for (;;) {
+        const ssize_t n = ::readlinkat(dirFd, name, text.data(), text.size());
+        if (n < 0)
+            return {Status::Failed, 0, errno};
+        if (std::size_t(n) < text.size())
+            return {Status::Ok, update(0, text.data(), std::size_t(n)), 0};
+        text.resize(text.size() * 2);
+    }
+}

@@ -1,0 +1,361 @@
+#include "engine/ComparisonFile.h"
+
+#include "engine/PathHelpers.h"
+
+#include <QLocale>
+
+#include <optional>
+
+struct ComparisonFile::Details {
+    qint64 size = 0;
+    int attributes = 0;
+    quint32 mode = 0;
+    FileKind kind = FileKind::Missing;
+    FileTime created;
+    FileTime modified;
+    FileTime accessed;
+    // The type name depends on the name alone, so it is found only when first asked for.
+    std::optional<QString> type;
+    std::optional<QString> name;
+    std::optional<QString> path;
+    std::optional<QString> parentFolder;
+};
+
+namespace {
+
+/** The locale's long time format without its time-zone fields. */
+QString longTimeFormatWithoutZone(const QLocale &locale) {
+    const QString format = locale.timeFormat(QLocale::LongFormat);
+    QString result;
+    bool quoted = false;
+    for (const QChar c : format) {
+        if (c == QLatin1Char('\''))
+            quoted = !quoted;
+        if (!quoted && c == QLatin1Char('t'))
+            continue;
+        result += c;
+    }
+    return result.simplified();
+}
+
+/** The date a date column shows: 5 modified, 6 created, 7 accessed. */
+FileTime dateOfColumn(const ComparisonFile &file, int columnType) {
+    switch (columnType) {
+    case ColumnType::DateModified:
+        return file.DateLastModified();
+    case ColumnType::DateCreated:
+        return file.DateCreated();
+    default:
+        return file.DateLastAccessed();
+    }
+}
+
+} // namespace
+
+ComparisonFile::ComparisonFile() = default;
+
+ComparisonFile::ComparisonFile(::FileObject file)
+    : m_folder(file.folder())
+    , m_name(file.nativeName())
+    , m_hasFile(!file.isNull()) {}
+
+ComparisonFile::~ComparisonFile() = default;
+
+ComparisonFile::ComparisonFile(const ComparisonFile &other)
+    : m_folder(other.m_folder)
+    , m_name(other.m_name)
+    , m_details(other.m_details ? std::make_unique<Details>(*other.m_details) : nullptr)
+    , m_differenceCode(other.m_differenceCode)
+    , m_hasFile(other.m_hasFile)
+    , m_parentTrailing(other.m_parentTrailing)
+    , m_detailsLoaded(other.m_detailsLoaded) {}
+
+ComparisonFile &ComparisonFile::operator=(const ComparisonFile &other) {
+    if (this != &other) {
+        ComparisonFile copy(other);
+        std::swap(m_folder, copy.m_folder);
+        std::swap(m_name, copy.m_name);
+        std::swap(m_details, copy.m_details);
+        m_differenceCode = other.m_differenceCode;
+        m_hasFile = other.m_hasFile;
+        m_parentTrailing = other.m_parentTrailing;
+        m_detailsLoaded = other.m_detailsLoaded;
+    }
+    return *this;
+}
+
+ComparisonFile::Details &ComparisonFile::details() {
+    if (!m_details)
+        m_details = std::make_unique<Details>();
+    return *m_details;
+}
+
+::FileObject ComparisonFile::FileObject() const {
+    return m_hasFile ? ::FileObject(m_folder, m_name) : ::FileObject();
+}
+
+void ComparisonFile::setFileObject(const ::FileObject &file) {
+    m_hasFile = !file.isNull();
+    if (m_hasFile) {
+        m_folder = file.folder();
+        m_name = file.nativeName();
+    }
+}
+
+void ComparisonFile::setLocation(FolderRef folder, QByteArray name) {
+    m_folder = std::move(folder);
+    m_name = std::move(name);
+}
+
+QString ComparisonFile::Name() const {
+    if (m_details && m_details->name)
+        return *m_details->name;
+    return DisplayFromNative(m_name);
+}
+
+void ComparisonFile::setName(const QString &name) {
+    details().name = name;
+}
+
+QString ComparisonFile::Path() const {
+    if (m_details && m_details->path)
+        return *m_details->path;
+    return m_folder ? DisplayFromNative(m_folder->childNativePath(m_name)) : QString();
+}
+
+void ComparisonFile::setPath(const QString &path) {
+    details().path = path;
+}
+
+QString ComparisonFile::ParentFolder() const {
+    if (m_details && m_details->parentFolder)
+        return *m_details->parentFolder;
+    if (!m_folder)
+        return {};
+    return m_parentTrailing ? AddBackslash(m_folder->displayPath()) : m_folder->displayPath();
+}
+
+void ComparisonFile::setParentFolder(const QString &folder) {
+    details().parentFolder = folder;
+}
+
+qint64 ComparisonFile::Size() const {
+    return m_details ? m_details->size : 0;
+}
+
+void ComparisonFile::setSize(qint64 size) {
+    details().size = size;
+}
+
+int ComparisonFile::Attributes() const {
+    return m_details ? m_details->attributes : 0;
+}
+
+void ComparisonFile::setAttributes(int attributes) {
+    details().attributes = attributes;
+}
+
+QString ComparisonFile::TypeString() const {
+    if (!m_details)
+        return {};
+    if (!m_details->type) {
+        if (!m_detailsLoaded)
+            return {};
+        m_details->type = ::FileObject::typeName(DisplayFromNative(m_name), m_details->mode);
+    }
+    return *m_details->type;
+}
+
+void ComparisonFile::setTypeString(const QString &type) {
+    details().type = type;
+}
+
+FileTime ComparisonFile::DateCreated() const {
+    return m_details ? m_details->created : FileTime();
+}
+
+void ComparisonFile::setDateCreated(const FileTime &time) {
+    details().created = time;
+}
+
+FileTime ComparisonFile::DateLastModified() const {
+    return m_details ? m_details->modified : FileTime();
+}
+
+void ComparisonFile::setDateLastModified(const FileTime &time) {
+    details().modified = time;
+}
+
+FileTime ComparisonFile::DateLastAccessed() const {
+    return m_details ? m_details->accessed : FileTime();
+}
+
+void ComparisonFile::setDateLastAccessed(const FileTime &time) {
+    details().accessed = time;
+}
+
+FileKind ComparisonFile::Kind() const {
+    return m_details ? m_details->kind : FileKind::Missing;
+}
+
+QString ComparisonFile::RootPath() const {
+    return m_folder ? m_folder->rootPath() : QString();
+}
+
+void ComparisonFile::UpdateDetails() {
+    if (!m_hasFile || !m_folder)
+        return;
+    const FileStat stat = FileStat::read(m_folder->childNativePath(m_name));
+    if (stat.isValid())
+        UpdateDetails(stat);
+}
+
+void ComparisonFile::UpdateDetails(const FileStat &stat) {
+    if (!stat.isValid())
+        return;
+    Details &d = details();
+    d.size = stat.size;
+    d.attributes = stat.attributes;
+    d.mode = stat.mode;
+    d.kind = stat.kind;
+    d.created = stat.created;
+    d.modified = stat.modified;
+    d.accessed = stat.accessed;
+    d.type.reset();
+    m_detailsLoaded = true;
+}
+
+QString ComparisonFile::SortString(int SortKey) const {
+    switch (SortKey) {
+    case ColumnType::Name:
+        return Name();
+    case ColumnType::InFolder:
+        return ParentFolder();
+    case ColumnType::Size:
+        // Twenty digits, so that sizes beyond a terabyte still sort by value.
+        return QString::number(Size()).rightJustified(20, QLatin1Char('0'));
+    case ColumnType::Type:
+        return TypeString();
+    case ColumnType::DateModified:
+    case ColumnType::DateCreated:
+    case ColumnType::DateAccessed:
+        return QString::asprintf("%025.12f", dateOfColumn(*this, SortKey).toOleDate());
+    case ColumnType::Attributes:
+        return AttributeString(Attributes());
+    case ColumnType::Difference:
+        return DifferenceText(m_differenceCode);
+    default:
+        return {};
+    }
+}
+
+QString ComparisonFile::ColumnString(int columnType, bool ShowFullPath) const {
+    switch (columnType) {
+    case ColumnType::InFolder: {
+        QString folder = ParentFolder();
+        if (!ShowFullPath) {
+            folder = AddBackslash(folder);
+            const QString root = AddBackslash(RootPath());
+            const qsizetype at = folder.indexOf(root, 0, Qt::CaseInsensitive);
+            if (at >= 0)
+                folder.remove(at, root.size());
+        }
+        return RemoveBackslash(folder);
+    }
+    case ColumnType::Size:
+        return QLocale().toString(Size()) + QLatin1String(" bytes");
+    case ColumnType::DateModified:
+    case ColumnType::DateCreated:
+    case ColumnType::DateAccessed:
+        return DateString(dateOfColumn(*this, columnType));
+    default:
+        // Name, type, attributes and difference read the same as their sort keys.
+        return SortString(columnType);
+    }
+}
+
+QString ComparisonFile::DateString(const FileTime &date) {
+    if (date.isNull())
+        return {};
+    const QLocale locale;
+    const QDateTime dateTime = date.toDateTime();
+    return locale.toString(dateTime.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
+           locale.toString(dateTime.time(), longTimeFormatWithoutZone(locale));
+}
+
+QString ComparisonFile::AttributeString(int attributes) {
+    QString text;
+    if (attributes & FileAttributes::ReadOnly)
+        text += QLatin1Char('R');
+    if (attributes & FileAttributes::Hidden)
+        text += QLatin1Char('H');
+    if (attributes & FileAttributes::System)
+        text += QLatin1Char('S');
+    if (attributes & FileAttributes::Archive)
+        text += QLatin1Char('A');
+    if (attributes & FileAttributes::Alias)
+        text += QLatin1Char('L');
+    if (attributes & FileAttributes::Compressed)
+        text = text.toLower();
+    return text;
+}
+
+QString ComparisonFile::DifferenceText(int code) {
+    static const char *const texts[] = {
+        "file does not exist",
+        "",
+        "",
+        "source does not exist",
+        "destination does not exist",
+        "size is different",
+        "checksum is different",
+        "attributes are different",
+        "source is newer",
+        "destination is newer",
+        "source created more recently",
+        "destination created more recently",
+        "source accessed more recently",
+        "destination accessed more recently",
+        "source could not be read",
+        "destination could not be read",
+    };
+    const int index = code + 1;
+    if (index < 0 || index >= int(std::size(texts)))
+        return {};
+    return QLatin1String(texts[index]);
+}
+
+QString ComparisonFile::Key() const {
+    if (m_details && m_details->path)
+        return m_details->path->toLower();
+    if (!m_folder)
+        return {};
+    return m_folder->keyPath() + KeyFromNative(m_name).toLower();
+}
+
+QString ComparisonFile::RelativeKey() const {
+    if (!m_folder)
+        return {};
+    const QStringView folder = m_folder->relativeKey();
+    const QString name = KeyFromNative(m_name).toLower();
+    QString key;
+    key.reserve(folder.size() + name.size());
+    key.append(folder);
+    key.append(name);
+    return key;
+}
+
+QByteArray ComparisonFile::NativePath() const {
+    return m_folder ? m_folder->childNativePath(m_name) : QByteArray();
+}
+
+QByteArray ComparisonFile::RelativeNativePath() const {
+    if (!m_folder)
+        return m_name;
+    const QByteArray folder = m_folder->relativeNativePath();
+    return folder.isEmpty() ? m_name : folder + '/' + m_name;
+}
+
+QString ComparisonFile::RelativePath() const {
+    return DisplayFromNative(RelativeNativePath());
+}

@@ -1,0 +1,232 @@
+#include "engine/ComparisonFileCollection.h"
+
+#include "engine/PathHelpers.h"
+#include "engine/TreeWalker.h"
+
+#include <cstring>
+#include <sys/stat.h>
+
+namespace {
+
+QByteArray normalizedRoot(QByteArray native) {
+    while (native.size() > 1 && native.endsWith('/'))
+        native.chop(1);
+    return native;
+}
+
+QString errorText(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+} // namespace
+
+ComparisonFileCollection::ComparisonFileCollection(QObject *parent)
+    : QObject(parent) {}
+
+ComparisonFileCollection::~ComparisonFileCollection() = default;
+
+QByteArray ComparisonFileCollection::RootFolderNative() const {
+    return m_rootNative;
+}
+
+void ComparisonFileCollection::setRootFolder(const QString &folder) {
+    walk(NativeFromPath(folder), folder);
+}
+
+void ComparisonFileCollection::setRootFolderNative(const QByteArray &folder) {
+    walk(folder, DisplayFromNative(folder));
+}
+
+void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString &asGiven) {
+    // A root that is not an existing folder changes nothing, as if it had not been set.
+    struct stat st;
+    if (rootNative.isEmpty() || ::stat(rootNative.constData(), &st) != 0 || !S_ISDIR(st.st_mode))
+        return;
+    m_rootFolder = asGiven;
+    m_rootNative = normalizedRoot(rootNative);
+    m_cancelled = false;
+    m_inProgress = true;
+    resetRecords();
+    m_rootNode = FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
+
+    bool restarted = false;
+    TreeWalker walker({
+        [this] { return m_cancelled || m_needsRescan; },
+        [this, &restarted](const FolderRef &folder, QByteArray name) {
+            addFileRecord(folder, std::move(name), restarted);
+        },
+        [this, &restarted](const QByteArray &path, int error) {
+            addProblem({CollectionProblem::Kind::UnreadableFolder, DisplayFromNative(path), path,
+                        errorText(error)},
+                       restarted);
+        },
+    });
+    for (;;) {
+        if (m_cancelled)
+            break;
+        m_needsRescan = false;
+        walker.walk(m_rootNode);
+        if (!m_needsRescan)
+            break;
+        // Records found before the restart stay; meeting them again adds nothing.
+        restarted = true;
+    }
+    m_inProgress = false;
+}
+
+void ComparisonFileCollection::addFileRecord(const FolderRef &folder, QByteArray name,
+                                             bool restarted) {
+    auto record = std::make_shared<ComparisonFile>(::FileObject(folder, std::move(name)));
+    qsizetype existing = -1;
+    if (insert(record, &existing)) {
+        Q_EMIT FileAdded(Count());
+    } else if (existing >= 0) {
+        const ComparisonFilePtr &kept = m_records[std::size_t(existing)];
+        const QByteArray path = record->NativePath();
+        if (kept->NativePath() != path) {
+            addProblem({CollectionProblem::Kind::CaseDuplicate, record->Path(), path,
+                        QStringLiteral("differs only in letter case from %1, which is compared "
+                                       "instead")
+                            .arg(kept->Path())},
+                       restarted);
+        }
+    }
+    if (m_yield)
+        m_yield();
+}
+
+void ComparisonFileCollection::addProblem(CollectionProblem problem, bool restarted) {
+    if (restarted) {
+        for (const CollectionProblem &known : std::as_const(m_problems)) {
+            if (known.kind == problem.kind && known.nativePath == problem.nativePath)
+                return;
+        }
+    }
+    m_problems.append(std::move(problem));
+}
+
+bool ComparisonFileCollection::insert(const ComparisonFilePtr &record, qsizetype *existing) {
+    const QString key = record->RelativeKey();
+    const quint32 hash = RecordIndex::hashOf(key);
+    const qsizetype found = m_index.find(key, hash, m_records);
+    if (existing)
+        *existing = found;
+    if (found >= 0)
+        return false;
+    m_index.insert(hash, qsizetype(m_records.size()));
+    m_records.push_back(record);
+    m_hashes.push_back(hash);
+    ++m_generation;
+    return true;
+}
+
+void ComparisonFileCollection::resetRecords() {
+    m_records.clear();
+    m_records.shrink_to_fit();
+    m_hashes.clear();
+    m_hashes.shrink_to_fit();
+    m_index.clear();
+    m_problems.clear();
+    m_placeholderFolders.clear();
+    ++m_generation;
+}
+
+FolderRef ComparisonFileCollection::placeholderFolder(const QByteArray &relativeNative) {
+    if (relativeNative.isEmpty())
+        return m_rootNode;
+    FolderRef &node = m_placeholderFolders[relativeNative];
+    if (!node) {
+        QByteArray path = m_rootNative;
+        if (!path.endsWith('/'))
+            path += '/';
+        path += relativeNative;
+        node = FolderRef::make(std::move(path), m_rootNative.size(), m_rootFolder);
+    }
+    return node;
+}
+
+ComparisonFilePtr ComparisonFileCollection::AddMissingFile(const ::FileObject &file,
+                                                           const QString &otherRoot, int code) {
+    return AddMissingFile(file, otherRoot, code, file.Stat());
+}
+
+ComparisonFilePtr ComparisonFileCollection::AddMissingFile(const ::FileObject &file,
+                                                           const QString &otherRoot, int code,
+                                                           const FileStat &stat) {
+    if (file.isNull() || !m_rootNode)
+        return nullptr;
+    auto record = std::make_shared<ComparisonFile>(file);
+    record->UpdateDetails(stat);
+
+    const FolderNode &folder = *file.folder();
+    const bool underOtherRoot =
+        AddBackslash(folder.rootPath()).compare(AddBackslash(otherRoot), Qt::CaseInsensitive) == 0;
+    if (underOtherRoot) {
+        record->setLocation(placeholderFolder(folder.relativeNativePath()), file.nativeName());
+    } else {
+        // A file from elsewhere: translate its path as text, as a user-given root would be.
+        const ::FileObject moved = ::FileObject::fromNativePath(
+            NativeFromPath(TranslatePath(file.Path(), otherRoot, m_rootFolder, false)));
+        record->setLocation(moved.folder(), moved.nativeName());
+    }
+    record->setFileObject(::FileObject());
+    record->setParentTrailingSeparator(true);
+    record->setDifferenceCode(code);
+    if (!insert(record))
+        return nullptr;
+    return record;
+}
+
+void ComparisonFileCollection::RemoveMissingFiles() {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < m_records.size(); ++i) {
+        if (!m_records[i]->HasFileObject())
+            continue;
+        if (kept != i) {
+            m_records[kept] = std::move(m_records[i]);
+            m_hashes[kept] = m_hashes[i];
+        }
+        ++kept;
+    }
+    if (kept == m_records.size())
+        return;
+    m_records.resize(kept);
+    m_hashes.resize(kept);
+    m_index.rebuild(m_hashes);
+    m_placeholderFolders.clear();
+    ++m_generation;
+}
+
+void ComparisonFileCollection::Clear() {
+    resetRecords();
+    m_rootFolder.clear();
+    m_rootNative.clear();
+    m_rootNode = FolderRef();
+    m_cancelled = false;
+    m_needsRescan = false;
+    m_needsRecompare = false;
+}
+
+ComparisonFilePtr ComparisonFileCollection::Item(int position) const {
+    if (position < 1 || position > Count())
+        return nullptr;
+    return m_records[std::size_t(position - 1)];
+}
+
+ComparisonFilePtr ComparisonFileCollection::Item(const QString &key) const {
+    if (!m_rootNode)
+        return nullptr;
+    const QString lower = key.toLower();
+    const QString &rootKey = m_rootNode->keyPath();
+    if (!lower.startsWith(rootKey))
+        return nullptr;
+    const QStringView relative = QStringView(lower).mid(rootKey.size());
+    const qsizetype found = m_index.find(relative, RecordIndex::hashOf(relative), m_records);
+    return found < 0 ? nullptr : m_records[std::size_t(found)];
+}
+
+ComparisonFilePtr ComparisonFileCollection::Counterpart(const ComparisonFile &other) const {
+    const QString key = other.RelativeKey();
+    const qsizetype found = m_index.find(key, RecordIndex::hashOf(key), m_records);
+    return found < 0 ? nullptr : m_records[std::size_t(found)];
+}

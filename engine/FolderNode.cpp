@@ -1,0 +1,43 @@
+#include "engine/FolderNode.h"
+
+#include "engine/PathHelpers.h"
+
+namespace {
+
+QString keyFolder(const QByteArray &native) {
+    QString key = KeyFromNative(native).toLower();
+    if (!key.endsWith(QLatin1Char('/')))
+        key += QLatin1Char('/');
+    return key;
+}
+
+} // namespace
+
+FolderNode::FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath)
+    : m_nativePath(std::move(nativePath))
+    , m_displayPath(DisplayFromNative(m_nativePath))
+    , m_keyPath(keyFolder(m_nativePath))
+    , m_rootPath(std::move(rootPath))
+    , m_rootNativeLength(rootNativeLength) {
+    m_rootKeyLength = rootNativeLength >= m_nativePath.size()
+                          ? m_keyPath.size()
+                          : keyFolder(m_nativePath.left(rootNativeLength)).size();
+}
+
+QByteArray FolderNode::relativeNativePath() const {
+    if (m_rootNativeLength >= m_nativePath.size())
+        return {};
+    const bool rootEndsInSlash =
+        m_rootNativeLength > 0 && m_nativePath[m_rootNativeLength - 1] == '/';
+    return m_nativePath.mid(m_rootNativeLength + (rootEndsInSlash ? 0 : 1));
+}
+
+QByteArray FolderNode::childNativePath(const QByteArray &name) const {
+    QByteArray path;
+    path.reserve(m_nativePath.size() + 1 + name.size());
+    path += m_nativePath;
+    if (!path.endsWith('/'))
+        path += '/';
+    path += name;
+    return path;
+}

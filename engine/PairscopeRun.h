@@ -1,0 +1,55 @@
+#pragma once
+
+#include "engine/CRC32Object.h"
+#include "engine/PairTest.h"
+#include "engine/Pairscope.h"
+#include "engine/ReadAhead.h"
+
+#include <memory>
+
+/**
+ * One call of Pairscope::Compare: its cycles, its two passes, the status check and the pair
+ * tests, with the reading done ahead by a ReadAhead when workers are allowed.
+ */
+class Pairscope::Run {
+public:
+    Run(Pairscope &engine, ComparisonFileCollection &source, ComparisonFileCollection &destination,
+        const PairTestOptions &options, int chunkSize);
+    ~Run();
+
+    /** The cycles until one ends without a recompare request; returns a Status. */
+    int execute();
+    /** Stops the read-ahead workers (Cancel). */
+    void stop();
+
+private:
+    int status() const;
+    bool recompareRequested() const;
+    /** Pass 1: returns a Status, StatusComplete also when abandoned for a recompare. */
+    int sourcePass();
+    int destinationPass();
+    int judge(const ComparisonFilePtr &record, const ComparisonFilePtr &counterpart,
+              const ReadAhead::Job *job);
+    int checksumTest(const ComparisonFilePtr &record, const FileStat &stat,
+                     const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
+                     const ReadAhead::Job *job);
+    /** Emits through \a emitter and notices when a handler changed a collection. */
+    template <typename Emitter> void notify(Emitter &&emitter);
+    void submitSource(int upTo);
+    void submitDestination(int upTo);
+    void startReadAhead();
+    /** Waits for the prepared job of the record at \a position, if there is one. */
+    const ReadAhead::Job *awaitJob(int position, bool &cancelled);
+    void releaseJob(int position);
+    bool idle();
+
+    Pairscope &m_engine;
+    ComparisonFileCollection &m_source;
+    ComparisonFileCollection &m_destination;
+    PairTestOptions m_options;
+    int m_chunkSize;
+    std::unique_ptr<ReadAhead> m_readAhead;
+    /** Jobs below this sequence were prepared before a handler changed a collection. */
+    qint64 m_stale = 0;
+    int m_nextSubmit = 1;
+};

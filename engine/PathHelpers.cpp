@@ -1,0 +1,97 @@
+#include "engine/PathHelpers.h"
+
+namespace {
+
+/** Length of the valid UTF-8 sequence starting at \a p (at most \a left bytes), or 0. */
+int validSequenceLength(const unsigned char *p, qsizetype left) {
+    const unsigned char c = p[0];
+    int length;
+    unsigned minimum;
+    unsigned code;
+    if (c < 0x80)
+        return 1;
+    if ((c & 0xE0) == 0xC0) {
+        length = 2;
+        code = c & 0x1F;
+        minimum = 0x80;
+    } else if ((c & 0xF0) == 0xE0) {
+        length = 3;
+        code = c & 0x0F;
+        minimum = 0x800;
+    } else if ((c & 0xF8) == 0xF0) {
+        length = 4;
+        code = c & 0x07;
+        minimum = 0x10000;
+    } else {
+        return 0;
+    }
+    if (left < length)
+        return 0;
+    for (int i = 1; i < length; ++i) {
+        if ((p[i] & 0xC0) != 0x80)
+            return 0;
+        code = (code << 6) | (p[i] & 0x3F);
+    }
+    // Overlong forms, surrogates and values past U+10FFFF are not valid UTF-8.
+    if (code < minimum || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return 0;
+    return length;
+}
+
+} // namespace
+
+QString TranslatePath(const QString &path, const QString &fromRoot, const QString &toRoot,
+                      bool lowerCase) {
+    const QString from = AddBackslash(fromRoot);
+    QString result = path;
+    const qsizetype at = result.indexOf(from, 0, Qt::CaseInsensitive);
+    if (at >= 0)
+        result.replace(at, from.size(), AddBackslash(toRoot));
+    return lowerCase ? result.toLower() : result;
+}
+
+QString AddBackslash(const QString &path) {
+    return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
+}
+
+QString RemoveBackslash(const QString &path) {
+    return path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
+}
+
+bool IsValidFileObject(const ::FileObject &file) {
+    return !file.isNull() && file.Stat().isValid();
+}
+
+QString DisplayFromNative(const QByteArray &native) {
+    return QString::fromUtf8(native);
+}
+
+QString KeyFromNative(const QByteArray &native) {
+    const auto *bytes = reinterpret_cast<const unsigned char *>(native.constData());
+    const qsizetype size = native.size();
+    qsizetype i = 0;
+    while (i < size && bytes[i] < 0x80)
+        ++i;
+    if (i == size)
+        return QString::fromLatin1(native);
+
+    QString key = QString::fromLatin1(native.constData(), i);
+    qsizetype runStart = i;
+    while (i < size) {
+        const int length = validSequenceLength(bytes + i, size - i);
+        if (length > 0) {
+            i += length;
+            continue;
+        }
+        key += QString::fromUtf8(native.constData() + runStart, i - runStart);
+        key += QStringLiteral("\\x%1").arg(unsigned(bytes[i]), 2, 16, QLatin1Char('0')).toUpper();
+        ++i;
+        runStart = i;
+    }
+    key += QString::fromUtf8(native.constData() + runStart, size - runStart);
+    return key;
+}
+
+QByteArray NativeFromPath(const QString &path) {
+    return path.toUtf8();
+}

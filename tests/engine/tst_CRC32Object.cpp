@@ -1,0 +1,218 @@
+#include "engine/CRC32Object.h"
+#include "support/TestTree.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/** The bit-at-a-time definition of CRC-32, to check the library against. */
+quint32 referenceCrc(const QByteArray &data) {
+    static const auto table = [] {
+        std::array<quint32, 256> t{};
+        for (quint32 i = 0; i < 256; ++i) {
+            quint32 c = i;
+            for (int k = 0; k < 8; ++k)
+                c = (c & 1) ? (c >> 1) ^ 0xEDB88320u : c >> 1;
+            t[i] = c;
+        }
+        return t;
+    }();
+    quint32 c = 0xFFFFFFFFu;
+    for (const char b : data)
+        c = table[(c ^ quint8(b)) & 0xFF] ^ (c >> 8);
+    return ~c;
+}
+
+QByteArray randomBytes(qsizetype size) {
+    QByteArray data(size, Qt::Uninitialized);
+    for (char &b : data)
+        b = char(QRandomGenerator::global()->bounded(256));
+    return data;
+}
+
+/** The peak resident memory of this process so far. */
+qint64 peakRssKiB() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').value(0).toLongLong();
+    }
+    return -1;
+}
+
+} // namespace
+
+class tst_CRC32Object : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void checkValue();
+    void crcString_data();
+    void crcString();
+    void chunkSizeClamped_data();
+    void chunkSizeClamped();
+    void chunkBoundaries_data();
+    void chunkBoundaries();
+    void randomSplits();
+    void specialFiles();
+    void hugeSparseFile();
+};
+
+void tst_CRC32Object::checkValue() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("check"), "123456789"));
+    QVERIFY(tree.write(QStringLiteral("empty"), ""));
+    CRC32Object crc;
+    QCOMPARE(CRC32Object::CRC32String(crc.CRC32(tree.path(QStringLiteral("check")))),
+             QStringLiteral("CBF43926"));
+    const CRC32Object::Result empty = crc.Checksum(tree.nativePath("empty"));
+    QCOMPARE(empty.status, CRC32Object::Status::Ok);
+    QCOMPARE(empty.crc, 0u);
+}
+
+void tst_CRC32Object::crcString_data() {
+    QTest::addColumn<qint32>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("zero") << 0 << "00000000";
+    QTest::newRow("minus one") << -1 << "FFFFFFFF";
+    QTest::newRow("leading zeros") << 0x00ABCDEF << "00ABCDEF";
+    QTest::newRow("top bit") << qint32(0x80000000u) << "80000000";
+}
+
+void tst_CRC32Object::crcString() {
+    QFETCH(qint32, value);
+    QFETCH(QString, text);
+    QCOMPARE(CRC32Object::CRC32String(value), text);
+}
+
+void tst_CRC32Object::chunkSizeClamped_data() {
+    QTest::addColumn<int>("requested");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("negative") << -5 << 1024;
+    QTest::newRow("below floor") << 1023 << 1024;
+    QTest::newRow("floor") << 1024 << 1024;
+    QTest::newRow("ordinary") << 65536 << 65536;
+    QTest::newRow("ceiling") << 16777216 << 16777216;
+    QTest::newRow("above ceiling") << 16777217 << 16777216;
+}
+
+void tst_CRC32Object::chunkSizeClamped() {
+    QFETCH(int, requested);
+    QFETCH(int, expected);
+    CRC32Object crc;
+    QCOMPARE(crc.ChunkSize(), 65536);
+    crc.setChunkSize(requested);
+    QCOMPARE(crc.ChunkSize(), expected);
+}
+
+void tst_CRC32Object::chunkBoundaries_data() {
+    QTest::addColumn<int>("chunk");
+    QTest::addColumn<int>("size");
+    for (const int chunk : {1024, 4096}) {
+        for (const int size : {1, chunk - 1, chunk, chunk + 1, 2 * chunk, 3 * chunk + 7}) {
+            QTest::addRow("chunk %d, size %d", chunk, size) << chunk << size;
+        }
+    }
+}
+
+void tst_CRC32Object::chunkBoundaries() {
+    QFETCH(int, chunk);
+    QFETCH(int, size);
+    TestTree tree;
+    const QByteArray data = randomBytes(size);
+    QVERIFY(tree.write(QStringLiteral("f"), data));
+    CRC32Object crc;
+    crc.setChunkSize(chunk);
+    int chunks = 0;
+    crc.setYieldHook([&chunks] { ++chunks; });
+    QCOMPARE(quint32(crc.CRC32(tree.nativePath("f"))), referenceCrc(data));
+    // Every chunk is full except the last, which may be empty when the size is a multiple.
+    QCOMPARE(chunks, size / chunk + 1);
+}
+
+void tst_CRC32Object::randomSplits() {
+    for (int round = 0; round < 50; ++round) {
+        const QByteArray data = randomBytes(QRandomGenerator::global()->bounded(1, 20000));
+        quint32 crc = 0;
+        qsizetype at = 0;
+        while (at < data.size()) {
+            const qsizetype part =
+                std::min<qsizetype>(data.size() - at, QRandomGenerator::global()->bounded(1, 3000));
+            crc = CRC32Object::update(crc, data.constData() + at, std::size_t(part));
+            at += part;
+        }
+        QCOMPARE(crc, referenceCrc(data));
+    }
+}
+
+void tst_CRC32Object::specialFiles() {
+    TestTree tree;
+    QVERIFY(::symlink("target/text", tree.nativePath("link").constData()) == 0);
+    QVERIFY(::mkfifo(tree.nativePath("fifo").constData(), 0644) == 0);
+    CRC32Object crc;
+
+    const CRC32Object::Result link = crc.Checksum(tree.nativePath("link"));
+    QCOMPARE(link.status, CRC32Object::Status::Ok);
+    QCOMPARE(link.crc, referenceCrc("target/text"));
+
+    // Opening a FIFO would block until a writer comes: it must not even be opened.
+    QCOMPARE(crc.Checksum(tree.nativePath("fifo")).status, CRC32Object::Status::Skipped);
+
+    const CRC32Object::Result missing = crc.Checksum(tree.nativePath("missing"));
+    QCOMPARE(missing.status, CRC32Object::Status::Failed);
+    QCOMPARE(missing.error, ENOENT);
+    QCOMPARE(crc.CRC32(tree.nativePath("missing")), 0);
+}
+
+void tst_CRC32Object::hugeSparseFile() {
+    TestTree tree;
+    const qint64 size = 5LL * 1024 * 1024 * 1024 + 3;
+    const QByteArray path = tree.nativePath("sparse");
+    const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    QVERIFY(fd >= 0);
+    const bool sized = ::ftruncate(fd, size) == 0;
+    ::close(fd);
+    if (!sized)
+        QSKIP("the file system refuses a 5 GiB sparse file");
+
+    CRC32Object crc;
+    crc.setChunkSize(CRC32Object::MaximumChunkSize);
+    const int chunk = crc.ChunkSize();
+
+    // Cancel after the third chunk: the checksum stops right there and closes the file.
+    int chunks = 0;
+    crc.setYieldHook([&] {
+        if (++chunks == 3)
+            crc.Cancel();
+    });
+    const CRC32Object::Result cancelled = crc.Checksum(path);
+    QCOMPARE(cancelled.status, CRC32Object::Status::Cancelled);
+    QCOMPARE(chunks, 3);
+
+    // The whole file, against the same zeros fed from memory.
+    chunks = 0;
+    crc.setYieldHook({});
+    const qint64 before = peakRssKiB();
+    const CRC32Object::Result whole = crc.Checksum(path);
+    const qint64 after = peakRssKiB();
+    QCOMPARE(whole.status, CRC32Object::Status::Ok);
+    const QByteArray zeros(chunk, '\0');
+    quint32 expected = 0;
+    for (qint64 left = size; left > 0; left -= chunk)
+        expected = CRC32Object::update(expected, zeros.constData(),
+                                       std::size_t(std::min<qint64>(left, chunk)));
+    QCOMPARE(whole.crc, expected);
+    // One chunk of buffer, not the file: resident memory stays within a few chunks.
+    QVERIFY2(after - before < 4 * chunk / 1024,
+             qPrintable(QStringLiteral("grew by %1 KiB").arg(after - before)));
+}
+
+QTEST_GUILESS_MAIN(tst_CRC32Object)
+#include "tst_CRC32Object.moc"
