@@ -1,0 +1,251 @@
+#include "cli/CliOptions.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+struct ComparisonName {
+    const char *name;
+    int bits;
+};
+
+constexpr ComparisonName comparisonNames[] = {
+    {"existence", 0},
+    {"size", ComparisonBits::Sizes},
+    {"modified", ComparisonBits::Modified},
+    {"created", ComparisonBits::Created},
+    {"accessed", ComparisonBits::Accessed},
+    {"attributes", ComparisonBits::Attributes},
+    {"crc", ComparisonBits::Checksums},
+};
+
+QString quoted(const QByteArray &text) {
+    return QLatin1Char('\'') + QString::fromLocal8Bit(text) + QLatin1Char('\'');
+}
+
+std::optional<int> parseComparisons(const QByteArray &list, QString *error) {
+    int bits = 0;
+    for (const QByteArray &item : list.split(',')) {
+        const QByteArray name = item.trimmed().toLower();
+        const auto found =
+            std::find_if(std::begin(comparisonNames), std::end(comparisonNames),
+                         [&name](const ComparisonName &entry) { return name == entry.name; });
+        if (found == std::end(comparisonNames)) {
+            *error = QStringLiteral("unknown comparison %1 in --compare; choose from size, "
+                                    "modified, created, accessed, attributes, crc, existence")
+                         .arg(quoted(item.trimmed()));
+            return std::nullopt;
+        }
+        bits |= found->bits;
+    }
+    return bits;
+}
+
+std::optional<int> parseChunkSize(const QByteArray &text, QString *error) {
+    bool ok = false;
+    const qlonglong value = text.trimmed().toLongLong(&ok);
+    if (!ok || value < 0) {
+        *error = QStringLiteral("invalid --chunk-size %1; give a whole number of bytes")
+                     .arg(quoted(text));
+        return std::nullopt;
+    }
+    // A tiny or giant buffer helps no one; the value is brought into range rather than refused
+    // so that scripts written for other limits keep working.
+    return int(std::clamp<qlonglong>(value, CliOptions::MinChunkSize, CliOptions::MaxChunkSize));
+}
+
+std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) {
+    if (text == "text")
+        return OutputFormat::Text;
+    if (text == "tsv")
+        return OutputFormat::Tsv;
+    if (text == "json")
+        return OutputFormat::Json;
+    *error = QStringLiteral("unknown --format %1; choose text, tsv or json").arg(quoted(text));
+    return std::nullopt;
+}
+
+/** Walks the argument list, handing out option values that may be attached or separate. */
+class ArgumentReader {
+public:
+    explicit ArgumentReader(const QList<QByteArray> &arguments)
+        : m_arguments(arguments) {}
+
+    bool atEnd() const { return m_next >= m_arguments.size(); }
+    QByteArray take() { return m_arguments.at(m_next++); }
+
+    /** The value of \a option: \a attached when there is one, else the next argument. */
+    std::optional<QByteArray> value(const QByteArray &option,
+                                    const std::optional<QByteArray> &attached, QString *error) {
+        if (attached)
+            return attached;
+        if (atEnd()) {
+            *error = QStringLiteral("option %1 needs a value").arg(quoted(option));
+            return std::nullopt;
+        }
+        return take();
+    }
+
+private:
+    const QList<QByteArray> &m_arguments;
+    qsizetype m_next = 0;
+};
+
+/** Applies the option \a name (long form without dashes, or a single letter). */
+bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray &name,
+                 const std::optional<QByteArray> &attached, ArgumentReader &reader,
+                 QString *error) {
+    const auto flag = [&](bool &target, bool value) {
+        if (attached) {
+            *error = QStringLiteral("option %1 takes no value").arg(quoted(shown));
+            return false;
+        }
+        target = value;
+        return true;
+    };
+    const auto progress = [&](ProgressMode mode) {
+        bool unused = false;
+        if (!flag(unused, true))
+            return false;
+        options.progress = mode;
+        return true;
+    };
+
+    // An option with a value: read it (attached or the next argument), parse it, store it.
+    const auto valued = [&](auto parseValue, auto &target) {
+        const auto text = reader.value(shown, attached, error);
+        const auto value = text ? parseValue(*text, error) : std::nullopt;
+        if (value)
+            target = *value;
+        return value.has_value();
+    };
+
+    if (name == "c" || name == "compare")
+        return valued(parseComparisons, options.comparisons);
+    if (name == "chunk-size")
+        return valued(parseChunkSize, options.chunkSize);
+    if (name == "format")
+        return valued(parseFormat, options.format);
+    if (name == "crc-first")
+        return flag(options.doCRCLast, false);
+    if (name == "no-slack")
+        return flag(options.includeSlack, false);
+    if (name == "a" || name == "all")
+        return flag(options.listAll, true);
+    if (name == "q" || name == "quiet")
+        return flag(options.quiet, true);
+    if (name == "progress")
+        return progress(ProgressMode::Always);
+    if (name == "no-progress")
+        return progress(ProgressMode::Never);
+    if (name == "h" || name == "help")
+        return flag(options.showHelp, true);
+    if (name == "version")
+        return flag(options.showVersion, true);
+    *error = QStringLiteral("unknown option %1").arg(quoted(shown));
+    return false;
+}
+
+bool isShortWithValue(char letter) {
+    return letter == 'c';
+}
+
+} // namespace
+
+CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error) {
+    error->clear();
+    CliOptions options;
+    QList<QByteArray> roots;
+    ArgumentReader reader(arguments);
+    bool optionsEnded = false;
+
+    while (!reader.atEnd()) {
+        const QByteArray argument = reader.take();
+        if (optionsEnded || argument == "-" || !argument.startsWith('-')) {
+            roots.append(argument);
+        } else if (argument == "--") {
+            optionsEnded = true;
+        } else if (argument.startsWith("--")) {
+            const qsizetype equals = argument.indexOf('=');
+            const QByteArray shown = equals < 0 ? argument : argument.left(equals);
+            std::optional<QByteArray> attached;
+            if (equals >= 0)
+                attached = argument.mid(equals + 1);
+            if (!applyOption(options, shown, shown.mid(2), attached, reader, error))
+                return {};
+        } else {
+            // Short options may be bundled ("-aq"); a letter that takes a value ends the bundle
+            // and takes the rest of the argument ("-csize,crc") or the next one.
+            for (qsizetype i = 1; i < argument.size(); ++i) {
+                const char letter = argument.at(i);
+                const QByteArray name(1, letter);
+                std::optional<QByteArray> attached;
+                const bool takesValue = isShortWithValue(letter);
+                if (takesValue && i + 1 < argument.size())
+                    attached = argument.mid(i + 1);
+                if (!applyOption(options, '-' + name, name, attached, reader, error))
+                    return {};
+                if (takesValue)
+                    break;
+            }
+        }
+    }
+
+    if (options.showHelp || options.showVersion)
+        return options;
+    if (roots.size() != 2) {
+        *error = roots.size() < 2
+                     ? QStringLiteral("expected two folders, SOURCE and DESTINATION")
+                     : QStringLiteral("too many arguments: %1 after SOURCE and DESTINATION")
+                           .arg(quoted(roots.at(2)));
+        return {};
+    }
+    options.source = roots.at(0);
+    options.destination = roots.at(1);
+    return options;
+}
+
+QString CliOptions::usage() {
+    return QStringLiteral(
+        "Usage: pairscope-cli [options] SOURCE DESTINATION\n"
+        "\n"
+        "Compares two folder trees file by file: every file is paired with the file at the\n"
+        "same path below the other folder (letter case aside), and the pairs that differ are\n"
+        "listed with the reason.\n"
+        "\n"
+        "Options:\n"
+        "  -c, --compare LIST   what to compare, separated by commas: size, modified,\n"
+        "                       created, accessed, attributes, crc; or existence alone\n"
+        "                       (default: size,modified)\n"
+        "      --crc-first      compare checksums right after sizes (default: last, only\n"
+        "                       for pairs that are equal in everything else)\n"
+        "      --no-slack       dates must be exactly equal (default: dates up to two\n"
+        "                       seconds apart count as equal)\n"
+        "  -a, --all            list identical pairs too\n"
+        "      --chunk-size BYTES\n"
+        "                       read files for checksums in chunks of BYTES\n"
+        "                       (1024 to 16777216; default 65536)\n"
+        "      --format FORMAT  text (default), tsv or json\n"
+        "  -q, --quiet          write nothing to standard output; only the exit status\n"
+        "                       tells\n"
+        "      --progress       show a progress line on standard error\n"
+        "      --no-progress    never show it (default: shown while standard error is a\n"
+        "                       terminal)\n"
+        "  -h, --help           show this help and exit\n"
+        "      --version        show the version and exit\n"
+        "\n"
+        "Formats:\n"
+        "  text  the comparison, one aligned row per pair, and a summary (follows the locale)\n"
+        "  tsv   code TAB difference TAB relative path, one line per pair, sorted by path;\n"
+        "        tab, newline and backslash in names are written \\t, \\n and \\\\\n"
+        "  json  one object with the roots, the comparison, the options and every pair\n"
+        "        with both sides' size, dates (ISO 8601) and attributes\n"
+        "\n"
+        "Exit status: 0 when no listed pair differs, 1 when some differ, 2 on trouble (bad\n"
+        "arguments, a root that is not a folder, folders or files that could not be read, a\n"
+        "tree that kept changing). Each problem is one line on standard error; whatever could\n"
+        "be compared is still listed.\n");
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "engine/ComparisonSet.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/** How the report is written to standard output. */
+enum class OutputFormat { Text, Tsv, Json };
+
+/** Whether the progress line is drawn on standard error. */
+enum class ProgressMode {
+    Auto,   ///< only while standard error is a terminal
+    Always, ///< `--progress`
+    Never,  ///< `--no-progress`
+};
+
+/** Everything the command line of pairscope-cli asks for, with the defaults of a bare run. */
+struct CliOptions {
+    /** The two roots exactly as given: native bytes, not necessarily UTF-8. */
+    QByteArray source;
+    QByteArray destination;
+    int comparisons = ComparisonBits::Sizes | ComparisonBits::Modified;
+    bool doCRCLast = true;
+    bool includeSlack = true;
+    bool listAll = false;
+    int chunkSize = 65536;
+    OutputFormat format = OutputFormat::Text;
+    bool quiet = false;
+    ProgressMode progress = ProgressMode::Auto;
+    bool showHelp = false;
+    bool showVersion = false;
+
+    /** Smallest and largest checksum chunk; a value outside is brought to the nearest. */
+    static constexpr int MinChunkSize = 1024;
+    static constexpr int MaxChunkSize = 16 * 1024 * 1024;
+
+    /**
+     * Parses the arguments that follow the program name. On failure returns the defaults and
+     * sets \a error to a one-line reason; on success \a error is left empty.
+     */
+    static CliOptions parse(const QList<QByteArray> &arguments, QString *error);
+
+    /** The text of `--help`. */
+    static QString usage();
+};

@@ -1,0 +1,119 @@
+#include "cli/CompareRun.h"
+
+#include "cli/ProgressLine.h"
+#include "engine/ComparisonFileCollection.h"
+#include "engine/Pairscope.h"
+#include "engine/PathHelpers.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <numeric>
+#include <unistd.h>
+
+namespace {
+
+/**
+ * Why \a nativePath could not be read. The engine reports only that a checksum failed, so the
+ * file is opened once more here for the system's reason; when that now succeeds the failure
+ * came later, during the read.
+ */
+QString unreadableReason(const QByteArray &nativePath) {
+    const int fd = ::open(nativePath.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return QStringLiteral("could not be read: ") + QString::fromLocal8Bit(std::strerror(errno));
+    ::close(fd);
+    return QStringLiteral("could not be read");
+}
+
+} // namespace
+
+CompareRun::CompareRun(const CliOptions &options)
+    : m_options(options) {}
+
+bool CompareRun::run() {
+    while (attempt() == Pairscope::StatusRescanNeeded) {
+        if (m_restarts == MaxRestarts) {
+            m_problems.append(QStringLiteral("%1, %2: the folders kept changing during the "
+                                             "comparison; gave up after %3 restarts")
+                                  .arg(DisplayFromNative(m_options.source),
+                                       DisplayFromNative(m_options.destination))
+                                  .arg(MaxRestarts));
+            return false;
+        }
+        ++m_restarts;
+    }
+    return true;
+}
+
+qint64 CompareRun::pairCount() const {
+    return std::accumulate(m_counts.begin(), m_counts.end(), qint64(0));
+}
+
+int CompareRun::attempt() {
+    m_pairs.clear();
+    m_counts.fill(0);
+    m_problems.clear();
+
+    // Fresh collections and a fresh engine for every attempt, so that nothing of a walk that
+    // went stale survives into the next one.
+    ComparisonFileCollection sourceFiles;
+    ComparisonFileCollection destFiles;
+    walk(sourceFiles, m_options.source, true);
+    walk(destFiles, m_options.destination, false);
+
+    Pairscope engine;
+    QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
+                     [this](const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
+                            int code) { addPair(source, destination, code); });
+    QObject::connect(&engine, &Pairscope::CompareProgress, &engine,
+                     [this](int pass, int current, int total) {
+                         // A new cycle decides every pair afresh.
+                         if (pass == 1 && current == -1 && total == -1) {
+                             m_pairs.clear();
+                             m_counts.fill(0);
+                         }
+                         if (m_progress)
+                             m_progress->compareProgress(pass, current, total);
+                     });
+    const int status =
+        engine.Compare(sourceFiles, destFiles, m_options.comparisons, m_options.includeSlack,
+                       m_options.doCRCLast, m_options.chunkSize);
+
+    collectProblems(sourceFiles);
+    collectProblems(destFiles);
+    for (const ReportPair &pair : m_pairs) {
+        if (pair.code == DifferenceCode::SourceUnreadable)
+            m_problems.append(pair.source->Path() + QLatin1String(": ") +
+                              unreadableReason(pair.source->NativePath()));
+        else if (pair.code == DifferenceCode::DestinationUnreadable)
+            m_problems.append(pair.destination->Path() + QLatin1String(": ") +
+                              unreadableReason(pair.destination->NativePath()));
+    }
+    std::sort(m_pairs.begin(), m_pairs.end(),
+              [](const ReportPair &a, const ReportPair &b) { return a.path < b.path; });
+    return status;
+}
+
+void CompareRun::walk(ComparisonFileCollection &files, const QByteArray &root, bool source) {
+    if (m_progress)
+        QObject::connect(&files, &ComparisonFileCollection::FileAdded, &files,
+                         [this, source](int count) { m_progress->fileAdded(source, count); });
+    files.setRootFolderNative(root);
+}
+
+void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
+                         int code) {
+    ++m_counts[std::clamp<std::size_t>(std::size_t(qMax(code, 0)), 0, m_counts.size() - 1)];
+    const bool listed = code != DifferenceCode::Equal || m_options.listAll;
+    if (!listed)
+        return;
+    const ComparisonFilePtr &named = source->HasFileObject() ? source : destination;
+    m_pairs.push_back({source, destination, code, named->RelativeNativePath()});
+}
+
+void CompareRun::collectProblems(const ComparisonFileCollection &files) {
+    for (const CollectionProblem &problem : files.Problems())
+        m_problems.append(problem.toString());
+}

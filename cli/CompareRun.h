@@ -1,0 +1,70 @@
+#pragma once
+
+#include "cli/CliOptions.h"
+#include "engine/ComparisonFile.h"
+
+#include <QStringList>
+
+#include <array>
+#include <functional>
+#include <vector>
+
+class ComparisonFileCollection;
+class Pairscope;
+class ProgressLine;
+
+/** One decided pair as the report lists it. */
+struct ReportPair {
+    ComparisonFilePtr source;
+    ComparisonFilePtr destination;
+    int code = 0;
+    /** The path below the roots as bytes: the source's, or the destination's for a placeholder. */
+    QByteArray path;
+};
+
+/**
+ * One comparison of two roots as the command line asks for it: walks both trees, compares
+ * them, and starts again from fresh walks when a tree changed under the comparison, up to
+ * MaxRestarts times. Runs on the caller's thread without an event loop.
+ */
+class CompareRun {
+public:
+    /** A tree that keeps changing is given up after this many restarts. */
+    static constexpr int MaxRestarts = 10;
+
+    explicit CompareRun(const CliOptions &options);
+
+    /** Shows progress on \a progress while running (none when null). */
+    void setProgressLine(ProgressLine *progress) { m_progress = progress; }
+
+    /** Walks and compares; returns false when the trees kept changing and the run gave up. */
+    bool run();
+
+    /** The listed pairs (differences, or every pair with --all), sorted by the bytes of path. */
+    const std::vector<ReportPair> &pairs() const { return m_pairs; }
+    /** How many decided pairs carry each difference code (index = code, 0..14). */
+    const std::array<qint64, 15> &counts() const { return m_counts; }
+    /** Every decided pair, listed or not. */
+    qint64 pairCount() const;
+    /**
+     * Everything that could not be compared, one line each ("PATH: REASON"): folders that
+     * could not be read, files dropped as case duplicates, files whose checksum could not be
+     * read, and a tree that kept changing.
+     */
+    const QStringList &problems() const { return m_problems; }
+    /** How many restarts the trees' changes forced. */
+    int restarts() const { return m_restarts; }
+
+private:
+    int attempt();
+    void walk(ComparisonFileCollection &files, const QByteArray &root, bool source);
+    void addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination, int code);
+    void collectProblems(const ComparisonFileCollection &files);
+
+    const CliOptions &m_options;
+    ProgressLine *m_progress = nullptr;
+    std::vector<ReportPair> m_pairs;
+    std::array<qint64, 15> m_counts{};
+    QStringList m_problems;
+    int m_restarts = 0;
+};

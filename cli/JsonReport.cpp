@@ -1,0 +1,119 @@
+#include "cli/JsonReport.h"
+
+#include "cli/CliOptions.h"
+#include "cli/CompareRun.h"
+#include "cli/NameEscaping.h"
+#include "cli/OutputStream.h"
+#include "engine/PathHelpers.h"
+
+#include <QDateTime>
+
+namespace {
+
+QByteArray jsonString(QStringView text) {
+    // In UTF-8 every byte that needs escaping is ASCII, so the bytes can be escaped one by one.
+    const QByteArray utf8 = text.toUtf8();
+    QByteArray out;
+    out.reserve(utf8.size() + 2);
+    out += '"';
+    for (const char c : utf8) {
+        if (c == '"')
+            out += "\\\"";
+        else if (c == '\\')
+            out += "\\\\";
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (uchar(c) < 0x20)
+            out += "\\u00" + QByteArray::number(uchar(c), 16).rightJustified(2, '0');
+        else
+            out += c;
+    }
+    out += '"';
+    return out;
+}
+
+QByteArray jsonBool(bool value) {
+    return value ? QByteArray("true") : QByteArray("false");
+}
+
+/** ISO 8601 in local time with its offset; the fraction only when there is one, to the ns. */
+QByteArray isoDate(const FileTime &time) {
+    if (time.isNull())
+        return QByteArray("null");
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(time.seconds());
+    QByteArray text = local.toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss")).toLatin1();
+    if (time.nanoseconds() != 0)
+        text += '.' + QByteArray::number(time.nanoseconds()).rightJustified(9, '0');
+    const int offset = local.offsetFromUtc();
+    const int minutes = qAbs(offset) / 60;
+    text += offset < 0 ? '-' : '+';
+    text += QByteArray::number(minutes / 60).rightJustified(2, '0') + ':' +
+            QByteArray::number(minutes % 60).rightJustified(2, '0');
+    return '"' + text + '"';
+}
+
+QByteArray side(const ComparisonFilePtr &record) {
+    if (!record->HasFileObject())
+        return QByteArray("null");
+    if (!record->DetailsLoaded())
+        record->UpdateDetails();
+    return "{\"size\": " + QByteArray::number(record->Size()) +
+           ", \"modified\": " + isoDate(record->DateLastModified()) +
+           ", \"created\": " + isoDate(record->DateCreated()) +
+           ", \"accessed\": " + isoDate(record->DateLastAccessed()) + ", \"attributes\": " +
+           jsonString(ComparisonFile::AttributeString(record->Attributes())) + '}';
+}
+
+/** `"key": "text"`, and `"keyBytes": "escaped"` beside it when the bytes are not UTF-8. */
+QByteArray nameMembers(const char *key, const QByteArray &native) {
+    QByteArray out =
+        jsonString(QString::fromLatin1(key)) + ": " + jsonString(DisplayFromNative(native));
+    if (!NameEscaping::isValidUtf8(native)) {
+        out += ", " + jsonString(QString::fromLatin1(key) + QLatin1String("Bytes")) + ": " +
+               jsonString(QString::fromLatin1(NameEscaping::bytes(native)));
+    }
+    return out;
+}
+
+} // namespace
+
+void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStream &out) {
+    out << "{\n " << nameMembers("source", options.source) << ",\n "
+        << nameMembers("destination", options.destination) << ",\n";
+    out << " \"comparisons\": {\"bits\": " << options.comparisons << ", \"description\": "
+        << jsonString(ComparisonDescription(options.comparisons, options.doCRCLast)) << "},\n";
+    out << " \"options\": {\"crcFirst\": " << jsonBool(!options.doCRCLast)
+        << ", \"slack\": " << jsonBool(options.includeSlack)
+        << ", \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
+        << "},\n";
+
+    out << " \"pairs\": [";
+    bool first = true;
+    for (const ReportPair &pair : run.pairs()) {
+        out << (first ? "\n  " : ",\n  ");
+        first = false;
+        out << "{\"code\": " << pair.code
+            << ", \"text\": " << jsonString(ComparisonFile::DifferenceText(pair.code)) << ", "
+            << nameMembers("path", pair.path) << ", \"source\": " << side(pair.source)
+            << ", \"destination\": " << side(pair.destination) << '}';
+    }
+    out << (first ? "],\n" : "\n ],\n");
+
+    out << " \"pairsCompared\": " << run.pairCount() << ",\n \"counts\": {";
+    first = true;
+    for (std::size_t code = 0; code < run.counts().size(); ++code) {
+        if (run.counts()[code] == 0)
+            continue;
+        out << (first ? "" : ", ") << '"' << qint64(code) << "\": " << run.counts()[code];
+        first = false;
+    }
+    out << "},\n \"problems\": [";
+    first = true;
+    for (const QString &problem : run.problems()) {
+        out << (first ? "\n  " : ",\n  ") << jsonString(problem);
+        first = false;
+    }
+    out << (first ? "]\n}\n" : "\n ]\n}\n");
+}

@@ -1,0 +1,161 @@
+#include "cli/CliOptions.h"
+#include "cli/NameEscaping.h"
+
+#include <QTest>
+
+namespace {
+
+QList<QByteArray> split(const char *arguments) {
+    QList<QByteArray> list;
+    for (const QByteArray &part : QByteArray(arguments).split(' ')) {
+        if (!part.isEmpty())
+            list.append(part);
+    }
+    return list;
+}
+
+} // namespace
+
+/** Option parsing and the escaping of names in the three output formats. */
+class tst_CliOptions : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void parsesOptions_data();
+    void parsesOptions();
+    void refusesBadArguments_data();
+    void refusesBadArguments();
+    void escapesNames_data();
+    void escapesNames();
+};
+
+void tst_CliOptions::parsesOptions_data() {
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::addColumn<int>("comparisons");
+    QTest::addColumn<int>("chunkSize");
+    QTest::addColumn<bool>("doCRCLast");
+    QTest::addColumn<bool>("includeSlack");
+    QTest::addColumn<bool>("listAll");
+    QTest::addColumn<bool>("quiet");
+    QTest::addColumn<int>("format");
+
+    const int text = int(OutputFormat::Text);
+    QTest::newRow("defaults") << QByteArray("a b") << 3 << 65536 << true << true << false << false
+                              << text;
+    QTest::newRow("list with blanks and upper case")
+        << QByteArray("--compare Size,CRC a b") << 33 << 65536 << true << true << false << false
+        << text;
+    QTest::newRow("every comparison") << QByteArray("-c size,modified,created,accessed,"
+                                                    "attributes,crc a b")
+                                      << 63 << 65536 << true << true << false << false << text;
+    QTest::newRow("existence is nothing")
+        << QByteArray("-c existence a b") << 0 << 65536 << true << true << false << false << text;
+    QTest::newRow("attached short value")
+        << QByteArray("-cmodified a b") << 2 << 65536 << true << true << false << false << text;
+    QTest::newRow("attached long value")
+        << QByteArray("--compare=crc --format=json a b") << 32 << 65536 << true << true << false
+        << false << int(OutputFormat::Json);
+    QTest::newRow("bundled flags and value")
+        << QByteArray("-aqc crc a b") << 32 << 65536 << true << true << true << true << text;
+    QTest::newRow("flags after the roots")
+        << QByteArray("a --crc-first b --no-slack --format tsv") << 3 << 65536 << false << false
+        << false << false << int(OutputFormat::Tsv);
+    QTest::newRow("chunk size kept") << QByteArray("--chunk-size 4096 a b") << 3 << 4096 << true
+                                     << true << false << false << text;
+    QTest::newRow("chunk size raised") << QByteArray("--chunk-size 100 a b") << 3 << 1024 << true
+                                       << true << false << false << text;
+    QTest::newRow("chunk size lowered") << QByteArray("--chunk-size=99999999999 a b") << 3
+                                        << 16777216 << true << true << false << false << text;
+    QTest::newRow("roots after --")
+        << QByteArray("-a -- -a --help") << 3 << 65536 << true << true << true << false << text;
+}
+
+void tst_CliOptions::parsesOptions() {
+    QFETCH(QByteArray, arguments);
+    QString error;
+    const CliOptions options = CliOptions::parse(split(arguments.constData()), &error);
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    QTEST(options.comparisons, "comparisons");
+    QTEST(options.chunkSize, "chunkSize");
+    QTEST(options.doCRCLast, "doCRCLast");
+    QTEST(options.includeSlack, "includeSlack");
+    QTEST(options.listAll, "listAll");
+    QTEST(options.quiet, "quiet");
+    QTEST(int(options.format), "format");
+    QCOMPARE(options.source.isEmpty(), false);
+    QCOMPARE(options.destination.isEmpty(), false);
+}
+
+void tst_CliOptions::refusesBadArguments_data() {
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("no roots") << QByteArray("") << "expected two folders";
+    QTest::newRow("one root") << QByteArray("a") << "expected two folders";
+    QTest::newRow("three roots") << QByteArray("a b c") << "too many arguments: 'c'";
+    QTest::newRow("unknown long") << QByteArray("--fast a b") << "unknown option '--fast'";
+    QTest::newRow("unknown short in bundle") << QByteArray("-ax a b") << "unknown option '-x'";
+    QTest::newRow("unknown comparison")
+        << QByteArray("-c size,colour a b") << "unknown comparison 'colour'";
+    QTest::newRow("empty comparison") << QByteArray("-c size,,crc a b") << "unknown comparison ''";
+    QTest::newRow("value missing at the end")
+        << QByteArray("a b --compare") << "option '--compare' needs a value";
+    QTest::newRow("value on a flag")
+        << QByteArray("--all=yes a b") << "option '--all' takes no value";
+    QTest::newRow("chunk size not a number")
+        << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
+    QTest::newRow("negative chunk size")
+        << QByteArray("--chunk-size -5 a b") << "invalid --chunk-size '-5'";
+    QTest::newRow("unknown format") << QByteArray("--format xml a b") << "unknown --format 'xml'";
+}
+
+void tst_CliOptions::refusesBadArguments() {
+    QFETCH(QByteArray, arguments);
+    QFETCH(QString, reason);
+    QString error;
+    CliOptions::parse(split(arguments.constData()), &error);
+    QVERIFY2(error.startsWith(reason), qPrintable(error));
+    QVERIFY(!error.contains(QLatin1Char('\n')));
+}
+
+void tst_CliOptions::escapesNames_data() {
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("tsv");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("readable");
+    QTest::addColumn<bool>("validUtf8");
+
+    QTest::newRow("plain") << QByteArray("a b.txt") << QByteArray("a b.txt")
+                           << QByteArray("a b.txt") << "a b.txt" << true;
+    QTest::newRow("tab, newline, backslash")
+        << QByteArray("t\tn\nb\\") << QByteArray("t\\tn\\nb\\\\") << QByteArray("t\\x09n\\x0ab\\\\")
+        << "t\\tn\\nb\\" << true;
+    QTest::newRow("carriage return stays in tsv")
+        << QByteArray("r\r") << QByteArray("r\r") << QByteArray("r\\x0d") << "r\\x0d" << true;
+    QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9 \xe6\x97\xa5")
+                           << QByteArray("caf\xc3\xa9 \xe6\x97\xa5")
+                           << QByteArray("caf\\xc3\\xa9 \\xe6\\x97\\xa5")
+                           << QString::fromUtf8("caf\xc3\xa9 \xe6\x97\xa5") << true;
+    QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
+                                  << QByteArray("caf\\xe9") << "caf\\xe9" << false;
+    QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")
+                                    << QByteArray("\\xc0\\xaf") << "\\xc0\\xaf" << false;
+    QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << QByteArray("\xed\xa0\x80")
+                               << QByteArray("\\xed\\xa0\\x80") << "\\xed\\xa0\\x80" << false;
+    QTest::newRow("above U+10FFFF")
+        << QByteArray("\xf4\x90\x80\x80") << QByteArray("\xf4\x90\x80\x80")
+        << QByteArray("\\xf4\\x90\\x80\\x80") << "\\xf4\\x90\\x80\\x80" << false;
+    QTest::newRow("cut short at the end") << QByteArray("a\xe2\x82") << QByteArray("a\xe2\x82")
+                                          << QByteArray("a\\xe2\\x82") << "a\\xe2\\x82" << false;
+}
+
+void tst_CliOptions::escapesNames() {
+    QFETCH(QByteArray, name);
+    QTEST(NameEscaping::tsv(name), "tsv");
+    QTEST(NameEscaping::bytes(name), "bytes");
+    QTEST(NameEscaping::readable(name), "readable");
+    QTEST(NameEscaping::isValidUtf8(name), "validUtf8");
+}
+
+QTEST_GUILESS_MAIN(tst_CliOptions)
+#include "tst_CliOptions.moc"
