@@ -25,8 +25,12 @@ QDateTime FileTime::toDateTime() const {
 double FileTime::toOleDate() const {
     if (isNull())
         return 0.0;
-    const int offset = toDateTime().offsetFromUtc();
-    return (double(m_seconds + offset) + m_nanoseconds / 1e9) / SecondsPerDay + OleEpochOffsetDays;
+    // Whole days and the time of day apart, so the fraction keeps its digits.
+    const qint64 local = m_seconds + toDateTime().offsetFromUtc();
+    const qint64 perDay = qint64(SecondsPerDay);
+    const qint64 days = local >= 0 ? local / perDay : -((-local + perDay - 1) / perDay);
+    const double timeOfDay = double(local - days * perDay) + m_nanoseconds / 1e9;
+    return OleEpochOffsetDays + double(days) + timeOfDay / SecondsPerDay;
 }
 
 qint64 FileTime::secondBoundariesBetween(const FileTime &a, const FileTime &b) {

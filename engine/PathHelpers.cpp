@@ -84,7 +84,8 @@ QString KeyFromNative(const QByteArray &native) {
             continue;
         }
         key += QString::fromUtf8(native.constData() + runStart, i - runStart);
-        key += QStringLiteral("\\x%1").arg(unsigned(bytes[i]), 2, 16, QLatin1Char('0')).toUpper();
+        key += QLatin1String("\\x") +
+               QString::number(bytes[i], 16).toUpper().rightJustified(2, QLatin1Char('0'));
         ++i;
         runStart = i;
     }

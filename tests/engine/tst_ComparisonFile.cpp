@@ -1,0 +1,154 @@
+#include "engine/ComparisonFile.h"
+#include "support/TestTree.h"
+
+#include <QLocale>
+#include <QTest>
+
+class tst_ComparisonFile : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void attributeString_data();
+    void attributeString();
+    void differenceText_data();
+    void differenceText();
+    void detailsFromDisk();
+    void sizesBeyond32Bits();
+    void dates();
+    void folderColumn_data();
+    void folderColumn();
+    void nonUtf8Name();
+};
+
+void tst_ComparisonFile::initTestCase() {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void tst_ComparisonFile::attributeString_data() {
+    QTest::addColumn<int>("attributes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << 0 << "";
+    QTest::newRow("read-only + archive") << 33 << "RA";
+    QTest::newRow("compressed lowers") << 2081 << "ra";
+    QTest::newRow("every letter in order") << (1 | 2 | 4 | 32 | 1024) << "RHSAL";
+    QTest::newRow("compressed alone") << 2048 << "";
+    QTest::newRow("other bits ignored") << (16 | 8 | 128) << "";
+}
+
+void tst_ComparisonFile::attributeString() {
+    QFETCH(int, attributes);
+    QFETCH(QString, text);
+    QCOMPARE(ComparisonFile::AttributeString(attributes), text);
+}
+
+void tst_ComparisonFile::differenceText_data() {
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("below range") << -2 << "";
+    QTest::newRow("-1") << -1 << "file does not exist";
+    QTest::newRow("0") << 0 << "";
+    QTest::newRow("1") << 1 << "";
+    QTest::newRow("2") << 2 << "source does not exist";
+    QTest::newRow("5") << 5 << "checksum is different";
+    QTest::newRow("12") << 12 << "destination accessed more recently";
+    QTest::newRow("13") << 13 << "source could not be read";
+    QTest::newRow("14") << 14 << "destination could not be read";
+    QTest::newRow("above range") << 15 << "";
+}
+
+void tst_ComparisonFile::differenceText() {
+    QFETCH(int, code);
+    QFETCH(QString, text);
+    QCOMPARE(ComparisonFile::DifferenceText(code), text);
+    ComparisonFile record;
+    record.setDifferenceCode(code);
+    QCOMPARE(record.ColumnString(9, false), text);
+    QCOMPARE(record.SortString(9), text);
+}
+
+void tst_ComparisonFile::detailsFromDisk() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral(".hidden.txt"), "hello"));
+    ComparisonFile record(FileObject::fromNativePath(tree.nativePath(".hidden.txt")));
+    QVERIFY(!record.DetailsLoaded());
+    QCOMPARE(record.Size(), 0);
+    record.UpdateDetails();
+    QVERIFY(record.DetailsLoaded());
+    QCOMPARE(record.Size(), 5);
+    QCOMPARE(record.ColumnString(3, false), QStringLiteral("5 bytes"));
+    QCOMPARE(record.ColumnString(8, false), QStringLiteral("H"));
+    QCOMPARE(record.TypeString(), QStringLiteral("plain text document"));
+    QCOMPARE(record.ColumnString(1, false), QStringLiteral(".hidden.txt"));
+    QCOMPARE(record.ColumnString(0, false), QString());
+    QCOMPARE(record.ColumnString(10, false), QString());
+
+    // Details are read once: a vanished file keeps what was loaded.
+    QVERIFY(QFile::remove(tree.path(QStringLiteral(".hidden.txt"))));
+    record.UpdateDetails();
+    QCOMPARE(record.Size(), 5);
+}
+
+void tst_ComparisonFile::sizesBeyond32Bits() {
+    ComparisonFile big;
+    big.setSize(5368709120LL);
+    ComparisonFile small;
+    small.setSize(999);
+    QCOMPARE(big.ColumnString(3, false), QStringLiteral("5,368,709,120 bytes"));
+    QCOMPARE(big.SortString(3), QStringLiteral("00000000005368709120"));
+    QVERIFY(small.SortString(3) < big.SortString(3));
+    QCOMPARE(ComparisonFile().ColumnString(3, false), QStringLiteral("0 bytes"));
+}
+
+void tst_ComparisonFile::dates() {
+    ComparisonFile record;
+    QCOMPARE(record.ColumnString(5, false), QString());
+    QCOMPARE(record.SortString(6), QStringLiteral("000000000000.000000000000"));
+
+    const QDateTime local(QDate(2024, 1, 2), QTime(3, 4, 5));
+    record.setDateLastModified(FileTime::fromDateTime(local));
+    record.setDateCreated(FileTime::fromDateTime(local.addDays(1)));
+    QCOMPARE(record.ColumnString(5, false), QStringLiteral("1/2/24 3:04:05 AM"));
+    QCOMPARE(record.SortString(5), QStringLiteral("000000045293.127835648149"));
+    // Column 6 is the created date, 7 the accessed date (still none).
+    QCOMPARE(record.ColumnString(6, false), QStringLiteral("1/3/24 3:04:05 AM"));
+    QCOMPARE(record.ColumnString(7, false), QString());
+}
+
+void tst_ComparisonFile::folderColumn_data() {
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<bool>("full");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("root itself") << "" << false << "";
+    QTest::newRow("root itself, full") << "" << true << "ROOT";
+    QTest::newRow("sub") << "/Sub" << false << "Sub";
+    QTest::newRow("sub with separator") << "/Sub/" << false << "Sub";
+    QTest::newRow("deeper, full") << "/Sub/deep/" << true << "ROOT/Sub/deep";
+}
+
+void tst_ComparisonFile::folderColumn() {
+    QFETCH(QString, folder);
+    QFETCH(bool, full);
+    QFETCH(QString, text);
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("a"), "x"));
+    ComparisonFile record(FileObject::fromNativePath(tree.nativePath("a")));
+    // The root is matched without regard to case.
+    record.setParentFolder(tree.root().toUpper() + folder);
+    QCOMPARE(record.RootPath(), tree.root());
+    QCOMPARE(record.ColumnString(2, full),
+             QString(text).replace(QLatin1String("ROOT"), tree.root().toUpper()));
+}
+
+void tst_ComparisonFile::nonUtf8Name() {
+    TestTree tree;
+    QVERIFY(tree.writeNative("A\xff.bin", "x"));
+    ComparisonFile record(FileObject::fromNativePath(tree.nativePath("A\xff.bin")));
+    QCOMPARE(record.NativePath(), tree.nativePath("A\xff.bin"));
+    QCOMPARE(record.Name(), QString::fromUtf8("A\xEF\xBF\xBD.bin"));
+    QVERIFY(record.Key().endsWith(QLatin1String("/a\\xff.bin")));
+    record.UpdateDetails();
+    QCOMPARE(record.Size(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_ComparisonFile)
+#include "tst_ComparisonFile.moc"
