@@ -1,0 +1,284 @@
+#include "engine/ComparisonFileCollection.h"
+#include "support/TestTree.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+QStringList relativePaths(const ComparisonFileCollection &files) {
+    QStringList paths;
+    for (const ComparisonFilePtr &record : files)
+        paths << record->RelativePath();
+    return paths;
+}
+
+/** Environment variable that turns the test program into a walker run by a plain user. */
+constexpr char walkChildVariable[] = "TST_WALK_ROOT";
+
+int walkAsChild(const QByteArray &root) {
+    ComparisonFileCollection files;
+    files.setRootFolderNative(root);
+    for (const CollectionProblem &problem : files.Problems())
+        std::printf("problem %s\n", problem.toString().toUtf8().constData());
+    std::printf("count %d\n", files.Count());
+    return 0;
+}
+
+} // namespace
+
+class tst_ComparisonFileCollection : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void walkOrder();
+    void emptyAndMissingRoots();
+    void cancelDuringWalk();
+    void rescanRestartsWithoutDuplicates();
+    void caseDuplicatesRecorded();
+    void linksAndFifosAreFiles();
+    void nonUtf8Names();
+    void itemLookups();
+    void placeholders();
+    void unreadableFolderRecorded();
+};
+
+void tst_ComparisonFileCollection::walkOrder() {
+    TestTree tree;
+    for (const char *name : {"b.txt", "sub/deeper/d.txt", "a.txt", "z/e.txt", "sub/c.txt"})
+        QVERIFY(tree.write(QLatin1String(name), "x"));
+    ComparisonFileCollection files;
+    QSignalSpy added(&files, &ComparisonFileCollection::FileAdded);
+    files.setRootFolder(tree.root());
+    // Each folder's files before its subfolders, every list in name order.
+    QCOMPARE(
+        relativePaths(files),
+        QStringList({QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("sub/c.txt"),
+                     QStringLiteral("sub/deeper/d.txt"), QStringLiteral("z/e.txt")}));
+    QCOMPARE(added.count(), 5);
+    QCOMPARE(added.at(4).at(0).toInt(), 5);
+    QVERIFY(!files.InProgress());
+    QCOMPARE(files.Item(3)->Path(), tree.root() + QStringLiteral("/sub/c.txt"));
+    QCOMPARE(files.Item(3)->ParentFolder(), tree.root() + QStringLiteral("/sub"));
+    QCOMPARE(files.Item(3)->RootPath(), tree.root());
+}
+
+void tst_ComparisonFileCollection::emptyAndMissingRoots() {
+    TestTree tree;
+    QVERIFY(tree.mkdir(QStringLiteral("empty")));
+    QVERIFY(tree.write(QStringLiteral("one/f"), "x"));
+    ComparisonFileCollection files;
+    QSignalSpy added(&files, &ComparisonFileCollection::FileAdded);
+    files.setRootFolder(tree.path(QStringLiteral("empty")));
+    QCOMPARE(files.Count(), 0);
+    QCOMPARE(added.count(), 0);
+
+    files.setRootFolder(tree.path(QStringLiteral("one")));
+    QCOMPARE(files.Count(), 1);
+    // A folder that does not exist (or is a file) changes nothing.
+    files.setRootFolder(tree.path(QStringLiteral("missing")));
+    files.setRootFolder(tree.path(QStringLiteral("one/f")));
+    QCOMPARE(files.RootFolder(), tree.path(QStringLiteral("one")));
+    QCOMPARE(files.Count(), 1);
+    QVERIFY(files.Problems().isEmpty());
+}
+
+void tst_ComparisonFileCollection::cancelDuringWalk() {
+    TestTree tree;
+    for (int i = 0; i < 10; ++i)
+        QVERIFY(tree.write(QStringLiteral("d%1/f").arg(i), "x"));
+    ComparisonFileCollection files;
+    QSignalSpy added(&files, &ComparisonFileCollection::FileAdded);
+    connect(&files, &ComparisonFileCollection::FileAdded, this, [&files](int count) {
+        if (count == 3)
+            files.Cancel();
+    });
+    files.setRootFolder(tree.root());
+    QVERIFY(files.Cancelled());
+    QVERIFY(!files.InProgress());
+    QCOMPARE(files.Count(), 3);
+    QCOMPARE(added.count(), 3);
+
+    // The next walk starts afresh.
+    disconnect(&files, nullptr, this, nullptr);
+    files.setRootFolder(tree.root());
+    QVERIFY(!files.Cancelled());
+    QCOMPARE(files.Count(), 10);
+}
+
+void tst_ComparisonFileCollection::rescanRestartsWithoutDuplicates() {
+    TestTree tree;
+    for (int i = 0; i < 6; ++i)
+        QVERIFY(tree.write(QStringLiteral("f%1").arg(i), "x"));
+    ComparisonFileCollection files;
+    QSignalSpy added(&files, &ComparisonFileCollection::FileAdded);
+    bool restarted = false;
+    connect(&files, &ComparisonFileCollection::FileAdded, this, [&](int count) {
+        if (count == 4 && !restarted) {
+            restarted = true;
+            QVERIFY(tree.write(QStringLiteral("e-new"), "x"));
+            files.setNeedsRescan(true);
+        }
+    });
+    files.setRootFolder(tree.root());
+    QVERIFY(restarted);
+    QVERIFY(!files.NeedsRescan());
+    QCOMPARE(files.Count(), 7);
+    // Files met again after the restart are not raised again.
+    QCOMPARE(added.count(), 7);
+    QCOMPARE(files.Item(5)->Name(), QStringLiteral("e-new"));
+}
+
+void tst_ComparisonFileCollection::caseDuplicatesRecorded() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("Read.me"), "1"));
+    QVERIFY(tree.write(QStringLiteral("READ.ME"), "2"));
+    QVERIFY(tree.write(QStringLiteral("other"), "3"));
+    ComparisonFileCollection files;
+    files.setRootFolder(tree.root());
+    QCOMPARE(files.Count(), 2);
+    // Name-byte order: the upper-case name comes first and is kept.
+    QCOMPARE(files.Item(1)->Name(), QStringLiteral("READ.ME"));
+    QCOMPARE(files.Problems().size(), 1);
+    const CollectionProblem &problem = files.Problems().first();
+    QCOMPARE(problem.kind, CollectionProblem::Kind::CaseDuplicate);
+    QCOMPARE(problem.nativePath, tree.nativePath("Read.me"));
+    QVERIFY(problem.reason.contains(QLatin1String("READ.ME")));
+}
+
+void tst_ComparisonFileCollection::linksAndFifosAreFiles() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("sub/f"), "x"));
+    QVERIFY(::symlink(".", tree.nativePath("sub/loop").constData()) == 0);
+    QVERIFY(::symlink("..", tree.nativePath("sub/up").constData()) == 0);
+    QVERIFY(::mkfifo(tree.nativePath("pipe").constData(), 0644) == 0);
+    ComparisonFileCollection files;
+    files.setRootFolder(tree.root());
+    QCOMPARE(relativePaths(files),
+             QStringList({QStringLiteral("pipe"), QStringLiteral("sub/f"),
+                          QStringLiteral("sub/loop"), QStringLiteral("sub/up")}));
+    ComparisonFilePtr loop = files.Item(3);
+    loop->UpdateDetails();
+    QCOMPARE(loop->Kind(), FileKind::Symlink);
+    QCOMPARE(loop->Size(), 1);
+    QCOMPARE(loop->AttributeString(loop->Attributes()), QStringLiteral("L"));
+    ComparisonFilePtr pipe = files.Item(1);
+    pipe->UpdateDetails();
+    QCOMPARE(pipe->AttributeString(pipe->Attributes()), QStringLiteral("S"));
+}
+
+void tst_ComparisonFileCollection::nonUtf8Names() {
+    TestTree tree;
+    QVERIFY(tree.writeNative("n\xfe", "1"));
+    QVERIFY(tree.writeNative("n\xff", "2"));
+    // The folder is made by its bytes: decoding the name would lose them.
+    QVERIFY(::mkdir(tree.nativePath("d\xff").constData(), 0755) == 0);
+    QVERIFY(tree.writeNative("d\xff/inner", "3"));
+    ComparisonFileCollection files;
+    files.setRootFolder(tree.root());
+    QCOMPARE(files.Count(), 3);
+    QCOMPARE(files.Item(3)->NativePath(), tree.nativePath("d\xff/inner"));
+    // Both names show the same replacement, yet keep distinct keys.
+    QCOMPARE(files.Item(1)->Name(), files.Item(2)->Name());
+    QVERIFY(files.Item(files.Item(1)->Key()) == files.Item(1));
+    QVERIFY(files.Item(files.Item(2)->Key()) == files.Item(2));
+}
+
+void tst_ComparisonFileCollection::itemLookups() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("Sub/File.TXT"), "x"));
+    ComparisonFileCollection files;
+    files.setRootFolder(tree.root() + QLatin1Char('/'));
+    QCOMPARE(files.RootFolder(), tree.root() + QLatin1Char('/'));
+    QVERIFY(files.Item(0) == nullptr);
+    QVERIFY(files.Item(2) == nullptr);
+    const ComparisonFilePtr record = files.Item(1);
+    QVERIFY(record);
+    QCOMPARE(record->Path(), tree.root() + QStringLiteral("/Sub/File.TXT"));
+    QCOMPARE(files.Item(record->Path().toUpper()), record);
+    QCOMPARE(files.Item(record->Key()), record);
+    QVERIFY(files.Item(tree.root() + QStringLiteral("/Sub/other")) == nullptr);
+    QVERIFY(files.Item(QStringLiteral("/elsewhere/Sub/File.TXT")) == nullptr);
+
+    files.Clear();
+    QCOMPARE(files.Count(), 0);
+    QCOMPARE(files.RootFolder(), QString());
+    QVERIFY(files.Item(record->Key()) == nullptr);
+}
+
+void tst_ComparisonFileCollection::placeholders() {
+    TestTree source;
+    TestTree destination;
+    QVERIFY(source.write(QStringLiteral("sub/a.txt"), "abc"));
+    QVERIFY(destination.write(QStringLiteral("kept"), "x"));
+    ComparisonFileCollection sourceFiles;
+    ComparisonFileCollection destinationFiles;
+    sourceFiles.setRootFolder(source.root());
+    destinationFiles.setRootFolder(destination.root());
+    QSignalSpy added(&destinationFiles, &ComparisonFileCollection::FileAdded);
+
+    const ComparisonFilePtr counterpart = sourceFiles.Item(1);
+    const ComparisonFilePtr placeholder =
+        destinationFiles.AddMissingFile(counterpart->FileObject(), source.root(), 3);
+    QVERIFY(placeholder);
+    QVERIFY(!placeholder->HasFileObject());
+    QCOMPARE(placeholder->Path(), destination.root() + QStringLiteral("/sub/a.txt"));
+    QCOMPARE(placeholder->ParentFolder(), destination.root() + QStringLiteral("/sub/"));
+    QCOMPARE(placeholder->ColumnString(2, false), QStringLiteral("sub"));
+    QCOMPARE(placeholder->NativePath(), destination.nativePath("sub/a.txt"));
+    QCOMPARE(placeholder->Size(), 3);
+    QCOMPARE(placeholder->DifferenceCode(), 3);
+    QCOMPARE(destinationFiles.Count(), 2);
+    QCOMPARE(added.count(), 0);
+    QCOMPARE(destinationFiles.Counterpart(*counterpart), placeholder);
+    // A second placeholder for the same key is refused.
+    QVERIFY(!destinationFiles.AddMissingFile(counterpart->FileObject(), source.root(), 3));
+
+    destinationFiles.RemoveMissingFiles();
+    QCOMPARE(destinationFiles.Count(), 1);
+    QCOMPARE(destinationFiles.Item(1)->Name(), QStringLiteral("kept"));
+    QVERIFY(!destinationFiles.Counterpart(*counterpart));
+}
+
+void tst_ComparisonFileCollection::unreadableFolderRecorded() {
+    if (!canDropPrivileges())
+        QSKIP("cannot run a command as an unprivileged user here");
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("open/f"), "x"));
+    QVERIFY(tree.write(QStringLiteral("locked/g"), "x"));
+    QVERIFY(tree.write(QStringLiteral("z"), "x"));
+    QVERIFY(::chmod(QFile::encodeName(tree.root()).constData(), 0755) == 0);
+    QVERIFY(::chmod(tree.nativePath("locked").constData(), 0700) == 0);
+
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QLatin1String(walkChildVariable), tree.root());
+    child.setProcessEnvironment(environment);
+    child.start(QStringLiteral("setpriv"),
+                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                 QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath()});
+    QVERIFY(child.waitForFinished(30000));
+    const QString output = QString::fromUtf8(child.readAllStandardOutput());
+    QVERIFY2(child.exitCode() == 0, qPrintable(output + child.readAllStandardError()));
+    // The walk goes on past the locked folder and says which one and why.
+    QVERIFY2(output.contains(QStringLiteral("problem %1: Permission denied")
+                                 .arg(tree.path(QStringLiteral("locked")))),
+             qPrintable(output));
+    QVERIFY2(output.contains(QLatin1String("count 2")), qPrintable(output));
+}
+
+int main(int argc, char *argv[]) {
+    if (qEnvironmentVariableIsSet(walkChildVariable))
+        return walkAsChild(qgetenv(walkChildVariable));
+    QCoreApplication app(argc, argv);
+    tst_ComparisonFileCollection test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_ComparisonFileCollection.moc"
