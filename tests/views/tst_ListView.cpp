@@ -1,0 +1,366 @@
+#include "views/ListModel.h"
+#include "views/ListView.h"
+
+#include <QAbstractItemModelTester>
+#include <QHeaderView>
+#include <QLocale>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+// Rows "k0".."k<n-1>" with texts "t0".. and one sub-item each.
+void fill(ListView &list, int count) {
+    for (int i = 0; i < count; ++i) {
+        ListItem item = list.AddItem(QStringLiteral("k%1").arg(i), QStringLiteral("t%1").arg(i));
+        item.setSubItems(1, QStringLiteral("s%1").arg(i));
+    }
+}
+
+QStringList keys(const ListView &list) {
+    QStringList result;
+    for (int i = 1; i <= list.ItemCount(); ++i)
+        result.append(list.Item(i).Key());
+    return result;
+}
+
+} // namespace
+
+class tst_ListView : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void modelRules();
+    void rowsReachTheViewInBatches();
+    void keyedLookup_data();
+    void keyedLookup();
+    void duplicateKeysAreRefused();
+    void handlesFollowTheirRows();
+    void removeItemsIf_data();
+    void removeItemsIf();
+    void removingAColumnShiftsSubItems();
+    void columnOrder_data();
+    void columnOrder();
+    void programWidthsAreKept();
+    void sortedByDisplayedText_data();
+    void sortedByDisplayedText();
+    void sortKeepsSelectionAndFocus();
+    void selectedItem();
+    void setSelectedRows();
+    void boldRowsFollowTheTag();
+};
+
+void tst_ListView::initTestCase() {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void tst_ListView::modelRules() {
+    ListView list;
+    QAbstractItemModelTester tester(list.listModel(),
+                                    QAbstractItemModelTester::FailureReportingMode::QtTest);
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    list.AddColumn(QStringLiteral("#3"), QStringLiteral("Size"), 50, Qt::AlignRight);
+    fill(list, 50);
+    list.flushRows();
+    list.setSortKey(1);
+    list.setSortOrder(Qt::DescendingOrder);
+    list.setSorted(true);
+    list.AddItem(QStringLiteral("late"), QStringLiteral("m")); // placed while sorted
+    list.setSorted(false);
+    list.SelectAll();
+    list.RemoveItem(3);
+    list.RemoveItemsIf([](const ListRow &row) { return row.index % 2 == 0; });
+    list.RemoveItemsIf([](const ListRow &row) { return row.index < 5; });
+    list.AddColumn(QStringLiteral("#9"), QStringLiteral("Difference"), 80);
+    list.RemoveColumnAt(1);
+    list.setBoldDifferent(true);
+    list.ClearColumns();
+    list.ClearItems();
+    QCOMPARE(list.listModel()->rowCount(), 0);
+}
+
+void tst_ListView::rowsReachTheViewInBatches() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    QSignalSpy inserted(list.listModel(), &QAbstractItemModel::rowsInserted);
+    fill(list, 1000);
+    // The list counts them at once; the view is told once, when the event loop runs.
+    QCOMPARE(list.ItemCount(), 1000);
+    QCOMPARE(list.listModel()->rowCount(), 0);
+    QTRY_COMPARE(list.listModel()->rowCount(), 1000);
+    QCOMPARE(inserted.count(), 1);
+}
+
+void tst_ListView::keyedLookup_data() {
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("as added") << "none" << QStringList{"k0", "k1", "k2", "k3", "k4"};
+    QTest::newRow("sorted descending") << "sort" << QStringList{"k4", "k3", "k2", "k1", "k0"};
+    QTest::newRow("middle removed") << "remove" << QStringList{"k0", "k1", "k3", "k4"};
+    QTest::newRow("row placed while sorted")
+        << "insert" << QStringList{"k0", "k1", "k2", "new", "k3", "k4"};
+}
+
+void tst_ListView::keyedLookup() {
+    QFETCH(QString, operation);
+    QFETCH(QStringList, expected);
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 5);
+    if (operation == QLatin1String("sort")) {
+        list.setSortOrder(Qt::DescendingOrder);
+        list.setSorted(true);
+    } else if (operation == QLatin1String("remove")) {
+        list.RemoveItem(3);
+    } else if (operation == QLatin1String("insert")) {
+        list.setSorted(true);
+        list.AddItem(QStringLiteral("new"), QStringLiteral("t25"));
+    }
+    QCOMPARE(keys(list), expected);
+    // Every key leads to its row, wherever the row went.
+    for (int i = 0; i < expected.size(); ++i)
+        QCOMPARE(list.ItemByKey(expected[i]).Index(), i + 1);
+    QVERIFY(!list.ItemByKey(QStringLiteral("k9")));
+    if (operation == QLatin1String("remove"))
+        QVERIFY(!list.ItemByKey(QStringLiteral("k2")));
+}
+
+void tst_ListView::duplicateKeysAreRefused() {
+    ListView list;
+    QVERIFY(list.AddItem(QStringLiteral("a"), QStringLiteral("first")));
+    QVERIFY(!list.AddItem(QStringLiteral("a"), QStringLiteral("second")));
+    // Rows without a key are never looked up, so any number may exist.
+    QVERIFY(list.AddItem(QString(), QStringLiteral("x")));
+    QVERIFY(list.AddItem(QString(), QStringLiteral("y")));
+    QCOMPARE(list.ItemCount(), 3);
+    QCOMPARE(list.ItemByKey(QStringLiteral("a")).Text(), QStringLiteral("first"));
+}
+
+void tst_ListView::handlesFollowTheirRows() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 3);
+    ListItem last = list.Item(3);
+    ListItem first = list.Item(1);
+    list.setSortOrder(Qt::DescendingOrder);
+    list.setSorted(true);
+    QCOMPARE(last.Index(), 1);
+    QCOMPARE(last.Key(), QStringLiteral("k2"));
+    list.RemoveItem(first.Index());
+    // A handle on a removed row is harmless: it reads empty and ignores writes.
+    QVERIFY(!first);
+    QCOMPARE(first.Index(), 0);
+    first.setText(QStringLiteral("ignored"));
+    QCOMPARE(first.Text(), QString());
+    QCOMPARE(list.ItemCount(), 2);
+}
+
+void tst_ListView::removeItemsIf_data() {
+    QTest::addColumn<int>("modulus");
+    // Every 10th row removed: few runs, each announced. Every other row: so many runs that
+    // the model is reset and the view's state must be restored.
+    QTest::newRow("few runs") << 10;
+    QTest::newRow("many runs") << 2;
+}
+
+void tst_ListView::removeItemsIf() {
+    QFETCH(int, modulus);
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 400);
+    list.flushRows();
+    std::vector<bool> wanted(400, false);
+    wanted[1] = wanted[3] = wanted[10] = wanted[399] = true;
+    list.SetSelectedRows(wanted);
+    list.SetFocusedRow(3);
+    const QStringList before = keys(list);
+
+    const int removed =
+        list.RemoveItemsIf([modulus](const ListRow &row) { return row.index % modulus == 0; });
+    QCOMPARE(removed, 400 / modulus);
+
+    QStringList expected;
+    for (int i = 0; i < before.size(); ++i) {
+        if (i % modulus != 0)
+            expected.append(before[i]);
+    }
+    QCOMPARE(keys(list), expected);
+    QStringList selected;
+    for (int i = 1; i <= list.ItemCount(); ++i) {
+        if (list.Item(i).Selected())
+            selected.append(list.Item(i).Key());
+    }
+    // Row 10 was selected and removed in both cases.
+    QCOMPARE(selected, (QStringList{"k1", "k3", "k399"}));
+    QCOMPARE(list.Item(list.FocusedRow() + 1).Key(), QStringLiteral("k3"));
+    QCOMPARE(list.ItemByKey(QStringLiteral("k5")).Index(),
+             expected.indexOf(QStringLiteral("k5")) + 1);
+}
+
+void tst_ListView::removingAColumnShiftsSubItems() {
+    ListView list;
+    for (int i = 0; i < 4; ++i)
+        list.AddColumn(QStringLiteral("#%1").arg(i + 1), QStringLiteral("c%1").arg(i), 50);
+    ListItem item = list.AddItem(QStringLiteral("a"), QStringLiteral("text"));
+    item.setSubItems(1, QStringLiteral("one"));
+    item.setSubItems(2, QStringLiteral("two"));
+    item.setSubItems(3, QStringLiteral("three"));
+
+    list.RemoveColumnAt(2);
+    QCOMPARE(list.Column(2)->Key(), QStringLiteral("#3"));
+    QCOMPARE(list.Column(2)->SubItemIndex(), 1);
+    QCOMPARE(item.SubItems(1), QStringLiteral("two"));
+    QCOMPARE(item.SubItems(2), QStringLiteral("three"));
+
+    // Clearing the headers keeps the item text: it belongs to the row.
+    list.ClearColumns();
+    QCOMPARE(item.Text(), QStringLiteral("text"));
+    QCOMPARE(item.SubItems(1), QString());
+}
+
+void tst_ListView::columnOrder_data() {
+    QTest::addColumn<std::vector<int>>("order");
+    QTest::addColumn<std::vector<int>>("expected");
+    QTest::newRow("permutation") << std::vector<int>{3, 0, 1, 2} << std::vector<int>{3, 0, 1, 2};
+    QTest::newRow("repeated entry skipped, unplaced column last")
+        << std::vector<int>{3, 0, 0, 2} << std::vector<int>{3, 0, 2, 1};
+    QTest::newRow("out of range skipped")
+        << std::vector<int>{7, 2, -1, 1} << std::vector<int>{2, 1, 0, 3};
+    QTest::newRow("short array") << std::vector<int>{2} << std::vector<int>{2, 0, 1, 3};
+}
+
+void tst_ListView::columnOrder() {
+    QFETCH(std::vector<int>, order);
+    QFETCH(std::vector<int>, expected);
+    ListView list;
+    for (int i = 0; i < 4; ++i)
+        list.AddColumn(QStringLiteral("#%1").arg(i + 1), QStringLiteral("c%1").arg(i), 50);
+    list.SetColumnOrder(order);
+    QCOMPARE(list.ColumnOrder(), expected);
+    for (size_t position = 0; position < expected.size(); ++position)
+        QCOMPARE(list.Column(expected[position] + 1)->Position(), int(position));
+}
+
+void tst_ListView::programWidthsAreKept() {
+    ListView list;
+    ColumnHeader *column = list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 87.5f);
+    QCOMPARE(column->Width(), 87.5f);
+    QCOMPARE(list.header()->sectionSize(0), 88);
+    ColumnHeader *narrow = list.AddColumn(QStringLiteral("#9"), QStringLiteral("Difference"), 0);
+    QCOMPARE(narrow->Width(), 0.0f);
+    QCOMPARE(list.header()->sectionSize(1), 0);
+    // A drag by the user is a new width.
+    list.header()->resizeSection(0, 120);
+    QCOMPARE(column->Width(), 120.0f);
+}
+
+void tst_ListView::sortedByDisplayedText_data() {
+    QTest::addColumn<QStringList>("texts");
+    QTest::addColumn<int>("order");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("letter case ignored")
+        << QStringList{"b", "A", "a", "B"} << int(Qt::AscendingOrder)
+        << QStringList{"A", "a", "b", "B"};
+    QTest::newRow("descending stays stable")
+        << QStringList{"a", "b", "A", "B"} << int(Qt::DescendingOrder)
+        << QStringList{"b", "B", "a", "A"};
+    QTest::newRow("text order, not number order")
+        << QStringList{"9 bytes", "10 bytes", "100 bytes"} << int(Qt::AscendingOrder)
+        << QStringList{"10 bytes", "100 bytes", "9 bytes"};
+    QTest::newRow("zero-padded keys by value")
+        << QStringList{"000000000010.5", "000000000009.75", "000000000010.25"}
+        << int(Qt::AscendingOrder)
+        << QStringList{"000000000009.75", "000000000010.25", "000000000010.5"};
+}
+
+void tst_ListView::sortedByDisplayedText() {
+    QFETCH(QStringList, texts);
+    QFETCH(int, order);
+    QFETCH(QStringList, expected);
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    list.AddColumn(QStringLiteral("#2"), QStringLiteral("Other"), 100);
+    for (const QString &text : texts)
+        list.AddItem(QString(), QString()).setSubItems(1, text);
+    list.setSortKey(1);
+    list.setSortOrder(Qt::SortOrder(order));
+    list.setSorted(true);
+    QStringList sorted;
+    for (int i = 1; i <= list.ItemCount(); ++i)
+        sorted.append(list.Item(i).SubItems(1));
+    QCOMPARE(sorted, expected);
+    QCOMPARE(list.header()->sortIndicatorSection(), 1);
+}
+
+void tst_ListView::sortKeepsSelectionAndFocus() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 20);
+    list.Item(2).setSelected(true);
+    list.Item(5).setSelected(true);
+    list.SetFocusedRow(4);
+    list.setSortOrder(Qt::DescendingOrder);
+    list.setSorted(true);
+    QVERIFY(list.ItemByKey(QStringLiteral("k1")).Selected());
+    QVERIFY(list.ItemByKey(QStringLiteral("k4")).Selected());
+    QCOMPARE(list.SelectedCount(), 2);
+    QCOMPARE(list.Item(list.FocusedRow() + 1).Key(), QStringLiteral("k4"));
+}
+
+void tst_ListView::selectedItem() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 5);
+    QVERIFY(!list.SelectedItem());
+    list.Item(4).setSelected(true);
+    list.Item(2).setSelected(true);
+    list.SetFocusedRow(0);
+    // The focused row is not selected: the first selected row stands in.
+    QCOMPARE(list.SelectedItem().Key(), QStringLiteral("k1"));
+    list.SetFocusedRow(3);
+    QCOMPARE(list.SelectedItem().Key(), QStringLiteral("k3"));
+    list.ClearSelections();
+    QCOMPARE(list.SelectedCount(), 0);
+    list.SelectAll();
+    QCOMPARE(list.SelectedCount(), 5);
+}
+
+void tst_ListView::setSelectedRows() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    fill(list, 8);
+    QSignalSpy changed(list.selectionModel(), &QItemSelectionModel::selectionChanged);
+    const std::vector<bool> wanted{true, true, false, true, false, false, true, true};
+    list.SetSelectedRows(wanted);
+    QCOMPARE(list.SelectedRows(), wanted);
+    // The same selection again changes nothing and says nothing.
+    const qsizetype signals = changed.count();
+    list.SetSelectedRows(wanted);
+    QCOMPARE(changed.count(), signals);
+    // A short array clears the rows it does not reach.
+    list.SetSelectedRows({false, true});
+    QCOMPARE(list.SelectedRows(),
+             (std::vector<bool>{false, true, false, false, false, false, false, false}));
+}
+
+void tst_ListView::boldRowsFollowTheTag() {
+    ListView list;
+    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
+    list.AddItem(QStringLiteral("same"), QStringLiteral("a")).setTag(1);
+    list.AddItem(QStringLiteral("differs"), QStringLiteral("b")).setTag(4);
+    list.flushRows();
+    const QAbstractItemModel *model = list.listModel();
+    const auto isBold = [model](int row) {
+        return model->data(model->index(row, 0), Qt::FontRole).value<QFont>().bold();
+    };
+    QVERIFY(!isBold(0) && !isBold(1));
+    list.setBoldDifferent(true);
+    QVERIFY(!isBold(0));
+    QVERIFY(isBold(1));
+    list.Item(1).setTag(4);
+    QVERIFY(isBold(0));
+}
+
+QTEST_MAIN(tst_ListView)
+#include "tst_ListView.moc"
