@@ -1,9 +1,10 @@
+#include "UnprivilegedRun.h"
+
 #include "engine/ComparisonFileCollection.h"
 #include "support/TestTree.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -256,16 +257,9 @@ void tst_ComparisonFileCollection::unreadableFolderRecorded() {
     QVERIFY(::chmod(QFile::encodeName(tree.root()).constData(), 0755) == 0);
     QVERIFY(::chmod(tree.nativePath("locked").constData(), 0700) == 0);
 
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QLatin1String(walkChildVariable), tree.root());
-    child.setProcessEnvironment(environment);
-    child.start(QStringLiteral("setpriv"),
-                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                 QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath()});
-    QVERIFY(child.waitForFinished(30000));
-    const QString output = QString::fromUtf8(child.readAllStandardOutput());
-    QVERIFY2(child.exitCode() == 0, qPrintable(output + child.readAllStandardError()));
+    bool ran = false;
+    const QString output = runUnprivileged(walkChildVariable, tree.root(), &ran);
+    QVERIFY2(ran, qPrintable(output));
     // The walk goes on past the locked folder and says which one and why.
     QVERIFY2(output.contains(QStringLiteral("problem %1: Permission denied")
                                  .arg(tree.path(QStringLiteral("locked")))),

@@ -1,0 +1,398 @@
+#include "UnprivilegedRun.h"
+
+#include "engine/Pairscope.h"
+#include "support/TestTree.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr time_t baseTime = 1700000000;
+/** Environment variable that turns the test program into a compare run by a plain user. */
+constexpr char compareChildVariable[] = "TST_COMPARE_ROOTS";
+
+/** Two walked trees and an engine, with every event written down as text. */
+struct Fixture {
+    TestTree source;
+    TestTree destination;
+    ComparisonFileCollection sourceFiles;
+    ComparisonFileCollection destinationFiles;
+    Pairscope engine;
+    QStringList events;
+
+    explicit Fixture(int workers = 2) {
+        engine.setWorkerCount(workers);
+        QObject::connect(
+            &engine, &Pairscope::CompareProgress, &engine,
+            [this](int pass, int current, int total) {
+                events << QStringLiteral("progress %1 %2 %3").arg(pass).arg(current).arg(total);
+            });
+        QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
+                         [this](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int code) {
+                             events
+                                 << QStringLiteral("pair %1 %2 %3 %4")
+                                        .arg(a->RelativePath(), b->RelativePath())
+                                        .arg(int(a->HasFileObject()) * 2 + int(b->HasFileObject()))
+                                        .arg(code);
+                         });
+    }
+    void walk() {
+        sourceFiles.setRootFolder(source.root());
+        destinationFiles.setRootFolder(destination.root());
+    }
+    int compare(int bits, bool slack = true, bool crcLast = true, int chunk = 65536) {
+        events.clear();
+        return engine.Compare(sourceFiles, destinationFiles, bits, slack, crcLast, chunk);
+    }
+    /** The code of the pair whose source side is at \a relative. */
+    int code(const QString &relative) const {
+        for (const ComparisonFilePtr &record : sourceFiles) {
+            if (record->RelativePath() == relative)
+                return record->DifferenceCode();
+        }
+        return -100;
+    }
+};
+
+int compareAsChild(const QByteArray &roots) {
+    const QList<QByteArray> parts = roots.split('|');
+    ComparisonFileCollection source;
+    ComparisonFileCollection destination;
+    source.setRootFolderNative(parts.value(0));
+    destination.setRootFolderNative(parts.value(1));
+    Pairscope engine;
+    const int status = engine.Compare(source, destination, parts.value(2).toInt(), true,
+                                      parts.value(3) == "1", 65536);
+    std::printf("status %d\n", status);
+    for (const ComparisonFilePtr &record : source)
+        std::printf("%s %d\n", record->NativeName().constData(), record->DifferenceCode());
+    return 0;
+}
+
+} // namespace
+
+class tst_Pairscope : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void orderOfTests_data();
+    void orderOfTests();
+    void slack_data();
+    void slack();
+    void datesDiffer();
+    void pairingAndEvents_data();
+    void pairingAndEvents();
+    void workersMatchSequentialRun();
+    void vanishedFile_data();
+    void vanishedFile();
+    void fileDeletedDuringWalk();
+    void cancelDuringChecksum_data();
+    void cancelDuringChecksum();
+    void fifoAndLinkLoop();
+    void unreadableFiles();
+};
+
+void tst_Pairscope::orderOfTests_data() {
+    QTest::addColumn<QByteArray>("sourceContent");
+    QTest::addColumn<QByteArray>("destinationContent");
+    QTest::addColumn<int>("sourceAge");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<bool>("crcLast");
+    QTest::addColumn<int>("expected");
+    // Size is tested before the checksum wherever the checksum goes.
+    QTest::newRow("size+crc, crc last")
+        << QByteArray("aaaa") << QByteArray("bbbbbb") << 0 << 33 << true << 4;
+    QTest::newRow("size+crc, crc first")
+        << QByteArray("aaaa") << QByteArray("bbbbbb") << 0 << 33 << false << 4;
+    // A checksum first outranks the dates; last, it only speaks when nothing else differs.
+    QTest::newRow("date+crc, crc first")
+        << QByteArray("aaaa") << QByteArray("bbbb") << 100 << 34 << false << 5;
+    QTest::newRow("date+crc, crc last, source newer")
+        << QByteArray("aaaa") << QByteArray("bbbb") << 100 << 34 << true << 7;
+    QTest::newRow("date+crc, crc last, destination newer")
+        << QByteArray("aaaa") << QByteArray("bbbb") << -100 << 34 << true << 8;
+    QTest::newRow("crc alone") << QByteArray("aaaa") << QByteArray("bbbb") << 0 << 32 << true << 5;
+    QTest::newRow("same content") << QByteArray("aaaa") << QByteArray("aaaa") << 0 << 63 << true
+                                  << 1;
+    QTest::newRow("existence only")
+        << QByteArray("a") << QByteArray("bbbbbb") << 100 << 0 << true << 1;
+    QTest::newRow("accessed dates") << QByteArray("a") << QByteArray("a") << 100 << 8 << true << 11;
+}
+
+void tst_Pairscope::orderOfTests() {
+    QFETCH(QByteArray, sourceContent);
+    QFETCH(QByteArray, destinationContent);
+    QFETCH(int, sourceAge);
+    QFETCH(int, bits);
+    QFETCH(bool, crcLast);
+    QFETCH(int, expected);
+    for (const int workers : {0, 2}) {
+        Fixture f(workers);
+        QVERIFY(f.source.write(QStringLiteral("f"), sourceContent));
+        QVERIFY(f.destination.write(QStringLiteral("f"), destinationContent));
+        QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
+        QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
+        f.walk();
+        QCOMPARE(f.compare(bits, true, crcLast), int(Pairscope::StatusComplete));
+        QCOMPARE(f.code(QStringLiteral("f")), expected);
+        QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
+    }
+}
+
+void tst_Pairscope::slack_data() {
+    QTest::addColumn<int>("sourceSeconds");
+    QTest::addColumn<int>("sourceNanoseconds");
+    QTest::addColumn<bool>("slack");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("2 s, slack") << 2 << 0 << true << 1;
+    QTest::newRow("2 s, exact") << 2 << 0 << false << 7;
+    QTest::newRow("3 s, slack") << 3 << 0 << true << 7;
+    QTest::newRow("-3 s, slack") << -3 << 0 << true << 8;
+    QTest::newRow("nanoseconds, exact") << 0 << 1 << false << 7;
+    QTest::newRow("nanoseconds, slack") << 0 << 1 << true << 1;
+    // 2.9 s apart but three second boundaries lie between them.
+    QTest::newRow("2.9 s over 3 boundaries") << 3 << 900000000 << true << 7;
+}
+
+void tst_Pairscope::slack() {
+    QFETCH(int, sourceSeconds);
+    QFETCH(int, sourceNanoseconds);
+    QFETCH(bool, slack);
+    QFETCH(int, expected);
+    Fixture f;
+    QVERIFY(f.source.write(QStringLiteral("f"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("f"), "x"));
+    QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceSeconds, sourceNanoseconds));
+    const bool boundaryRow = sourceNanoseconds == 900000000;
+    QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime, boundaryRow ? 999999999 : 0));
+    f.walk();
+    QCOMPARE(f.compare(2, slack), int(Pairscope::StatusComplete));
+    QCOMPARE(f.code(QStringLiteral("f")), expected);
+}
+
+void tst_Pairscope::datesDiffer() {
+    const FileTime none;
+    const FileTime date(baseTime, 0);
+    QVERIFY(!Pairscope::DatesDiffer(none, none, false));
+    QVERIFY(Pairscope::DatesDiffer(none, date, true));
+    QVERIFY(!Pairscope::DatesDiffer(date, FileTime(baseTime + 2, 999999999), true));
+    QVERIFY(Pairscope::DatesDiffer(FileTime(baseTime, 999999999), FileTime(baseTime + 3, 0), true));
+}
+
+void tst_Pairscope::pairingAndEvents_data() {
+    QTest::addColumn<int>("workers");
+    QTest::newRow("on the caller's thread") << 0;
+    QTest::newRow("with read-ahead") << 2;
+}
+
+void tst_Pairscope::pairingAndEvents() {
+    QFETCH(int, workers);
+    Fixture f(workers);
+    QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
+    QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "x"));
+    QVERIFY(f.source.write(QStringLiteral("sub/z"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
+    QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
+    f.walk();
+    const QStringList expected = {
+        QStringLiteral("progress 1 -1 -1"),
+        QStringLiteral("progress 1 -1 3"),
+        // A name that differs only in letter case is the same file.
+        QStringLiteral("pair Same.txt same.TXT 3 1"),
+        QStringLiteral("progress 1 1 3"),
+        QStringLiteral("pair sub/only-source sub/only-source 2 3"),
+        QStringLiteral("progress 1 2 3"),
+        QStringLiteral("pair sub/z sub/z 3 4"),
+        QStringLiteral("progress 1 3 3"),
+        QStringLiteral("progress 2 1 4"),
+        QStringLiteral("progress 2 2 4"),
+        QStringLiteral("pair zz/only-destination zz/only-destination 1 2"),
+        QStringLiteral("progress 2 3 4"),
+        QStringLiteral("progress 2 4 4"),
+    };
+    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+    QCOMPARE(f.events, expected);
+    QCOMPARE(f.sourceFiles.Count(), 4);
+    const ComparisonFilePtr placeholder = f.sourceFiles.Item(4);
+    QCOMPARE(placeholder->Path(), f.source.root() + QStringLiteral("/zz/only-destination"));
+    QCOMPARE(placeholder->ParentFolder(), f.source.root() + QStringLiteral("/zz/"));
+    QCOMPARE(placeholder->ColumnString(9, false), QStringLiteral("source does not exist"));
+
+    // Placeholders of the first run are removed first: the second run is the same.
+    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+    QCOMPARE(f.events, expected);
+    QCOMPARE(f.sourceFiles.Count(), 4);
+    QCOMPARE(f.destinationFiles.Count(), 4);
+    QVERIFY(!f.engine.InProgress());
+}
+
+void tst_Pairscope::workersMatchSequentialRun() {
+    Fixture sequential(0);
+    auto *random = QRandomGenerator::global();
+    for (int i = 0; i < 400; ++i) {
+        const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
+        const int kind = int(random->bounded(6));
+        const QByteArray content = QByteArray::number(i).repeated(int(random->bounded(1, 50)));
+        if (kind != 0)
+            QVERIFY(sequential.source.write(name, content));
+        if (kind != 1)
+            QVERIFY(sequential.destination.write(name, kind == 2 ? content + "!" : content));
+        if (kind == 3) {
+            QVERIFY(sequential.destination.write(name, QByteArray(content).replace('1', '2')));
+            QVERIFY(sequential.destination.setTimes(name, baseTime + i));
+        }
+        if (kind == 4)
+            QVERIFY(sequential.source.setTimes(name, baseTime - i));
+    }
+    sequential.walk();
+    for (const bool crcLast : {false, true}) {
+        QCOMPARE(sequential.compare(63, true, crcLast), int(Pairscope::StatusComplete));
+        const QStringList expected = sequential.events;
+        sequential.engine.setWorkerCount(2);
+        QCOMPARE(sequential.compare(63, true, crcLast), int(Pairscope::StatusComplete));
+        QCOMPARE(sequential.events, expected);
+        sequential.engine.setWorkerCount(0);
+    }
+}
+
+void tst_Pairscope::vanishedFile_data() {
+    QTest::addColumn<bool>("fromSource");
+    QTest::addColumn<bool>("paired");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("code");
+    // Without a counterpart the records no longer match the disk: rescan.
+    QTest::newRow("source only") << true << false << 1 << 0;
+    QTest::newRow("destination only") << false << false << 1 << 0;
+    // With one, the vanished side is simply missing.
+    QTest::newRow("paired source") << true << true << 2 << 2;
+    QTest::newRow("paired destination") << false << true << 2 << 3;
+}
+
+void tst_Pairscope::vanishedFile() {
+    QFETCH(bool, fromSource);
+    QFETCH(bool, paired);
+    QFETCH(int, status);
+    QFETCH(int, code);
+    Fixture f;
+    TestTree &side = fromSource ? f.source : f.destination;
+    TestTree &other = fromSource ? f.destination : f.source;
+    QVERIFY(side.write(QStringLiteral("gone"), "x"));
+    if (paired)
+        QVERIFY(other.write(QStringLiteral("gone"), "x"));
+    f.walk();
+    QVERIFY(QFile::remove(side.path(QStringLiteral("gone"))));
+    QCOMPARE(f.compare(1), status);
+    ComparisonFileCollection &files = fromSource ? f.sourceFiles : f.destinationFiles;
+    QCOMPARE(files.NeedsRescan(), status == 1);
+    QCOMPARE(files.Item(1)->DifferenceCode(), code);
+}
+
+void tst_Pairscope::fileDeletedDuringWalk() {
+    Fixture f;
+    QVERIFY(f.source.write(QStringLiteral("a"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("a"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("b"), "x"));
+    // A handler deletes each destination file right after it was listed.
+    connect(&f.destinationFiles, &ComparisonFileCollection::FileAdded, this, [&f](int count) {
+        if (count == 2)
+            QFile::remove(f.destinationFiles.Item(count)->Path());
+    });
+    f.walk();
+    QCOMPARE(f.destinationFiles.Count(), 2);
+    QCOMPARE(f.compare(3), int(Pairscope::StatusRescanNeeded));
+    QVERIFY(f.destinationFiles.NeedsRescan());
+    QCOMPARE(f.code(QStringLiteral("a")), 1);
+}
+
+void tst_Pairscope::cancelDuringChecksum_data() {
+    QTest::addColumn<int>("workers");
+    QTest::newRow("on the caller's thread") << 0;
+    QTest::newRow("with read-ahead") << 2;
+}
+
+void tst_Pairscope::cancelDuringChecksum() {
+    QFETCH(int, workers);
+    Fixture f(workers);
+    const QByteArray content(4 * 1024 * 1024, 'x');
+    QVERIFY(f.source.write(QStringLiteral("big"), content));
+    QVERIFY(f.destination.write(QStringLiteral("big"), content));
+    QVERIFY(f.source.write(QStringLiteral("later"), "x"));
+    QVERIFY(f.destination.write(QStringLiteral("later"), "x"));
+    f.walk();
+    int yields = 0;
+    f.engine.setYieldHook([&] {
+        if (++yields == 3)
+            f.engine.Cancel();
+    });
+    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusCancelled));
+    QVERIFY(f.engine.Cancelled());
+    QVERIFY(!f.engine.InProgress());
+    // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
+    QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
+    QCOMPARE(f.code(QStringLiteral("later")), 0);
+    QVERIFY(f.code(QStringLiteral("big")) <= 1);
+}
+
+void tst_Pairscope::fifoAndLinkLoop() {
+    Fixture f;
+    for (TestTree *tree : {&f.source, &f.destination}) {
+        QVERIFY(tree->write(QStringLiteral("sub/file"), "x"));
+        QVERIFY(::mkfifo(tree->nativePath("pipe").constData(), 0644) == 0);
+        QVERIFY(::symlink(".", tree->nativePath("sub/loop").constData()) == 0);
+    }
+    f.walk();
+    QCOMPARE(f.compare(1 | 16 | 32), int(Pairscope::StatusComplete));
+    QCOMPARE(f.code(QStringLiteral("pipe")), 1);
+    QCOMPARE(f.code(QStringLiteral("sub/loop")), 1);
+    QCOMPARE(f.code(QStringLiteral("sub/file")), 1);
+}
+
+void tst_Pairscope::unreadableFiles() {
+    if (!canDropPrivileges())
+        QSKIP("cannot run a command as an unprivileged user here");
+    TestTree source;
+    TestTree destination;
+    QVERIFY(source.write(QStringLiteral("a-secret-longer"), "0123456789"));
+    QVERIFY(destination.write(QStringLiteral("a-secret-longer"), "01234"));
+    QVERIFY(source.write(QStringLiteral("b-secret"), "0123456789"));
+    QVERIFY(destination.write(QStringLiteral("b-secret"), "0123456789"));
+    QVERIFY(source.write(QStringLiteral("c-open"), "0123456789"));
+    QVERIFY(destination.write(QStringLiteral("c-open"), "0123456789"));
+    for (TestTree *tree : {&source, &destination})
+        QVERIFY(::chmod(QFile::encodeName(tree->root()).constData(), 0755) == 0);
+    QVERIFY(::chmod(source.nativePath("a-secret-longer").constData(), 0) == 0);
+    QVERIFY(::chmod(source.nativePath("b-secret").constData(), 0) == 0);
+    QVERIFY(::chmod(destination.nativePath("c-open").constData(), 0) == 0);
+
+    // Sizes and checksums, the checksum last; attributes are not compared.
+    bool ran = false;
+    const QString output = runUnprivileged(
+        compareChildVariable,
+        source.root() + QLatin1Char('|') + destination.root() + QStringLiteral("|33|1"), &ran);
+    QVERIFY2(ran, qPrintable(output));
+    // The unreadable pair of different sizes is decided without opening either file: had
+    // it been opened, it would read "source could not be read" (13) like the second pair.
+    QVERIFY2(output.contains(QLatin1String("a-secret-longer 4\n")), qPrintable(output));
+    QVERIFY2(output.contains(QLatin1String("b-secret 13\n")), qPrintable(output));
+    QVERIFY2(output.contains(QLatin1String("c-open 14\n")), qPrintable(output));
+    QVERIFY2(output.contains(QLatin1String("status 2\n")), qPrintable(output));
+}
+
+int main(int argc, char *argv[]) {
+    if (qEnvironmentVariableIsSet(compareChildVariable))
+        return compareAsChild(qgetenv(compareChildVariable));
+    QCoreApplication app(argc, argv);
+    tst_Pairscope test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_Pairscope.moc"
