@@ -128,7 +128,23 @@ void DrawEdge::Refresh() {
 }
 
 void DrawEdge::drawSides(QPainter &painter, QRect &rect, int edge, int flags) {
-    drawEdge(painter, rect, edge, flags, palette());
+    drawEdge(painter, rect, edge, flags, edgePalette());
+}
+
+QPalette DrawEdge::edgePalette() const {
+    // Full-strength light and shadow make a heavy bevel on today's flat themes; halfway into
+    // the panel's colour they read as a quiet groove, in light and dark themes alike.
+    const QColor back = BackColor();
+    QPalette edges = palette();
+    for (QPalette::ColorRole role :
+         {QPalette::Light, QPalette::Midlight, QPalette::Dark, QPalette::Shadow}) {
+        const QColor full = edges.color(role);
+        edges.setColor(role,
+                       QColor((full.red() + back.red()) / 2, (full.green() + back.green()) / 2,
+                              (full.blue() + back.blue()) / 2));
+    }
+    edges.setColor(QPalette::Button, back);
+    return edges;
 }
 
 void DrawEdge::paintEvent(QPaintEvent *) {

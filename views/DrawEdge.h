@@ -74,6 +74,12 @@ public:
     /** The finished frame as last painted. */
     const QPixmap &picture() const { return m_picture; }
 
+    /**
+     * The colours the frame is drawn with: the palette's light, midlight, dark and shadow,
+     * each blended halfway into BackColor, and BackColor as the face.
+     */
+    QPalette edgePalette() const;
+
 protected:
     /**
      * Draws the sides named in \a flags in style \a edge; the repaint calls it once per group

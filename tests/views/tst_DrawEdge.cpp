@@ -53,6 +53,7 @@ private Q_SLOTS:
     void grouping();
     void edgeProperty();
     void adjustShrinksTheSharedRectangle();
+    void pictureBlendsTheEdgesIntoTheBackColour();
     void pixels_data();
     void pixels();
     void adjust_data();
@@ -148,6 +149,21 @@ void tst_DrawEdge::adjustShrinksTheSharedRectangle() {
     edge.Refresh();
     // The two-line sides go first, so the one-line sides are drawn inside them.
     QCOMPARE(edge.rects, (QList<QRect>{QRect(0, 0, 40, 20), QRect(2, 0, 36, 20)}));
+}
+
+void tst_DrawEdge::pictureBlendsTheEdgesIntoTheBackColour() {
+    DrawEdge edge;
+    edge.setPalette(markedPalette());
+    edge.setBackColor(QColor(0, 0, 0));
+    edge.resize(20, 10);
+    edge.setEdge(Raised);
+    const QImage picture = edge.picture().toImage();
+    QCOMPARE(picture.size(), QSize(20, 10));
+    QCOMPARE(picture.pixelColor(5, 0), QColor(0, 0x7f, 0));     // midlight
+    QCOMPARE(picture.pixelColor(5, 1), QColor(0x7f, 0, 0));     // light
+    QCOMPARE(picture.pixelColor(19, 5), QColor(0x7f, 0x7f, 0)); // shadow
+    QCOMPARE(picture.pixelColor(18, 5), QColor(0, 0, 0x7f));    // dark
+    QCOMPARE(picture.pixelColor(5, 5), QColor(0, 0, 0));
 }
 
 void tst_DrawEdge::pixels_data() {
