@@ -54,11 +54,15 @@ ReadAhead::Job &ReadAhead::next() {
 }
 
 qint64 ReadAhead::submit() {
+    bool wake;
     {
         const std::lock_guard lock(m_mutex);
         ++m_produced;
+        wake = m_idleWorkers > 0;
     }
-    m_workAvailable.notify_one();
+    // Waking a thread is a system call: skip it when every worker is busy anyway.
+    if (wake)
+        m_workAvailable.notify_one();
     return m_produced - 1;
 }
 
@@ -67,8 +71,10 @@ ReadAhead::Job *ReadAhead::wait(qint64 sequence, const std::function<bool()> &id
     while (!job.done.load(std::memory_order_acquire)) {
         {
             std::unique_lock lock(m_mutex);
+            m_callerWaiting.store(true);
             m_jobDone.wait_for(lock, std::chrono::milliseconds(5),
-                               [&job] { return job.done.load(std::memory_order_acquire); });
+                               [&job] { return job.done.load(std::memory_order_seq_cst); });
+            m_callerWaiting.store(false);
         }
         if (job.done.load(std::memory_order_acquire))
             break;
@@ -107,20 +113,24 @@ void ReadAhead::work() {
         Job *job;
         {
             std::unique_lock lock(m_mutex);
+            ++m_idleWorkers;
             m_workAvailable.wait(lock, [this] {
                 return m_stop.load(std::memory_order_relaxed) || m_claimed < m_produced;
             });
+            --m_idleWorkers;
             if (m_stop.load(std::memory_order_relaxed))
                 break;
             job = &m_ring[std::size_t(m_claimed % qint64(m_ring.size()))];
             ++m_claimed;
         }
         process(*job, crc, folders, fds);
-        {
-            const std::lock_guard lock(m_mutex);
-            job->done.store(true, std::memory_order_release);
+        // Both sides use sequentially consistent order: either the caller sees the job done
+        // before it sleeps, or the worker sees the caller waiting and wakes it.
+        job->done.store(true, std::memory_order_seq_cst);
+        if (m_callerWaiting.load(std::memory_order_seq_cst)) {
+            { const std::lock_guard lock(m_mutex); }
+            m_jobDone.notify_all();
         }
-        m_jobDone.notify_all();
     }
     for (const int fd : fds) {
         if (fd >= 0)

@@ -76,5 +76,9 @@ private:
     qint64 m_produced = 0;
     qint64 m_claimed = 0;
     qint64 m_consumed = 0;
+    /** Workers asleep for want of jobs; a submit wakes one only then. */
+    int m_idleWorkers = 0;
+    /** The caller sleeps on a job; a finished job wakes it only then. */
+    std::atomic<bool> m_callerWaiting{false};
     std::atomic<bool> m_stop{false};
 };
