@@ -10,6 +10,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <numeric>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -60,8 +62,7 @@ int CompareRun::attempt() {
     // went stale survives into the next one.
     ComparisonFileCollection sourceFiles;
     ComparisonFileCollection destFiles;
-    walk(sourceFiles, m_options.source, true);
-    walk(destFiles, m_options.destination, false);
+    walkBoth(sourceFiles, destFiles);
 
     Pairscope engine;
     QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
@@ -96,11 +97,26 @@ int CompareRun::attempt() {
     return status;
 }
 
-void CompareRun::walk(ComparisonFileCollection &files, const QByteArray &root, bool source) {
+void CompareRun::walkBoth(ComparisonFileCollection &sourceFiles,
+                          ComparisonFileCollection &destFiles) {
+    // Without a window there is no order of walk events to keep, so the destination is walked
+    // on a second thread while the source is walked here: the two trees share no state. The
+    // progress line follows the source walk alone.
+    std::thread destinationWalk;
+    try {
+        destinationWalk = std::thread(
+            [this, &destFiles] { destFiles.setRootFolderNative(m_options.destination); });
+    } catch (const std::system_error &) {
+        // No thread to be had: walk one tree after the other.
+    }
     if (m_progress)
-        QObject::connect(&files, &ComparisonFileCollection::FileAdded, &files,
-                         [this, source](int count) { m_progress->fileAdded(source, count); });
-    files.setRootFolderNative(root);
+        QObject::connect(&sourceFiles, &ComparisonFileCollection::FileAdded, &sourceFiles,
+                         [this](int count) { m_progress->fileAdded(count); });
+    sourceFiles.setRootFolderNative(m_options.source);
+    if (destinationWalk.joinable())
+        destinationWalk.join();
+    else
+        destFiles.setRootFolderNative(m_options.destination);
 }
 
 void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination,

@@ -57,7 +57,7 @@ public:
 
 private:
     int attempt();
-    void walk(ComparisonFileCollection &files, const QByteArray &root, bool source);
+    void walkBoth(ComparisonFileCollection &sourceFiles, ComparisonFileCollection &destFiles);
     void addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination, int code);
     void collectProblems(const ComparisonFileCollection &files);
 

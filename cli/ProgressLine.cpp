@@ -9,12 +9,9 @@ constexpr qint64 RedrawIntervalMs = 100;
 ProgressLine::ProgressLine(std::FILE *stream)
     : m_stream(stream) {}
 
-void ProgressLine::fileAdded(bool source, int count) {
-    if (!due())
-        return;
-    show((source ? QStringLiteral("Building source file list (%1)")
-                 : QStringLiteral("Building destination file list (%1)"))
-             .arg(count));
+void ProgressLine::fileAdded(int count) {
+    if (due())
+        show(QStringLiteral("Building source file list (%1)").arg(count));
 }
 
 void ProgressLine::compareProgress(int pass, int current, int total) {

@@ -14,8 +14,8 @@ class ProgressLine {
 public:
     explicit ProgressLine(std::FILE *stream = stderr);
 
-    /** A walk added a record; \a count is the side's count so far. */
-    void fileAdded(bool source, int count);
+    /** The source walk added a record; \a count is its count so far. */
+    void fileAdded(int count);
     /** The engine's CompareProgress. */
     void compareProgress(int pass, int current, int total);
     /** Erases the line, so that what follows starts on a clean line. */
