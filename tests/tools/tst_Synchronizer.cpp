@@ -1,0 +1,294 @@
+#include "DesktopProfile.h"
+#include "ModalWatcher.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "support/TestTree.h"
+#include "tools/CopyProgressDialog.h"
+#include "tools/Synchronizer.h"
+#include "tools/frmSynchronizer.h"
+#include "views/ColumnHeader.h"
+#include "views/ImageList.h"
+#include "views/ListView.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QFile>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+/** A compared pair of trees and a result listing of the from side, as the main window has. */
+struct Sides {
+    TestTree tree;
+    ComparisonFileCollection source;
+    ComparisonFileCollection destination;
+    ListView listing;
+
+    Sides() { listing.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100); }
+    void walk() {
+        source.setRootFolder(tree.path(QStringLiteral("src")));
+        destination.setRootFolder(tree.path(QStringLiteral("dst")));
+    }
+    /** Lists \a from's records plus a placeholder row for every key in \a missing. */
+    void list(const ComparisonFileCollection &from, const QStringList &missing = {}) {
+        listing.ClearItems();
+        for (const ComparisonFilePtr &file : from)
+            listing.AddItem(file->Key(), file->Name()).setRecord(file);
+        for (const QString &key : missing)
+            listing.AddItem(key, key.section(QLatin1Char('/'), -1));
+    }
+    void select(const QStringList &names) {
+        for (int i = 1; i <= listing.ItemCount(); ++i)
+            listing.Item(i).setSelected(names.contains(listing.Item(i).Text()));
+    }
+    QByteArray read(const QString &relative) const {
+        QFile file(tree.path(relative));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    }
+};
+
+} // namespace
+
+class tst_Synchronizer : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void countText_data();
+    void countText();
+    void targetIsTheCounterpartOrBelowTheOtherRoot();
+    void rootIsReplacedOnceAtTheStart();
+    void addToSynchronizerSkipsPlaceholders();
+    void nothingQualifyingSaysNoFilesToCopy();
+    void reviewListsSelectedFilesAndCopiesInShownOrder();
+    void cancelCopiesNothingAndPromptIsRemembered();
+    void headerClickSortsAndTogglesOrder();
+    void summaryNamesEveryFileNotCopied();
+
+private:
+    std::unique_ptr<DesktopProfile> m_profile;
+    QWidget m_owner;
+};
+
+void tst_Synchronizer::initTestCase() {
+    m_profile = std::make_unique<DesktopProfile>();
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    m_owner.resize(640, 480);
+    m_owner.show();
+}
+
+void tst_Synchronizer::countText_data() {
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("one") << 1 << QStringLiteral("  1 files to copy.");
+    QTest::newRow("thousands") << 1234 << QStringLiteral("  1,234 files to copy.");
+    QTest::newRow("millions") << 1234567 << QStringLiteral("  1,234,567 files to copy.");
+}
+
+void tst_Synchronizer::countText() {
+    QFETCH(int, count);
+    QFETCH(QString, text);
+    QCOMPARE(SyncCountText(count), text);
+}
+
+void tst_Synchronizer::targetIsTheCounterpartOrBelowTheOtherRoot() {
+    Sides s;
+    QVERIFY(s.tree.write(QStringLiteral("src/Sub/Report.TXT"), "new"));
+    QVERIFY(s.tree.write(QStringLiteral("src/Sub/only here.txt"), "only"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/sub/report.txt"), "old"));
+    s.walk();
+    const ComparisonFilePtr paired =
+        s.source.Item(s.tree.path(QStringLiteral("src/sub/report.txt")));
+    const ComparisonFilePtr alone =
+        s.source.Item(s.tree.path(QStringLiteral("src/sub/only here.txt")));
+    QVERIFY(paired && alone);
+    // The pair was matched despite letter case: the existing file is the target, not a twin.
+    QCOMPARE(SyncTarget(*paired, s.destination), s.tree.nativePath("dst/sub/report.txt"));
+    QCOMPARE(SyncTarget(*alone, s.destination), s.tree.nativePath("dst/Sub/only here.txt"));
+    QVERIFY(SyncTarget(*alone, ComparisonFileCollection()).isEmpty());
+}
+
+void tst_Synchronizer::rootIsReplacedOnceAtTheStart() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("Data/x/data/y.txt"), "y"));
+    QVERIFY(tree.mkdir(QStringLiteral("Backup")));
+    ComparisonFileCollection from;
+    ComparisonFileCollection to;
+    from.setRootFolder(tree.path(QStringLiteral("data"))
+                           .replace(QStringLiteral("/data"), QStringLiteral("/Data")));
+    to.setRootFolder(tree.path(QStringLiteral("Backup")));
+    QCOMPARE(from.Count(), 1);
+    QCOMPARE(SyncTarget(**from.begin(), to), tree.nativePath("Backup/x/data/y.txt"));
+}
+
+void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
+    Sides s;
+    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/b.txt"), "b"));
+    s.walk();
+    const ComparisonFilePtr b = *s.destination.begin();
+    const ComparisonFilePtr placeholder =
+        s.source.AddMissingFile(b->FileObject(), s.destination.RootFolder(), 2);
+    QVERIFY(placeholder);
+    ListView review;
+    ImageList images;
+    QVERIFY(!AddToSynchronizer(placeholder, &review, &images));
+    const ListItem row = AddToSynchronizer(*s.source.begin(), &review, &images);
+    QVERIFY(row);
+    QCOMPARE(row.Key(), s.tree.path(QStringLiteral("src/a.txt")).toLower());
+    QCOMPARE(row.Text(), QStringLiteral("a.txt"));
+    QCOMPARE(row.SubItems(1), s.tree.path(QStringLiteral("src")));
+    QVERIFY(row.SmallIcon() >= 1);
+    QVERIFY(!AddToSynchronizer(*s.source.begin(), &review, &images)); // the key is listed
+    QCOMPARE(review.ItemCount(), 1);
+}
+
+void tst_Synchronizer::nothingQualifyingSaysNoFilesToCopy() {
+    Sides s;
+    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/a.txt"), "a"));
+    s.walk();
+    const QString missingKey = s.tree.path(QStringLiteral("src/gone.txt")).toLower();
+    s.list(s.source, {missingKey});
+    s.select({QStringLiteral("gone.txt")});
+
+    ModalWatcher watcher;
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    QCOMPARE(watcher.texts(), QStringList{QStringLiteral("No files to copy.")});
+    QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
+}
+
+void tst_Synchronizer::reviewListsSelectedFilesAndCopiesInShownOrder() {
+    Sides s;
+    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "new a"));
+    QVERIFY(s.tree.write(QStringLiteral("src/deep/er/b.txt"), "new b"));
+    QVERIFY(s.tree.write(QStringLiteral("src/not selected.txt"), "c"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/a.txt"), "old a"));
+    s.walk();
+    s.list(s.source);
+    s.select({QStringLiteral("a.txt"), QStringLiteral("b.txt")});
+
+    QStringList captions;
+    QList<QStringList> rows;
+    QString status;
+    bool promptChecked = false;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSynchronizer *>(modal);
+        if (!form)
+            return false;
+        captions << form->windowTitle() << form->cmdOK->text();
+        for (int i = 1; i <= form->lvwFiles->ItemCount(); ++i) {
+            const ListItem row = form->lvwFiles->Item(i);
+            rows.append({row.Text(), row.SubItems(1), row.SubItems(2), row.SubItems(3),
+                         row.Tag().toString()});
+        }
+        status = form->StatusText();
+        promptChecked = form->chkPrompt->isChecked();
+        form->chkPrompt->setChecked(false); // overwrite without the question
+        form->cmdOK->click();
+        return true;
+    });
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    QCOMPARE(watcher.texts(), QStringList());
+    QCOMPARE(captions,
+             (QStringList{QStringLiteral("copy to destination"), QStringLiteral("&Copy")}));
+    QCOMPARE(status, QStringLiteral("  2 files to copy."));
+    QVERIFY(promptChecked);
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows[0], (QStringList{QStringLiteral("a.txt"), s.tree.path(QStringLiteral("src")),
+                                   QStringLiteral("Copy (overwrite)"),
+                                   s.tree.path(QStringLiteral("dst/a.txt")), QStringLiteral("2")}));
+    QCOMPARE(rows[1],
+             (QStringList{QStringLiteral("b.txt"), s.tree.path(QStringLiteral("src/deep/er")),
+                          QStringLiteral("Copy (new)"),
+                          s.tree.path(QStringLiteral("dst/deep/er/b.txt")), QStringLiteral("2")}));
+    QCOMPARE(s.read(QStringLiteral("dst/a.txt")), QByteArray("new a"));
+    QCOMPARE(s.read(QStringLiteral("dst/deep/er/b.txt")), QByteArray("new b"));
+    QCOMPARE(s.read(QStringLiteral("dst/not selected.txt")), QByteArray("<missing>"));
+    // Nothing is refreshed: the listing and the collections stay as they were.
+    QCOMPARE(s.destination.Count(), 1);
+    QCOMPARE(s.listing.ItemCount(), 3);
+}
+
+void tst_Synchronizer::cancelCopiesNothingAndPromptIsRemembered() {
+    Sides s;
+    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst")));
+    s.walk();
+    s.list(s.source);
+    s.select({QStringLiteral("a.txt")});
+
+    QList<bool> checks;
+    for (int run = 0; run < 2; ++run) {
+        ModalWatcher watcher([&](QWidget *modal) {
+            auto *form = qobject_cast<frmSynchronizer *>(modal);
+            if (!form)
+                return false;
+            checks.append(form->chkPrompt->isChecked());
+            form->chkPrompt->setChecked(!form->chkPrompt->isChecked());
+            if (run == 0)
+                form->cmdCancel->click();
+            else
+                form->close(); // the close box cancels too
+            return true;
+        });
+        ShowSynchronizer(&m_owner, SyncDirection::ToSource, &s.listing, s.source, s.destination);
+    }
+    QCOMPARE(checks.size(), 2);
+    QCOMPARE(checks[1], !checks[0]);
+    QCOMPARE(s.read(QStringLiteral("dst/a.txt")), QByteArray("<missing>"));
+}
+
+void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
+    TestTree tree;
+    frmSynchronizer form;
+    const char *names[] = {"b", "c", "a"};
+    for (const char *name : names) {
+        const QByteArray n(name);
+        ListItem row = form.lvwFiles->AddItem(QString::fromLatin1(n), QString::fromLatin1(n));
+        row.setTag(SyncOperationCode);
+        row.setRecord(std::make_shared<ComparisonFile>(
+            FileObject::fromNativePath(tree.nativePath("src/" + n))));
+        form.SetTarget(row, tree.nativePath("dst/" + n));
+    }
+    form.lvwFiles->Item(2).setTag(0); // a row with another code is left out
+    auto order = [&] {
+        QByteArray text;
+        for (const CopyItem &item : form.CopyList(SyncOperationCode))
+            text += item.source.right(1) + item.target.right(1);
+        return text;
+    };
+    QCOMPARE(order(), QByteArray("bbaa"));
+    ColumnHeader *name = form.lvwFiles->Column(1);
+    form.SortByColumn(name);
+    QCOMPARE(order(), QByteArray("aabb"));
+    form.SortByColumn(name);
+    QCOMPARE(order(), QByteArray("bbaa"));
+    QCOMPARE(form.lvwFiles->SortOrder(), Qt::DescendingOrder);
+    form.SortByColumn(form.lvwFiles->Column(4)); // another column starts ascending
+    QCOMPARE(form.lvwFiles->SortOrder(), Qt::AscendingOrder);
+    QCOMPARE(form.lvwFiles->SortKey(), 3);
+}
+
+void tst_Synchronizer::summaryNamesEveryFileNotCopied() {
+    CopyJob job({{"/s/a", "/t/a"}, {"/s/b", "/t/b"}, {"/s/c", "/t/c"}});
+    QString details;
+    QCOMPARE(CopyProgressDialog::SummaryText(
+                 job, std::vector<CopyOutcome>(3, {CopyOutcome::Copied, {}}), &details),
+             QString());
+    const std::vector<CopyOutcome> outcomes = {
+        {CopyOutcome::Copied, {}},
+        {CopyOutcome::Failed, QStringLiteral("No space left on device.")},
+        {CopyOutcome::Skipped, QStringLiteral("Kept the existing file.")}};
+    QCOMPARE(CopyProgressDialog::SummaryText(job, outcomes, &details),
+             QStringLiteral("1 of 3 files copied; 2 not copied:\n\n"
+                            "/t/b: No space left on device.\n/t/c: Kept the existing file."));
+}
+
+QTEST_MAIN(tst_Synchronizer)
+#include "tst_Synchronizer.moc"

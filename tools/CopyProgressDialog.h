@@ -1,0 +1,46 @@
+#pragma once
+
+#include "tools/CopyJob.h"
+
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QProgressDialog>
+
+/**
+ * The one progress window of a copy: bytes and files of the whole job, the file being copied,
+ * and Cancel. It asks the job's questions ("Replace?", "Replace for good?") in message boxes
+ * over itself, and shows a summary of the errors at the end.
+ */
+class CopyProgressDialog : public QProgressDialog, public CopyObserver {
+    Q_OBJECT
+
+public:
+    explicit CopyProgressDialog(QWidget *parent = nullptr);
+
+    /**
+     * Runs \a job under a progress window owned by \a parent, then shows the summary when
+     * anything was not copied. Returns the outcomes.
+     */
+    static std::vector<CopyOutcome> RunCopyJob(QWidget *parent, CopyJob &job);
+
+    /**
+     * The summary of a finished job, "" when every file was copied: how many were copied and,
+     * one per line, each file that was not with the reason.
+     */
+    static QString SummaryText(const CopyJob &job, const std::vector<CopyOutcome> &outcomes,
+                               QString *details);
+
+    ReplaceAnswer askReplace(const CopyItem &item) override;
+    ReplaceAnswer askReplaceWithoutTrash(const CopyItem &item, const QString &reason) override;
+    bool progress(const CopyProgress &progress) override;
+
+private:
+    void showProgress(const CopyProgress &progress);
+    ReplaceAnswer ask(QMessageBox::Icon icon, const QString &text,
+                      QMessageBox::StandardButton defaultButton);
+
+    const CopyJob *m_job = nullptr;
+    QElapsedTimer m_sinceEvents;
+    QElapsedTimer m_sincePaint;
+    int m_shownItem = -2;
+};

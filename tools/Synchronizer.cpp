@@ -1,0 +1,122 @@
+#include "tools/Synchronizer.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "engine/PathHelpers.h"
+#include "tools/CopyJob.h"
+#include "tools/CopyProgressDialog.h"
+#include "tools/FileIcons.h"
+#include "tools/frmSynchronizer.h"
+#include "views/ListView.h"
+
+#include <QCheckBox>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+#include <sys/stat.h>
+
+namespace {
+
+/** True when something other than a folder is at \a path: the copy would replace it. */
+bool targetTaken(const QByteArray &path) {
+    struct stat st {};
+    return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
+}
+
+/** The review dialog is made once and kept, so "Prompt before overwriting" lasts until exit. */
+frmSynchronizer *reviewDialog(QWidget *owner) {
+    static QPointer<frmSynchronizer> form;
+    if (!form)
+        form = new frmSynchronizer(owner);
+    return form;
+}
+
+} // namespace
+
+QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &to) {
+    if (const ComparisonFilePtr counterpart = to.Counterpart(file);
+        counterpart && counterpart->HasFileObject())
+        return counterpart->NativePath();
+    QByteArray root = to.RootFolderNative();
+    if (root.isEmpty())
+        return {};
+    // The path below the root, put below the other root: the root is replaced once, at the
+    // start, whatever the rest of the path contains.
+    if (!root.endsWith('/'))
+        root += '/';
+    return root + file.RelativeNativePath();
+}
+
+QString SyncCountText(int count) {
+    return QStringLiteral("  ") + QLocale().toString(count) + QStringLiteral(" files to copy.");
+}
+
+ListItem AddToSynchronizer(const ComparisonFilePtr &file, ListView *lvwSync, ImageList *Images) {
+    if (!file || !lvwSync)
+        return {};
+    if (!file->DetailsLoaded())
+        file->UpdateDetails();
+    if (!file->HasFileObject() || !IsValidFileObject(file->FileObject()))
+        return {};
+    ListItem row = lvwSync->AddItem(file->Key(), file->Name());
+    if (!row)
+        return {};
+    row.setSubItems(1, RemoveBackslash(file->ParentFolder()));
+    row.setRecord(file);
+    if (Images) {
+        if (!lvwSync->SmallIcons())
+            lvwSync->setSmallIcons(Images);
+        row.setSmallIcon(FileIconIndex(Images, *file));
+    }
+    return row;
+}
+
+void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromListing,
+                      const ComparisonFileCollection &from, const ComparisonFileCollection &to) {
+    if (!fromListing)
+        return;
+    frmSynchronizer *form = reviewDialog(owner);
+    form->setWindowTitle(direction == SyncDirection::ToDestination
+                             ? QStringLiteral("copy to destination")
+                             : QStringLiteral("copy to source"));
+    form->cmdOK->setText(QStringLiteral("&Copy"));
+    form->Clear();
+
+    const std::vector<bool> selected = fromListing->SelectedRows();
+    for (size_t i = 0; i < selected.size(); ++i) {
+        if (!selected[i])
+            continue;
+        const ListItem item = fromListing->Item(int(i) + 1);
+        ComparisonFilePtr file = from.Item(item.Key());
+        if (!file)
+            file = item.Record();
+        if (!file || !file->HasFileObject() || !IsValidFileObject(file->FileObject()))
+            continue; // the file does not exist on the from side
+        const QByteArray target = SyncTarget(*file, to);
+        if (target.isEmpty())
+            continue;
+        ListItem row = AddToSynchronizer(file, form->lvwFiles, form->ImageList1);
+        if (!row)
+            continue;
+        row.setSubItems(2, targetTaken(target) ? QStringLiteral("Copy (overwrite)")
+                                               : QStringLiteral("Copy (new)"));
+        row.setSubItems(3, DisplayFromNative(target));
+        row.setTag(SyncOperationCode);
+        form->SetTarget(row, target);
+    }
+
+    const int count = form->lvwFiles->ItemCount();
+    if (count == 0) {
+        QMessageBox::information(owner, QStringLiteral("Pairscope"),
+                                 QStringLiteral("No files to copy."));
+        return;
+    }
+    form->SetStatusText(SyncCountText(count));
+    if (!form->ShowOver(owner))
+        return;
+
+    CopyJob job(form->CopyList(SyncOperationCode));
+    job.setPromptBeforeOverwriting(form->chkPrompt->isChecked());
+    CopyProgressDialog::RunCopyJob(owner, job);
+}
