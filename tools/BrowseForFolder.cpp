@@ -45,6 +45,7 @@ public:
         const QStringList chosen = selectedFiles();
         if (!m_root.isEmpty() && (chosen.isEmpty() || !isInside(chosen.first(), m_root))) {
             setDirectory(m_root);
+            selectFile(QString());
             return;
         }
         QFileDialog::accept();
