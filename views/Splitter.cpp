@@ -91,12 +91,7 @@ void Splitter::setContainer(QWidget *container) {
     m_handle->installEventFilter(this);
     m_handle->show();
     updateCursor();
-    for (QWidget *pane : {m_first.data(), m_second.data()}) {
-        if (pane && pane->parentWidget() != m_container) {
-            pane->setParent(m_container);
-            pane->show();
-        }
-    }
+    adoptPanes();
     Resize();
 }
 
@@ -130,17 +125,22 @@ void Splitter::setMaximumSize(int index, int size) {
 void Splitter::Bind(QWidget *first, QWidget *second) {
     m_first = first;
     m_second = second;
-    if (m_container) {
-        for (QWidget *pane : {first, second}) {
-            if (pane && pane->parentWidget() != m_container) {
-                pane->setParent(m_container);
-                pane->show();
-            }
-        }
-        if (m_handle)
-            m_handle->raise();
-    }
+    adoptPanes();
     layOut();
+}
+
+void Splitter::adoptPanes() {
+    if (!m_container)
+        return;
+    for (QWidget *pane : {m_first.data(), m_second.data()}) {
+        if (pane && pane->parentWidget() != m_container) {
+            pane->setParent(m_container);
+            pane->show();
+        }
+    }
+    // The handle stays on top, so that no pane hides it where they meet.
+    if (m_handle)
+        m_handle->raise();
 }
 
 void Splitter::MouseDown(Qt::MouseButton button, Qt::KeyboardModifiers, int x, int y) {

@@ -124,6 +124,8 @@ private:
     /** \a position after the designed clamping against the sizes and the extent. */
     int clamped(int position) const;
     void layOut();
+    /** Makes the bound panes children of the container. */
+    void adoptPanes();
     QRect barRectAt(int position) const;
     void drawBar(int position);
     void eraseBar();
