@@ -1,0 +1,101 @@
+#include "tools/DiffProgram.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "settings/Options.h"
+#include "tools/frmSelectDiff.h"
+#include "views/ListView.h"
+
+#include <QAction>
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMessageBox>
+
+#include <gio/gio.h>
+
+namespace {
+
+QByteArray belowRoot(const ComparisonFile &file, const ComparisonFileCollection &other) {
+    QByteArray root = other.RootFolderNative();
+    if (!root.endsWith('/'))
+        root += '/';
+    return root + file.RelativeNativePath();
+}
+
+} // namespace
+
+bool IsDiffProgram(const QString &path) {
+    if (path.isEmpty())
+        return false;
+    const QFileInfo info(path);
+    return info.isFile() && info.isExecutable();
+}
+
+void LoadDiffProgram(QAction *mnuToolsDiff) {
+    if (!mnuToolsDiff)
+        return;
+    const QString path = Options::diffEXE();
+    mnuToolsDiff->setData(IsDiffProgram(path) ? path : QString());
+}
+
+void SelectDiffProgram(QWidget *owner, QAction *mnuToolsDiff) {
+    frmSelectDiff form(owner);
+    // The dialog shows the program in use, not the saved text: a saved name that no longer
+    // exists opens as an empty box.
+    form.txtDiff->setText(mnuToolsDiff ? mnuToolsDiff->data().toString() : QString());
+    if (!form.ShowOver(owner))
+        return;
+    Options::setDiffEXE(form.txtDiff->text());
+    LoadDiffProgram(mnuToolsDiff);
+}
+
+DiffPair DiffPaths(const ComparisonFile &file, int side, const ComparisonFileCollection &source,
+                   const ComparisonFileCollection &destination) {
+    const ComparisonFileCollection &other = side == 0 ? destination : source;
+    QByteArray otherPath;
+    if (const ComparisonFilePtr counterpart = other.Counterpart(file))
+        otherPath = counterpart->NativePath();
+    else
+        otherPath = belowRoot(file, other);
+    if (side == 0)
+        return {file.NativePath(), otherPath};
+    return {otherPath, file.NativePath()};
+}
+
+bool LaunchDiffProgram(const QString &program, const DiffPair &pair, QString *error) {
+    const QByteArray executable = QFile::encodeName(program);
+    char *argv[] = {const_cast<char *>(executable.constData()),
+                    const_cast<char *>(pair.source.constData()),
+                    const_cast<char *>(pair.destination.constData()), nullptr};
+    // No child pid asked for: GLib starts the program through an intermediate child and
+    // reaps it, so the program runs on by itself. An exec failure comes back as an error.
+    GError *gerror = nullptr;
+    const bool started =
+        g_spawn_async(nullptr, argv, nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, &gerror);
+    if (!started && error)
+        *error = gerror ? QString::fromUtf8(gerror->message) : QString();
+    if (gerror)
+        g_error_free(gerror);
+    return started;
+}
+
+void ExamineDifferences(QWidget *owner, const QString &program, const ListView *listing, int side,
+                        const ComparisonFileCollection &source,
+                        const ComparisonFileCollection &destination) {
+    if (program.isEmpty() || !listing || (side != 0 && side != 1))
+        return;
+    const ListItem selected = listing->SelectedItem();
+    if (!selected)
+        return;
+    const ComparisonFileCollection &own = side == 0 ? source : destination;
+    ComparisonFilePtr file = own.Item(selected.Key());
+    if (!file)
+        file = selected.Record();
+    if (!file)
+        return;
+    QString error;
+    if (!LaunchDiffProgram(program, DiffPaths(*file, side, source, destination), &error))
+        QMessageBox::warning(
+            owner, QStringLiteral("Pairscope"),
+            QStringLiteral("The diff program could not be started:\n%1").arg(error));
+}
