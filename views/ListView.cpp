@@ -22,6 +22,8 @@ ListView::ListView(QWidget *parent)
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    // Vertical scrolling moves whole rows, so that two lists of equal row height line up.
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setSortingEnabled(false);
 
     QHeaderView *bar = header();
@@ -372,6 +374,31 @@ int ListView::TopRow() const {
     if (top.isValid())
         return top.row();
     return m_model->rowCount() > 0 ? 0 : -1;
+}
+
+int ListView::ItemTop(int row) const {
+    if (row < 0 || row >= m_model->rowCount())
+        return 0;
+    const_cast<ListView *>(this)->executeDelayedItemsLayout();
+    for (int column = 0; column < m_model->columnTotal(); ++column) {
+        const QRect rect = visualRect(m_model->index(row, column));
+        if (rect.isValid() || rect.height() > 0)
+            return rect.top();
+    }
+    // No column to measure: rows are of uniform height, counted from the top row.
+    return (row - verticalScrollBar()->value()) * std::max(1, sizeHintForRow(0));
+}
+
+void ListView::ScrollVertically(int pixels) {
+    m_model->flush();
+    executeDelayedItemsLayout();
+    if (m_model->rowCount() == 0)
+        return;
+    const int height = std::max(1, indexRowSizeHint(m_model->index(0, 0)));
+    // A half row or more counts as a row, in either direction.
+    const long rows = std::lround(double(pixels) / height);
+    QScrollBar *bar = verticalScrollBar();
+    bar->setValue(bar->value() + int(rows));
 }
 
 ImageList *ListView::SmallIcons() const {

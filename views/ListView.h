@@ -122,6 +122,16 @@ public:
     void SetFocusedRow(int row);
     /** Zero-based row shown at the top, or -1 for an empty list. */
     int TopRow() const;
+    /**
+     * The top edge of zero-based \a row in the list's viewport, in pixels: negative for a row
+     * scrolled out above. 0 for a row that does not exist.
+     */
+    int ItemTop(int row) const;
+    /**
+     * Scrolls by \a pixels (positive: the rows move up), in whole rows: the amount is rounded
+     * to the nearest number of rows, as a report list scrolls.
+     */
+    void ScrollVertically(int pixels);
     ///@}
 
     /** The image list the rows' small icons index; not owned. */

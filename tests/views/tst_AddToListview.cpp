@@ -1,0 +1,158 @@
+#include "engine/ComparisonFileCollection.h"
+#include "engine/IconKey.h"
+#include "support/TestTree.h"
+#include "views/AddToListview.h"
+#include "views/ColumnLayout.h"
+#include "views/FileIconCache.h"
+#include "views/ImageList.h"
+#include "views/ListColumns.h"
+#include "views/ListView.h"
+
+#include <QFile>
+#include <QLocale>
+#include <QTest>
+
+/** Rows made from real records, and the icons they share. */
+class tst_AddToListview : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void rowFromRecord_data();
+    void rowFromRecord();
+    void listingAgainUpdatesTheRow();
+    void iconKeys_data();
+    void iconKeys();
+    void iconsAreShared();
+    void fileWithoutIconShowsImageOne();
+
+private:
+    ComparisonFilePtr record(const QString &relative) const;
+
+    TestTree m_tree;
+    ComparisonFileCollection m_files;
+};
+
+void tst_AddToListview::initTestCase() {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    QVERIFY(m_tree.write(QStringLiteral("Notes.TXT"), "hello"));
+    QVERIFY(m_tree.write(QStringLiteral("sub/other.txt"), "x"));
+    QVERIFY(m_tree.write(QStringLiteral("sub/tool.exe"), "MZ"));
+    QVERIFY(m_tree.write(QStringLiteral("sub/setup.exe"), "MZ"));
+    QVERIFY(m_tree.write(QStringLiteral("sub/gone.txt"), "soon gone"));
+    m_files.setRootFolder(m_tree.root());
+    QCOMPARE(m_files.Count(), 5);
+}
+
+ComparisonFilePtr tst_AddToListview::record(const QString &relative) const {
+    return m_files.Item(m_tree.path(relative).toLower());
+}
+
+void tst_AddToListview::rowFromRecord_data() {
+    QTest::addColumn<bool>("fullPath");
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("folder below the root") << false << "sub";
+    QTest::newRow("full path") << true << "";
+}
+
+void tst_AddToListview::rowFromRecord() {
+    QFETCH(bool, fullPath);
+    QFETCH(QString, folder);
+    if (fullPath)
+        folder = m_tree.path(QStringLiteral("sub"));
+    ListView list;
+    ColumnLayout::LoadLayout(&list, false, true);
+    const ComparisonFilePtr file = record(QStringLiteral("sub/other.txt"));
+    file->setDifferenceCode(4);
+    const ListItem item = AddToListview(file, &list, nullptr, fullPath);
+    QCOMPARE(item.Key(), m_tree.path(QStringLiteral("sub/other.txt")).toLower());
+    QCOMPARE(item.Text(), QStringLiteral("other.txt"));
+    QCOMPARE(item.Tag().toInt(), 4);
+    QCOMPARE(item.Record(), file);
+    const auto text = [&](int type) {
+        return item.SubItems(list.ColumnByKey(ColumnKey(type))->SubItemIndex());
+    };
+    QCOMPARE(text(2), folder);
+    QCOMPARE(text(3), QStringLiteral("1 bytes"));
+    QCOMPARE(text(9), QStringLiteral("size is different"));
+    QCOMPARE(item.SmallIcon(), 0);
+}
+
+void tst_AddToListview::listingAgainUpdatesTheRow() {
+    ListView list;
+    ColumnLayout::LoadLayout(&list, false, true);
+    const ComparisonFilePtr file = record(QStringLiteral("Notes.TXT"));
+    file->setDifferenceCode(7);
+    AddToListview(file, &list, nullptr, false);
+    file->setDifferenceCode(1);
+    const ListItem again = AddToListview(file, &list, nullptr, false);
+    QCOMPARE(list.ItemCount(), 1);
+    QCOMPARE(again.Tag().toInt(), 1);
+    QCOMPARE(again.SubItems(list.ColumnByKey(ColumnKey(9))->SubItemIndex()), QString());
+}
+
+void tst_AddToListview::iconKeys_data() {
+    QTest::addColumn<QString>("relative");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("folder") << "sub"
+                            << ":";
+    QTest::newRow("missing path gives the fallback") << "sub/none.txt"
+                                                     << "fallback";
+    QTest::newRow("program keyed by its path") << "sub/tool.exe"
+                                               << "<path>";
+    QTest::newRow("document keyed by its type") << "Notes.TXT"
+                                                << "<type>";
+}
+
+void tst_AddToListview::iconKeys() {
+    QFETCH(QString, relative);
+    QFETCH(QString, expected);
+    const QString path = m_tree.path(relative);
+    if (expected == QLatin1String("<path>"))
+        expected = path.toLower();
+    else if (expected == QLatin1String("<type>"))
+        expected = record(relative)->TypeString().toLower();
+    QCOMPARE(IconKey(path, QStringLiteral("fallback")), expected);
+    // A listed record gives the same key from its details, without asking the disk.
+    if (const ComparisonFilePtr file = record(relative)) {
+        file->UpdateDetails();
+        QCOMPARE(RecordIconKey(*file), expected);
+    }
+}
+
+void tst_AddToListview::iconsAreShared() {
+    ImageList images;
+    ListView list;
+    ColumnLayout::LoadLayout(&list, false, true);
+    for (const char *name : {"Notes.TXT", "sub/other.txt", "sub/tool.exe", "sub/setup.exe"})
+        AddToListview(record(QString::fromLatin1(name)), &list, &images, false);
+    QCOMPARE(list.SmallIcons(), &images);
+    // The two text files share one image; each program has its own.
+    QCOMPARE(images.Count(), 3);
+    QCOMPARE(list.Item(1).SmallIcon(), list.Item(2).SmallIcon());
+    QVERIFY(list.Item(3).SmallIcon() != list.Item(4).SmallIcon());
+    QVERIFY(list.Item(1).SmallIcon() != list.Item(3).SmallIcon());
+    QVERIFY(!images.Icon(list.Item(1).SmallIcon()).isNull());
+    // A folder has an icon of its own kind.
+    QCOMPARE(FileIconCache::AddFileIcon(&images, QFile::encodeName(m_tree.path("sub"))),
+             QStringLiteral(":"));
+    QCOMPARE(images.Count(), 4);
+}
+
+void tst_AddToListview::fileWithoutIconShowsImageOne() {
+    const ComparisonFilePtr file = record(QStringLiteral("sub/gone.txt"));
+    file->UpdateDetails();
+    QVERIFY(QFile::remove(m_tree.path(QStringLiteral("sub/gone.txt"))));
+    QVERIFY(FileIconCache::GetFileIconPicture(file->NativePath()).isNull());
+
+    ImageList images;
+    images.Add(QStringLiteral("first"), QIcon());
+    ListView list;
+    ColumnLayout::LoadLayout(&list, false, true);
+    const ListItem item = AddToListview(file, &list, &images, false);
+    QCOMPARE(images.Count(), 1);
+    QCOMPARE(item.SmallIcon(), 1);
+}
+
+QTEST_MAIN(tst_AddToListview)
+#include "tst_AddToListview.moc"

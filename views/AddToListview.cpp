@@ -1,0 +1,49 @@
+#include "views/AddToListview.h"
+
+#include "views/FileIconCache.h"
+#include "views/ImageList.h"
+#include "views/ListColumns.h"
+#include "views/ListHelpers.h"
+#include "views/ListView.h"
+
+QString RecordIconKey(const ComparisonFile &record) {
+    if (!record.HasFileObject() || record.Kind() == FileKind::Missing)
+        return record.TypeString();
+    const QString name = record.Name();
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    const QStringView extension = dot < 0 ? QStringView() : QStringView(name).mid(dot + 1);
+    if (extension.compare(QLatin1String("exe"), Qt::CaseInsensitive) == 0 ||
+        extension.compare(QLatin1String("ico"), Qt::CaseInsensitive) == 0)
+        return record.Path().toLower();
+    return record.TypeString().toLower();
+}
+
+ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageList *images,
+                       bool showFullPath) {
+    if (!record->DetailsLoaded())
+        record->UpdateDetails();
+    ListItem item = GetOrAddListItem(list, record->Key(), record->Name());
+    if (!item)
+        return item;
+    item.setTag(record->DifferenceCode());
+    item.setRecord(record);
+
+    for (int i = 1; i <= list->ColumnCount(); ++i) {
+        const ColumnHeader *column = list->Column(i);
+        const int type = ColumnTypeFromKey(column->Key());
+        // The first column created shows the item text, the name.
+        if (type < 2 || type > ColumnTypeCount || column->SubItemIndex() == 0)
+            continue;
+        item.setSubItems(column->SubItemIndex(), record->ColumnString(type, showFullPath));
+    }
+
+    if (images) {
+        const QString key = RecordIconKey(*record);
+        FileIconCache::AddFileIcon(images, record->NativePath(), key);
+        if (!list->SmallIcons())
+            list->setSmallIcons(images);
+        const int index = FileIconCache::ImageIndexOfKey(images, key);
+        item.setSmallIcon(index > 0 ? index : 1);
+    }
+    return item;
+}

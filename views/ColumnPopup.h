@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include <array>
+
+class LinkedListings;
+class ListView;
+class QAction;
+class QMenu;
+class QPoint;
+class QWidget;
+
+/**
+ * The menu a right-click on a listing's column header opens: one check item per column
+ * type ("Name" always shown, so never switchable), then "Show All", "Hide All" and "Reset
+ * Layout". A change applies to both listings while they are linked, otherwise to the list
+ * whose header was clicked; UpdateListView() then asks for the rows' texts of each changed
+ * list.
+ */
+class ColumnPopup : public QObject {
+    Q_OBJECT
+
+public:
+    /** Builds the menu and opens it on a right-click on either list's header. */
+    ColumnPopup(LinkedListings *listings, QWidget *parent);
+
+    /** The menu (mnuColumnPopup). */
+    QMenu *menu() const { return m_menu; }
+    /** The check item of column type \a type (1..9); null outside. */
+    QAction *columnAction(int type) const;
+    QAction *showAllAction() const { return m_showAll; }
+    QAction *hideAllAction() const { return m_hideAll; }
+    QAction *resetLayoutAction() const { return m_resetLayout; }
+    /** The list the menu was last opened on (its tag). */
+    ListView *tag() const { return m_tag; }
+
+    /** Checks exactly the items of the columns \a list has. */
+    void SyncColumnMenu(const ListView *list);
+    /**
+     * Removes the columns whose items are unchecked and appends those that are checked but
+     * missing, with the default width. An appended column is left-aligned whatever its type
+     * (a "Size" column shown again this way is right-aligned only from the next layout load).
+     */
+    void ApplyColumnMenu(ListView *list);
+    /** Syncs the menu with \a list, makes \a list its tag and shows it at \a position. */
+    void Open(ListView *list, const QPoint &position);
+
+Q_SIGNALS:
+    /** The columns of list \a side (0 source, 1 destination) changed. */
+    void UpdateListView(int side);
+
+private:
+    void apply();
+    void resetLayout();
+    void setOptionalChecks(bool checked);
+    int sideOfTag() const;
+
+    LinkedListings *m_listings;
+    QMenu *m_menu;
+    std::array<QAction *, 9> m_columns{};
+    QAction *m_showAll;
+    QAction *m_hideAll;
+    QAction *m_resetLayout;
+    QPointer<ListView> m_tag;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QIcon>
+#include <QString>
+
+class ImageList;
+
+/**
+ * Small file icons, kept once per kind of file in an ImageList under the key IconKey gives
+ * (the lower-cased type name, so that all files of one type share one image; a full path for
+ * the "exe" and "ico" files that carry their own; ":" for a folder).
+ */
+namespace FileIconCache {
+
+/**
+ * Makes sure \a images holds the icon of the file at \a nativePath: computes its key and,
+ * when no image has that key yet, adds the file's icon under it. A file with no icon (one
+ * that does not exist) adds nothing. Returns the key.
+ */
+QString AddFileIcon(ImageList *images, const QByteArray &nativePath);
+
+/** Same with the key already known. */
+void AddFileIcon(ImageList *images, const QByteArray &nativePath, const QString &key);
+
+/**
+ * The icon the desktop shows for the file at \a nativePath: the folder icon, an icon file's
+ * own picture, or the icon of its MIME type (from the icon theme, else the style's generic
+ * file icon). A null icon when the path does not exist.
+ */
+QIcon GetFileIconPicture(const QByteArray &nativePath);
+
+/** The one-based index of the image with \a key in \a images; -1 when absent or no list. */
+int ImageIndexOfKey(const ImageList *images, const QString &key);
+
+} // namespace FileIconCache

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <vector>
+
+class ColumnHeader;
+class ComparisonFileCollection;
+class ListView;
+
+/**
+ * The two result listings, source (side 0) and destination (side 1), and what couples them
+ * while View > Link File Listings is checked: the same columns, sorting together, the same
+ * vertical scroll position, and a selection made in one mirrored in the other by file (each
+ * row's counterpart is the row whose key is its own moved from one root to the other).
+ * Sorting on a header click is handled here in both states.
+ *
+ * The window keeps the link option; it calls setLinked() at start-up and SwitchLinking()
+ * from the menu command, and answers UpdateListView() by rewriting the rows' sub-item texts
+ * of that list after its columns changed.
+ */
+class LinkedListings : public QObject {
+    Q_OBJECT
+
+public:
+    /** The file collection of a side (0 or 1), or null when there is none yet. */
+    using Collections = std::function<const ComparisonFileCollection *(int side)>;
+
+    LinkedListings(ListView *source, ListView *destination, Collections collections,
+                   QObject *parent = nullptr);
+
+    ListView *list(int side) const { return m_lists[size_t(side)]; }
+
+    bool isLinked() const { return m_linked; }
+    /**
+     * Sets the link state without the switching procedure (at start-up, after the window has
+     * matched the columns); starts the scroll follower when on.
+     */
+    void setLinked(bool linked);
+
+    /**
+     * The switching procedure, after the option has been stored. Switching on copies the
+     * source list's columns to the destination list (UpdateListView(1) follows), mirrors the
+     * source selection, and sorts the destination list like the source list: the header
+     * used is the source header whose one-based index equals the source's zero-based sort
+     * key, which is the column created just before the sorted one, as the program has always
+     * done; when there is no such header (sorted on the first column created) both lists are
+     * sorted as by a click on the source list's first header. Switching off leaves columns,
+     * order and selection as they are.
+     */
+    void SwitchLinking(bool linked);
+
+    /**
+     * A click on a header of list \a side: the same column again toggles the direction,
+     * another column sorts ascending. The clicked list is sorted with the source collection,
+     * and when linked the other list with the destination collection, whichever list was
+     * clicked: the program has always paired them by the order of the calls.
+     */
+    void ColumnClick(int side, const ColumnHeader *column);
+
+    /**
+     * Sets every row of the other list selected exactly when its counterpart in list
+     * \a modelSide is selected (rows without one are deselected), then MirrorFocus().
+     */
+    void MirrorSelection(int modelSide);
+    /**
+     * Puts the other list's focus on the row at the same position as the focused row of
+     * list \a modelSide. The focused row is searched from the second row on, so focus on the
+     * first row (or none) is not copied.
+     */
+    void MirrorFocus(int modelSide);
+
+    /**
+     * One tick of the scroll follower: stops the timer once linking is off; otherwise, when
+     * both lists have rows, scrolls the follower so that its first row's top matches the
+     * leader's (the source list leads while it has the focus, else the destination list),
+     * nudging it by +16, -32 and -1 pixels when two lists of equal height still differ.
+     */
+    void ScrollTick();
+
+    /** Ticks every ~30 ms while linked. */
+    QTimer &scrollTimer() { return m_scrollTimer; }
+
+Q_SIGNALS:
+    /** The columns of list \a side changed: its rows' sub-item texts must be rewritten. */
+    void UpdateListView(int side);
+
+private:
+    const ComparisonFileCollection *collection(int side) const;
+    QString rootFolder(int side) const;
+    const std::vector<int> &counterparts(int fromSide);
+
+    std::array<ListView *, 2> m_lists;
+    Collections m_collections;
+    bool m_linked = false;
+    bool m_mirroring = false;
+    QTimer m_scrollTimer;
+
+    /** Per side: the row of each of its rows' counterparts in the other list, or -1. */
+    struct CounterpartCache {
+        std::vector<int> rows;
+        QString fromRoot;
+        QString toRoot;
+        bool valid = false;
+    };
+    std::array<CounterpartCache, 2> m_counterparts;
+};

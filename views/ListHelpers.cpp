@@ -1,0 +1,23 @@
+#include "views/ListHelpers.h"
+
+#include "views/ListView.h"
+
+ListItem GetOrAddListItem(ListView *list, const QString &key, const QString &text) {
+    const QString lower = key.toLower();
+    if (ListItem item = list->ItemByKey(lower))
+        return item;
+    return list->AddItem(lower, text);
+}
+
+ListItem GetListItemByKey(const ListView *list, const QString &key) {
+    return list->ItemByKey(key.toLower());
+}
+
+ColumnHeader *GetColumnByKey(const ListView *list, const QString &key) {
+    return list->ColumnByKey(key);
+}
+
+void RemoveColumn(ListView *list, const QString &key) {
+    if (const ColumnHeader *column = list->ColumnByKey(key))
+        list->RemoveColumnAt(column->Index());
+}
