@@ -1,0 +1,70 @@
+#include "MainMenuBar.h"
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace {
+
+QAction *checkItem(QMenu *menu, const QString &caption) {
+    QAction *item = menu->addAction(caption);
+    item->setCheckable(true);
+    return item;
+}
+
+} // namespace
+
+MainMenuBar::MainMenuBar(QMenuBar *bar) {
+    mnuFile = bar->addMenu(QStringLiteral("&File"));
+    mnuFileSelectPath[0] = mnuFile->addAction(QStringLiteral("Select &Source Folder..."));
+    mnuFileSelectPath[1] = mnuFile->addAction(QStringLiteral("Select &Destination Folder..."));
+    mnuFileZ1 = mnuFile->addSeparator();
+    mnuFileCompare = mnuFile->addAction(compareCaption());
+    mnuFileZ2 = mnuFile->addSeparator();
+    mnuFileClear = mnuFile->addAction(QStringLiteral("C&lear Display"));
+    mnuFileZ3 = mnuFile->addSeparator();
+    mnuFileIncludeSlack = checkItem(mnuFile, QStringLiteral("Include &2-Second Slack For Dates"));
+    mnuFileSelectDiff = mnuFile->addAction(QStringLiteral("Select Di&ff Program..."));
+    mnuFileOptions = mnuFile->addAction(QStringLiteral("&Reset Options"));
+    mnuFileZ4 = mnuFile->addSeparator();
+    mnuFileExit = mnuFile->addAction(QStringLiteral("E&xit"));
+
+    mnuEdit = bar->addMenu(QStringLiteral("&Edit"));
+    mnuEditSelectAll = mnuEdit->addAction(QStringLiteral("Select &All"));
+    mnuEditClearSelections = mnuEdit->addAction(QStringLiteral("&Clear Selections"));
+
+    mnuView = bar->addMenu(QStringLiteral("&View"));
+    mnuViewLink = checkItem(mnuView, QStringLiteral("&Link File Listings"));
+    mnuViewMissing = checkItem(mnuView, QStringLiteral("Use &Missing File Placeholders"));
+    mnuViewZ1 = mnuView->addSeparator();
+    mnuViewFullPath = checkItem(mnuView, QStringLiteral("Show &Full Path"));
+    mnuViewAllFiles = checkItem(mnuView, QStringLiteral("Show A&ll Files"));
+    mnuViewBold = checkItem(mnuView, QStringLiteral("Bold Different Files"));
+    mnuViewZ2 = mnuView->addSeparator();
+    auto *orientations = new QActionGroup(mnuView);
+    mnuViewOrientation[0] = checkItem(mnuView, QStringLiteral("&Horizontal Orientation"));
+    mnuViewOrientation[1] = checkItem(mnuView, QStringLiteral("&Vertical Orientation"));
+    for (QAction *item : mnuViewOrientation)
+        orientations->addAction(item);
+    mnuViewZ3 = mnuView->addSeparator();
+    mnuViewAlwaysOnTop = checkItem(mnuView, QStringLiteral("&Always On Top"));
+
+    mnuTools = bar->addMenu(QStringLiteral("&Tools"));
+    mnuToolsOpenContainingFolder = mnuTools->addAction(QStringLiteral("&Open Containing Folder"));
+    mnuToolsDiff = mnuTools->addAction(QStringLiteral("Examine Di&fferences"));
+    mnuToolsZ1 = mnuTools->addSeparator();
+    mnuToolsCopyToSource = mnuTools->addAction(QStringLiteral("Copy to &Source..."));
+    mnuToolsCopyToDest = mnuTools->addAction(QStringLiteral("Copy to &Destination..."));
+
+    mnuHelp = bar->addMenu(QStringLiteral("&Help"));
+    mnuHelpAbout = mnuHelp->addAction(QStringLiteral("&About"));
+}
+
+QString MainMenuBar::compareCaption() {
+    // The text after the tab is shown as the item's key hint: Enter presses the default button.
+    return QStringLiteral("&Compare\tEnter");
+}
+
+QString MainMenuBar::cancelCaption() {
+    return QStringLiteral("Cancel");
+}

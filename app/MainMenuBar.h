@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QObject>
+
+#include <array>
+
+class QAction;
+class QMenu;
+class QMenuBar;
+
+/**
+ * The main window's menu bar: every menu and item with its caption, access key, separators and
+ * check items. The window connects the items to its handlers; this class only builds them.
+ */
+class MainMenuBar {
+public:
+    /** Builds the whole menu bar into \a bar. Check items start unchecked. */
+    explicit MainMenuBar(QMenuBar *bar);
+
+    /** File > Compare's caption for the idle state: the Enter key starts a compare. */
+    static QString compareCaption();
+    /** File > Compare's caption while a run is in progress. */
+    static QString cancelCaption();
+
+    QMenu *mnuFile = nullptr;
+    std::array<QAction *, 2> mnuFileSelectPath{};
+    QAction *mnuFileZ1 = nullptr;
+    QAction *mnuFileCompare = nullptr;
+    QAction *mnuFileZ2 = nullptr;
+    QAction *mnuFileClear = nullptr;
+    QAction *mnuFileZ3 = nullptr;
+    QAction *mnuFileIncludeSlack = nullptr;
+    QAction *mnuFileSelectDiff = nullptr;
+    QAction *mnuFileOptions = nullptr;
+    QAction *mnuFileZ4 = nullptr;
+    QAction *mnuFileExit = nullptr;
+
+    QMenu *mnuEdit = nullptr;
+    QAction *mnuEditSelectAll = nullptr;
+    QAction *mnuEditClearSelections = nullptr;
+
+    QMenu *mnuView = nullptr;
+    QAction *mnuViewLink = nullptr;
+    QAction *mnuViewMissing = nullptr;
+    QAction *mnuViewZ1 = nullptr;
+    QAction *mnuViewFullPath = nullptr;
+    QAction *mnuViewAllFiles = nullptr;
+    QAction *mnuViewBold = nullptr;
+    QAction *mnuViewZ2 = nullptr;
+    /** Index 0 stacks the panes, index 1 puts them side by side; exactly one is checked. */
+    std::array<QAction *, 2> mnuViewOrientation{};
+    QAction *mnuViewZ3 = nullptr;
+    QAction *mnuViewAlwaysOnTop = nullptr;
+
+    QMenu *mnuTools = nullptr;
+    QAction *mnuToolsOpenContainingFolder = nullptr;
+    QAction *mnuToolsDiff = nullptr;
+    QAction *mnuToolsZ1 = nullptr;
+    QAction *mnuToolsCopyToSource = nullptr;
+    QAction *mnuToolsCopyToDest = nullptr;
+
+    QMenu *mnuHelp = nullptr;
+    QAction *mnuHelpAbout = nullptr;
+};

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "engine/ComparisonFile.h"
+
+#include <array>
+
+class ComparisonFileCollection;
+class ImageList;
+class ListView;
+
+/**
+ * Decides which records of the two collections are listed and brings the two result lists
+ * up to date: pair by pair during a compare, and in place when a View option changes, so
+ * that rows that stay keep their place.
+ */
+class ResultListing {
+public:
+    /** The View options that decide what is listed and how. */
+    struct ViewState {
+        bool allFiles = false;
+        bool missingPlaceholders = true;
+        bool fullPath = false;
+    };
+
+    /** The tag of a row not yet confirmed by a refresh; no record carries it. */
+    static constexpr int UnconfirmedTag = -2;
+
+    ResultListing(std::array<ListView *, 2> lists, ImageList *icons);
+
+    /**
+     * The listing rule: an identical record (code 1) only with Show All Files; any other
+     * record when it names an existing file, a placeholder only with Use Missing File
+     * Placeholders.
+     */
+    static bool IsListed(const ComparisonFile &record, bool allFiles, bool missingPlaceholders);
+
+    /** Lists a pair the engine has just settled; code 0 lists nothing. */
+    void ListPair(const ComparisonFilePtr &sourceFile, const ComparisonFilePtr &destFile,
+                  int comparisonResult, const ViewState &view);
+
+    /**
+     * Re-decides both lists from the collections: rows that still qualify stay where they
+     * are and are refreshed, rows that newly qualify are appended, the rest are removed.
+     */
+    void Refresh(const ComparisonFileCollection &sourceFiles,
+                 const ComparisonFileCollection &destFiles, const ViewState &view);
+
+    /**
+     * Rewrites every column text but the first of every row of list \a side from its record
+     * in \a files (the row's key looked up there); rows without a record are left alone.
+     */
+    void UpdateListView(int side, const ComparisonFileCollection *files, bool fullPath);
+
+private:
+    void add(int side, const ComparisonFilePtr &record, bool fullPath);
+
+    std::array<ListView *, 2> m_lists;
+    ImageList *m_icons;
+};

@@ -1,0 +1,211 @@
+#include "Startup.h"
+
+#include "frmMain.h"
+
+#include "views/frmSplash.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPointer>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <cerrno>
+#include <dirent.h>
+#include <exception>
+
+namespace {
+
+/** Quotes a path for the Exec key of a desktop entry. */
+QString desktopExecQuoted(const QString &path) {
+    QString quoted = path;
+    for (const QChar c : {QLatin1Char('\\'), QLatin1Char('"'), QLatin1Char('`'), QLatin1Char('$')})
+        quoted.replace(c, QStringLiteral("\\") + c);
+    // The Exec key is itself unescaped once as a string, so every backslash doubles again.
+    quoted.replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
+    // A percent sign would be read as a field code.
+    quoted.replace(QStringLiteral("%"), QStringLiteral("%%"));
+    return QLatin1Char('"') + quoted + QLatin1Char('"');
+}
+
+/** Escapes a value of a desktop entry's string key. */
+QString desktopString(QString value) {
+    value.replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
+    value.replace(QStringLiteral("\n"), QStringLiteral("\\n"));
+    return value;
+}
+
+const char *const failureMessage =
+    "The file system cannot be read: the root folder could not be listed.\n"
+    "\n"
+    "Reading folders is needed for the Pairscope to function.\n"
+    "You can check the permissions of the root folder \n"
+    "at:  / (for example with the command ls -la /)\n"
+    "\n"
+    "The Pairscope will now exit.\n";
+
+} // namespace
+
+StartupEnvironment StartupEnvironment::system() {
+    StartupEnvironment env;
+    env.IsShiftDown = [] {
+        return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
+    };
+    env.clockMs = [] {
+        static QElapsedTimer clock = [] {
+            QElapsedTimer started;
+            started.start();
+            return started;
+        }();
+        return clock.elapsed();
+    };
+    env.Sleep = [](int ms) { QThread::msleep(ulong(ms)); };
+    env.ScriptingAvailable = [] { return ::ScriptingAvailable(); };
+    return env;
+}
+
+Startup::Startup(StartupEnvironment environment)
+    : m_env(std::move(environment)) {}
+
+void Startup::sampleShift() {
+    if (m_env.IsShiftDown && m_env.IsShiftDown())
+        m_resetPosition = true;
+}
+
+frmMain *Startup::Main(const QStringList &arguments) {
+    m_resetPosition = false;
+    QPointer<frmMain> main;
+    try {
+        QPointer<frmSplash> splash = new frmSplash;
+        splash->setAttribute(Qt::WA_DeleteOnClose);
+        splash->show();
+        splash->FadeIn();
+        while (splash && splash->Alpha() != 255) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            sampleShift();
+            if (splash && splash->Alpha() != 255)
+                m_env.Sleep(5);
+        }
+
+        if (!m_env.ScriptingAvailable()) {
+            QMessageBox::critical(nullptr, QStringLiteral("Pairscope"),
+                                  QString::fromUtf8(failureMessage));
+            UnloadAllForms(false);
+            return nullptr;
+        }
+
+        // The splash stays up at least this long even when the window loads faster, so that
+        // its hint about Shift can be read, and Shift is watched all the while.
+        const qint64 started = m_env.clockMs();
+        for (bool first = true;; first = false) {
+            sampleShift();
+            if (first) {
+                main = new frmMain;
+                main->setAttribute(Qt::WA_DeleteOnClose);
+                sampleShift();
+            }
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            if (m_env.clockMs() - started >= minimumSplashMs)
+                break;
+            m_env.Sleep(5);
+        }
+
+        main->InitializeDisplay();
+        main->LoadPosition(m_resetPosition);
+        main->show();
+        if (splash && main->menus->mnuViewAlwaysOnTop->isChecked()) {
+            // The splash stays in front of the main window while it fades.
+            splash->setWindowFlag(Qt::WindowStaysOnTopHint, true);
+            splash->show();
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+
+        const QString executable = QCoreApplication::applicationFilePath();
+        RegisterAppPath(executable, QFileInfo(executable).absolutePath(), m_env.applicationsFolder);
+
+        const std::array<QString, 2> folders = FoldersFromArguments(arguments);
+        for (int side = 0; side < 2; ++side) {
+            if (!folders[side].isEmpty())
+                main->SelectFolder(side, folders[side]);
+        }
+
+        m_env.Sleep(fadeOutDelayMs);
+        if (splash)
+            splash->FadeOut();
+    } catch (const std::exception &error) {
+        QMessageBox::critical(
+            main, QStringLiteral("Pairscope"),
+            QStringLiteral("Error: %1\n\nSource: main").arg(QString::fromLocal8Bit(error.what())));
+    }
+    return main;
+}
+
+std::array<QString, 2> FoldersFromArguments(const QStringList &arguments) {
+    std::array<QString, 2> folders;
+    for (int side = 0; side < 2 && side < arguments.size(); ++side) {
+        const QFileInfo info(arguments[side]);
+        if (!arguments[side].isEmpty() && info.isDir())
+            folders[side] = arguments[side];
+    }
+    return folders;
+}
+
+bool ScriptingAvailable() {
+    DIR *root = ::opendir("/");
+    if (!root)
+        return false;
+    errno = 0;
+    const bool listed = ::readdir(root) != nullptr || errno == 0;
+    ::closedir(root);
+    return listed;
+}
+
+bool RegisterAppPath(const QString &executable, const QString &folder,
+                     const QString &applicationsFolder) {
+    const QString dir =
+        applicationsFolder.isEmpty()
+            ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                  QStringLiteral("/applications")
+            : applicationsFolder;
+    if (dir.isEmpty() || !QDir().mkpath(dir))
+        return false;
+    const QString entry = QStringLiteral("[Desktop Entry]\n"
+                                         "Type=Application\n"
+                                         "Name=Pairscope\n"
+                                         "GenericName=Folder Comparison\n"
+                                         "Comment=Compare two folder trees file by file\n"
+                                         "Exec=%1 %F\n"
+                                         "Path=%2\n"
+                                         "Terminal=false\n"
+                                         "Categories=Qt;Utility;\n")
+                              .arg(desktopExecQuoted(executable), desktopString(folder));
+    const QString fileName = dir + QStringLiteral("/pairscope.desktop");
+    QFile existing(fileName);
+    if (existing.open(QIODevice::ReadOnly) && existing.readAll() == entry.toUtf8())
+        return true;
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(entry.toUtf8());
+    return file.commit();
+}
+
+void UnloadAllForms(bool includeMain) {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows)
+        window->hide();
+    QCoreApplication::processEvents();
+    // Closing one window may delete others, so each is held by a guarded pointer.
+    QList<QPointer<QWidget>> remaining;
+    for (QWidget *window : QApplication::topLevelWidgets())
+        remaining << window;
+    for (const QPointer<QWidget> &window : remaining) {
+        if (window && (includeMain || window->objectName() != QLatin1String("frmMain")))
+            window->close();
+    }
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QStatusBar>
+#include <QTimer>
+
+class QProgressBar;
+class StatusText;
+
+/**
+ * The main window's status bar: panel 1 shows the status text, panel 2 holds the progress bar
+ * and is shown only while a percentage is reported.
+ *
+ * Progress texts arrive once per file; they are painted at most every ~30 ms, and the latest
+ * one is always painted in the end, so that a fast walk costs no repaint per file. Final
+ * texts are shown at once and replace any pending progress text.
+ */
+class StatusLine : public QStatusBar {
+    Q_OBJECT
+
+public:
+    explicit StatusLine(QWidget *parent = nullptr);
+
+    /**
+     * Shows \a statusText (preceded by two blanks). \a isProgressMessage marks a progress text,
+     * \a completionPercentage is 0..100 or -1 for none (the progress panel is hidden then).
+     */
+    void UpdateStatus(const QString &statusText, bool isProgressMessage, int completionPercentage);
+
+    /** The text shown now, with its two leading blanks (a pending progress text counts). */
+    QString shownText() const;
+    /** The progress bar; visible only while a percentage is shown. */
+    QProgressBar *ProgressBar1() const { return m_progress; }
+    /** When true, the status text looks like a link and a click on it emits textClicked(). */
+    void setTextClickable(bool clickable);
+    bool textClickable() const;
+
+    /** The least time between two painted progress texts. */
+    static constexpr int paintIntervalMs = 30;
+
+Q_SIGNALS:
+    /** The user clicked the status text while it was clickable. */
+    void textClicked();
+
+private:
+    void paintPending();
+    void showProgressPanel(bool show);
+
+    StatusText *m_text = nullptr;
+    QProgressBar *m_progress = nullptr;
+    QString m_pending;
+    bool m_hasPending = false;
+    QElapsedTimer m_sincePaint;
+    QTimer m_flush;
+};

@@ -1,0 +1,665 @@
+#include "frmMain.h"
+
+#include "ResultListing.h"
+#include "Startup.h"
+#include "StatusLine.h"
+#include "frmProblems.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "engine/Pairscope.h"
+#include "settings/Options.h"
+#include "tools/ComparisonsCombo.h"
+#include "tools/FolderCombo.h"
+#include "tools/GeneralHelpers.h"
+#include "views/ColumnLayout.h"
+#include "views/DrawEdge.h"
+#include "views/EdgeStyle.h"
+#include "views/ImageList.h"
+#include "views/ListView.h"
+#include "views/Splitter.h"
+#include "views/frmAbout.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace {
+
+/** The existing folders among the local paths that a drag carries, in their order. */
+QStringList droppedFolders(const QMimeData *data) {
+    QStringList folders;
+    if (!data || !data->hasUrls())
+        return folders;
+    for (const QUrl &url : data->urls()) {
+        if (!url.isLocalFile())
+            continue;
+        const QFileInfo info(url.toLocalFile());
+        if (info.isDir())
+            folders << QDir::cleanPath(info.absoluteFilePath());
+    }
+    return folders;
+}
+
+bool FolderExists(const QString &path) {
+    return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+const QString compareButtonCaption = QStringLiteral("&Compare");
+const QString cancelButtonCaption = QStringLiteral("Cancel");
+
+} // namespace
+
+frmMain::frmMain(QWidget *parent)
+    : QMainWindow(parent) {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Pairscope"));
+    setMinimumSize(440, 320);
+    setAcceptDrops(true);
+
+    menus = std::make_unique<MainMenuBar>(menuBar());
+    auto *central = new QWidget(this);
+    auto *column = new QVBoxLayout(central);
+    column->setContentsMargins(6, 6, 6, 0);
+    column->setSpacing(6);
+    buildCompareBar();
+    buildPanes();
+    column->addWidget(edgeCompare);
+    column->addWidget(picMain, 1);
+    setCentralWidget(central);
+
+    StatusBar1 = new StatusLine(this);
+    setStatusBar(StatusBar1);
+    connect(StatusBar1, &StatusLine::textClicked, this, &frmMain::ShowProblems);
+
+    // Enter starts a compare from anywhere in the window, and Esc cancels a running one, as
+    // the default and cancel buttons of a dialog would.
+    m_enter = new QShortcut(QKeySequence(Qt::Key_Return), this);
+    m_keypadEnter = new QShortcut(QKeySequence(Qt::Key_Enter), this);
+    m_escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    m_escape->setEnabled(false);
+    for (QShortcut *key : {m_enter, m_keypadEnter, m_escape})
+        connect(key, &QShortcut::activated, cmdCompare, &QPushButton::animateClick);
+    connect(cmdCompare, &QPushButton::clicked, this, &frmMain::cmdCompare_Click);
+    connectMenus();
+
+    // The placement is written once a move or resize has come to rest, not for every step.
+    m_placementSaver.setSingleShot(true);
+    m_placementSaver.setInterval(400);
+    connect(&m_placementSaver, &QTimer::timeout, this, &frmMain::SavePosition);
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::buildCompareBar() {
+    edgeCompare = new DrawEdge(this);
+    edgeCompare->setObjectName(QStringLiteral("edgeCompare"));
+    // One soft etched line: the bar reads as a group without a heavy bevel.
+    edgeCompare->setEdge(EdgeStyle::Etched);
+    edgeCompare->setFlags(EdgeStyle::Soft);
+    auto *grid = new QGridLayout(edgeCompare);
+    grid->setContentsMargins(8, 8, 8, 8);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(6);
+
+    const QString captions[2] = {QStringLiteral("&Source:"), QStringLiteral("&Destination:")};
+    const QString names[2] = {QStringLiteral("Source folder"),
+                              QStringLiteral("Destination folder")};
+    for (int i = 0; i < 2; ++i) {
+        lblSelectPath[i] = new QLabel(captions[i], edgeCompare);
+        lblSelectPath[i]->setObjectName(QStringLiteral("lblSelectPath%1").arg(i));
+        cboSelectPath[i] = new QComboBox(edgeCompare);
+        cboSelectPath[i]->setObjectName(QStringLiteral("cboSelectPath%1").arg(i));
+        cboSelectPath[i]->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        cboSelectPath[i]->setMinimumContentsLength(16);
+        cboSelectPath[i]->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        cboSelectPath[i]->setAccessibleName(names[i]);
+        m_folders[i] = new FolderCombo(cboSelectPath[i], RecentLists::Side(i));
+        lblSelectPath[i]->setBuddy(cboSelectPath[i]);
+        grid->addWidget(lblSelectPath[i], i, 0);
+        grid->addWidget(cboSelectPath[i], i, 1, 1, 2);
+    }
+
+    lblComparisons = new QLabel(QStringLiteral("Compa&risons:"), edgeCompare);
+    lblComparisons->setObjectName(QStringLiteral("lblComparisons"));
+    cboComparisons = new QComboBox(edgeCompare);
+    cboComparisons->setObjectName(QStringLiteral("cboComparisons"));
+    cboComparisons->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    cboComparisons->setMinimumContentsLength(16);
+    cboComparisons->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    lblComparisons->setBuddy(cboComparisons);
+    m_comparisons = new ComparisonsCombo(cboComparisons);
+    cmdCompare = new QPushButton(compareButtonCaption, edgeCompare);
+    cmdCompare->setObjectName(QStringLiteral("cmdCompare"));
+    cmdCompare->setDefault(true);
+    // Wide enough for both captions, so the bar does not shift when a run starts.
+    cmdCompare->setMinimumWidth(
+        qMax(cmdCompare->sizeHint().width(),
+             fontMetrics().horizontalAdvance(QStringLiteral("Compare")) + 48));
+    grid->addWidget(lblComparisons, 2, 0);
+    grid->addWidget(cboComparisons, 2, 1);
+    grid->addWidget(cmdCompare, 2, 2);
+    grid->setColumnStretch(1, 1);
+}
+
+void frmMain::buildPanes() {
+    picMain = new QWidget(this);
+    picMain->setObjectName(QStringLiteral("picMain"));
+    ImageList1 = new ImageList(this);
+    for (int i = 0; i < 2; ++i) {
+        picSide[i] = new QWidget(picMain);
+        picSide[i]->setObjectName(QStringLiteral("picSide%1").arg(i));
+        auto *pane = new QVBoxLayout(picSide[i]);
+        pane->setContentsMargins(0, 0, 0, 0);
+        pane->setSpacing(3);
+        lblPath[i] = new QLabel(picSide[i]);
+        lblPath[i]->setObjectName(QStringLiteral("lblPath%1").arg(i));
+        lblPath[i]->setTextFormat(Qt::PlainText);
+        lblPath[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        lblPath[i]->setMinimumHeight(lblPath[i]->fontMetrics().height());
+        lvwFiles[i] = new ListView(picSide[i]);
+        lvwFiles[i]->setObjectName(QStringLiteral("lvwFiles%1").arg(i));
+        lvwFiles[i]->setAcceptDrops(false);
+        lvwFiles[i]->viewport()->setAcceptDrops(false);
+        lvwFiles[i]->setSmallIcons(ImageList1);
+        pane->addWidget(lblPath[i]);
+        pane->addWidget(lvwFiles[i], 1);
+    }
+    m_listing = std::make_unique<ResultListing>(lvwFiles, ImageList1);
+    oSplitter = new Splitter(this);
+    oSplitter->setContainer(picMain);
+    oSplitter->setSplitterSize(6);
+    oSplitter->setMinimumSize(0, 60);
+    oSplitter->setMinimumSize(1, 60);
+    // The panes share the room as the user last divided it, whatever the window's size.
+    oSplitter->setKeepProportion(true);
+    oSplitter->setProportion(50);
+    oSplitter->Bind(picSide[0], picSide[1]);
+}
+
+void frmMain::connectMenus() {
+    MainMenuBar &m = *menus;
+    // Items whose behaviour has not been built yet stay disabled rather than silent.
+    for (QAction *item : {m.mnuFileSelectDiff, m.mnuFileOptions, m.mnuToolsOpenContainingFolder,
+                          m.mnuToolsDiff, m.mnuToolsCopyToSource, m.mnuToolsCopyToDest})
+        item->setEnabled(false);
+
+    for (int i = 0; i < 2; ++i)
+        connect(m.mnuFileSelectPath[i], &QAction::triggered, this,
+                [this, i] { m_folders[i]->Browse(); });
+    connect(m.mnuFileCompare, &QAction::triggered, this, &frmMain::cmdCompare_Click);
+    connect(m.mnuFileClear, &QAction::triggered, this, &frmMain::ClearDisplay);
+    connect(m.mnuFileExit, &QAction::triggered, this, &QWidget::close);
+    connect(m.mnuFileIncludeSlack, &QAction::triggered, this,
+            [](bool checked) { Options::setIncludeSlack(checked); });
+
+    connect(m.mnuEdit, &QMenu::aboutToShow, this, &frmMain::mnuEdit_Click);
+    connect(m.mnuEditSelectAll, &QAction::triggered, this, [this] {
+        if (ListView *list = ActiveList())
+            list->SelectAll();
+    });
+    connect(m.mnuEditClearSelections, &QAction::triggered, this, [this] {
+        if (ListView *list = ActiveList())
+            list->ClearSelections();
+    });
+
+    for (QAction *item :
+         {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
+        connect(item, &QAction::triggered, this, [this, item] { ToggleViewOption(item); });
+    for (int i = 0; i < 2; ++i) {
+        connect(m.mnuViewOrientation[i], &QAction::triggered, this, [this, i] {
+            Options::setOrientation(i + 1);
+            ApplyOrientation(i + 1);
+        });
+    }
+    connect(m.mnuViewAlwaysOnTop, &QAction::triggered, this, [this](bool checked) {
+        Options::setAlwaysOnTop(checked);
+        ApplyAlwaysOnTop(checked);
+    });
+
+    connect(m.mnuHelpAbout, &QAction::triggered, this,
+            [this] { frmAbout::ShowAbout(this, menus->mnuViewAlwaysOnTop->isChecked()); });
+}
+
+void frmMain::InitializeDisplay() {
+    ApplyMessageFont(this);
+    m_comparisons->Fill(false);
+    m_folders[0]->Fill(false);
+    m_folders[1]->Fill(false);
+    ApplyOrientation(Options::orientation());
+    ApplyAlwaysOnTop(Options::alwaysOnTop());
+    menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    ApplyViewOptions();
+    ColumnLayout::LoadLayout(lvwFiles[0], false, false);
+    ColumnLayout::LoadLayout(lvwFiles[1], true, false);
+    if (menus->mnuViewLink->isChecked())
+        ColumnLayout::MatchColumns(lvwFiles[0], lvwFiles[1]);
+    cmdCompare->setText(compareButtonCaption);
+    cmdCompare->setDefault(true);
+    UpdateStatus(QStringLiteral("Ready"), false, -1, false);
+}
+
+QRect frmMain::DefaultPlacement(const QRect &screen) {
+    return {screen.x() + (screen.width() - 640) / 2, screen.y() + (screen.height() - 480) / 2, 640,
+            480};
+}
+
+void frmMain::LoadPosition(bool resetPosition) {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QRect placement = DefaultPlacement(screen ? screen->geometry() : QRect(0, 0, 640, 480));
+    Options::WindowRect rect{float(placement.x()), float(placement.y()), float(placement.width()),
+                             float(placement.height())};
+    if (!resetPosition)
+        rect = Options::windowRect(rect);
+    // Applied as stored, without testing it against the screens: Shift at start-up is the
+    // way back from a rectangle that lies off screen.
+    setGeometry(qRound(rect.left), qRound(rect.top), qRound(rect.width), qRound(rect.height));
+}
+
+void frmMain::SavePosition() {
+    // A maximised or minimised window has no placement of its own to come back to.
+    if (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))
+        return;
+    const QRect rect = geometry();
+    Options::setWindowRect(
+        {float(rect.x()), float(rect.y()), float(rect.width()), float(rect.height())});
+}
+
+void frmMain::SelectFolder(int side, const QString &folder) {
+    m_folders[size_t(side)]->SetPath(folder);
+}
+
+void frmMain::UpdateStatus(const QString &statusText, bool isProgressMessage,
+                           int completionPercentage, bool yield) {
+    if (!isProgressMessage)
+        StatusBar1->setTextClickable(false);
+    StatusBar1->UpdateStatus(statusText, isProgressMessage, completionPercentage);
+    if (yield)
+        m_yield();
+}
+
+void frmMain::ApplyOrientation(int orientation) {
+    const int index = orientation == Options::HorizontalOrientation ? 0 : 1;
+    menus->mnuViewOrientation[index]->setChecked(true);
+    oSplitter->setOrientation(index == 0 ? Splitter::Horizontal : Splitter::Vertical);
+    oSplitter->Resize();
+}
+
+void frmMain::ApplyAlwaysOnTop(bool on) {
+    menus->mnuViewAlwaysOnTop->setChecked(on);
+    SetTopmost(this, on);
+}
+
+void frmMain::ApplyViewOptions() {
+    const Options::ViewOptions view = Options::viewOptions();
+    const MainMenuBar &m = *menus;
+    m.mnuViewLink->setChecked(view.linkListings);
+    m.mnuViewMissing->setChecked(view.useMissingPlaceholders);
+    m.mnuViewFullPath->setChecked(view.fullPath);
+    m.mnuViewAllFiles->setChecked(view.allFiles);
+    m.mnuViewBold->setChecked(view.boldDifferences);
+    for (QAction *item :
+         {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
+        item->setEnabled(true);
+    for (ListView *list : lvwFiles)
+        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+}
+
+void frmMain::ToggleViewOption(QAction *item) {
+    // The item has already inverted its own check; all five are stored together.
+    const MainMenuBar &m = *menus;
+    Options::ViewOptions view;
+    view.linkListings = m.mnuViewLink->isChecked();
+    view.useMissingPlaceholders = m.mnuViewMissing->isChecked();
+    view.fullPath = m.mnuViewFullPath->isChecked();
+    view.allFiles = m.mnuViewAllFiles->isChecked();
+    view.boldDifferences = m.mnuViewBold->isChecked();
+    Options::setViewOptions(view);
+
+    if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
+        RefreshFileListings();
+    else if (item == m.mnuViewFullPath) {
+        UpdateListView(0);
+        UpdateListView(1);
+    }
+    // Bold marks differing rows among identical ones, so it needs Show All Files.
+    for (ListView *list : lvwFiles)
+        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+}
+
+ListView *frmMain::ActiveList() const {
+    const QWidget *focus = focusWidget();
+    for (ListView *list : lvwFiles) {
+        if (focus && (focus == list || list->isAncestorOf(focus)))
+            return list;
+    }
+    return nullptr;
+}
+
+void frmMain::mnuEdit_Click() {
+    ListView *list = ActiveList();
+    menus->mnuEditSelectAll->setEnabled(list != nullptr);
+    menus->mnuEditClearSelections->setEnabled(list && list->SelectedCount() > 0);
+}
+
+void frmMain::ClearDisplay() {
+    // The collections stay: a View toggle afterwards lists the last result again.
+    for (int i = 0; i < 2; ++i) {
+        lvwFiles[i]->ClearItems();
+        lblPath[i]->setText(QString());
+    }
+    oSplitter->Resize();
+}
+
+bool frmMain::IsComparing() const {
+    return cmdCompare->text() == cancelButtonCaption;
+}
+
+bool frmMain::IsBusy() const {
+    return testAttribute(Qt::WA_SetCursor) && cursor().shape() == Qt::WaitCursor;
+}
+
+void frmMain::SetCompareMode(bool comparing) {
+    const bool e = !comparing;
+    MainMenuBar &m = *menus;
+    for (int i = 0; i < 2; ++i) {
+        lblSelectPath[i]->setEnabled(e);
+        cboSelectPath[i]->setEnabled(e);
+        lblPath[i]->setEnabled(e);
+        m.mnuFileSelectPath[i]->setEnabled(e);
+    }
+    lblComparisons->setEnabled(e);
+    cboComparisons->setEnabled(e);
+    cmdCompare->setText(e ? compareButtonCaption : cancelButtonCaption);
+    m.mnuFileCompare->setText(e ? MainMenuBar::compareCaption() : MainMenuBar::cancelCaption());
+    m_escape->setEnabled(comparing);
+    cmdCompare->setEnabled(true);
+    m.mnuFileClear->setEnabled(e);
+    if (comparing) {
+        for (QAction *item :
+             {m.mnuViewAllFiles, m.mnuViewBold, m.mnuViewFullPath, m.mnuViewLink, m.mnuViewMissing})
+            item->setEnabled(false);
+    } else {
+        ApplyViewOptions();
+    }
+}
+
+void frmMain::cmdCompare_Click() {
+    if (IsComparing()) {
+        cmdCompare->setEnabled(false);
+        if (colSourceFiles)
+            colSourceFiles->Cancel();
+        if (colDestFiles)
+            colDestFiles->Cancel();
+        if (oPairscope)
+            oPairscope->Cancel();
+        return;
+    }
+    if (!cmdCompare->isEnabled())
+        return;
+
+    if (!FolderExists(cboSelectPath[0]->currentText())) {
+        QMessageBox::information(this, QStringLiteral("Pairscope"),
+                                 QStringLiteral("Source path does not exist.  Cannot compare."));
+        return;
+    }
+    if (!FolderExists(cboSelectPath[1]->currentText())) {
+        QMessageBox::information(
+            this, QStringLiteral("Pairscope"),
+            QStringLiteral("Destination path does not exist.  Cannot compare."));
+        return;
+    }
+
+    SetCompareMode(true);
+    setCursor(Qt::WaitCursor);
+    m_running = true;
+    const bool finished = RunAttempts();
+    m_running = false;
+    if (!finished) {
+        // The window was closed during the run: it goes now, without being restored.
+        QTimer::singleShot(0, this, &QWidget::close);
+        return;
+    }
+
+    const bool cancelled = (colSourceFiles && colSourceFiles->Cancelled()) ||
+                           (colDestFiles && colDestFiles->Cancelled()) ||
+                           (oPairscope && oPairscope->Cancelled());
+    if (cancelled) {
+        UpdateStatus(QStringLiteral("Compare cancelled."), false, -1, true);
+        oPairscope.reset();
+    } else {
+        UpdateStatus(CompleteText(), false, -1, true);
+        StatusBar1->setTextClickable(ProblemCount() > 0);
+        lblPath[0]->setText(QStringLiteral("Files from ") + colSourceFiles->RootFolder());
+        lblPath[1]->setText(QStringLiteral("Files from ") + colDestFiles->RootFolder());
+    }
+    SetCompareMode(false);
+    oSplitter->Resize();
+    unsetCursor();
+    if (m_problems)
+        m_problems->SetProblems(colSourceFiles->Problems(), colDestFiles->Problems());
+}
+
+bool frmMain::RunAttempts() {
+    const auto hook = [this] { m_yield(); };
+    int result = Pairscope::StatusComplete;
+    do {
+        colSourceFiles = std::make_unique<ComparisonFileCollection>();
+        colDestFiles = std::make_unique<ComparisonFileCollection>();
+        oPairscope = std::make_unique<Pairscope>();
+        colSourceFiles->setYieldHook(hook);
+        colDestFiles->setYieldHook(hook);
+        oPairscope->setYieldHook(hook);
+        connect(colSourceFiles.get(), &ComparisonFileCollection::FileAdded, this,
+                &frmMain::colSourceFiles_FileAdded);
+        connect(colDestFiles.get(), &ComparisonFileCollection::FileAdded, this,
+                &frmMain::colDestFiles_FileAdded);
+        connect(oPairscope.get(), &Pairscope::CompareProgress, this,
+                &frmMain::oPairscope_CompareProgress);
+        connect(oPairscope.get(), &Pairscope::FilesCompared, this,
+                &frmMain::oPairscope_FilesCompared);
+
+        for (int i = 0; i < 2; ++i) {
+            lvwFiles[i]->ClearItems();
+            lblPath[i]->setText(QString());
+        }
+        repaint();
+        m_yield.now();
+        if (m_closeRequested)
+            return false;
+
+        // Each walk returns once it has finished or was cancelled; the source tree is always
+        // walked completely before the destination tree is begun.
+        colSourceFiles->setRootFolder(cboSelectPath[0]->currentText());
+        if (m_closeRequested)
+            return false;
+        if (colSourceFiles->Cancelled())
+            break;
+        colDestFiles->setRootFolder(cboSelectPath[1]->currentText());
+        if (m_closeRequested)
+            return false;
+        if (colDestFiles->Cancelled())
+            break;
+
+        const int comparisons = m_comparisons->Comparisons();
+        result = oPairscope->Compare(*colSourceFiles, *colDestFiles, qMax(comparisons, 0),
+                                     menus->mnuFileIncludeSlack->isChecked(), Options::doCRCLast(),
+                                     Options::crcChunkSize());
+        if (m_closeRequested)
+            return false;
+    } while (result == Pairscope::StatusRescanNeeded);
+    return true;
+}
+
+void frmMain::colSourceFiles_FileAdded(int FileCount) {
+    UpdateStatus(QStringLiteral("Building source file list (%1)").arg(FileCount), true, -1, true);
+}
+
+void frmMain::colDestFiles_FileAdded(int FileCount) {
+    UpdateStatus(QStringLiteral("Building destination file list (%1)").arg(FileCount), true, -1,
+                 true);
+}
+
+void frmMain::oPairscope_CompareProgress(int Pass, int CurrentFile, int TotalFiles) {
+    if (CurrentFile != -1) {
+        const int percentage =
+            TotalFiles == 0 ? -1 : int(std::lrint(double(CurrentFile) / TotalFiles * 100.0));
+        UpdateStatus(QStringLiteral("Comparing files - pass %1  (%2 of %3)")
+                         .arg(Pass)
+                         .arg(CurrentFile)
+                         .arg(TotalFiles),
+                     true, percentage, true);
+    } else if (TotalFiles != -1) {
+        UpdateStatus(QStringLiteral("Analyzing files"), true, -1, true);
+    } else {
+        UpdateStatus(QStringLiteral("Initializing comparison data"), true, -1, true);
+    }
+}
+
+void frmMain::oPairscope_FilesCompared(const ComparisonFilePtr &SourceFile,
+                                       const ComparisonFilePtr &DestFile, int ComparisonResult) {
+    const ResultListing::ViewState view = CurrentViewState();
+    m_listing->ListPair(SourceFile, DestFile, ComparisonResult, view);
+}
+
+ResultListing::ViewState frmMain::CurrentViewState() const {
+    ResultListing::ViewState view;
+    view.allFiles = menus->mnuViewAllFiles->isChecked();
+    view.missingPlaceholders = menus->mnuViewMissing->isChecked();
+    view.fullPath = menus->mnuViewFullPath->isChecked();
+    return view;
+}
+
+int frmMain::ProblemCount() const {
+    int count = 0;
+    if (colSourceFiles)
+        count += int(colSourceFiles->Problems().size());
+    if (colDestFiles)
+        count += int(colDestFiles->Problems().size());
+    return count;
+}
+
+QString frmMain::CompleteText() const {
+    const int problems = ProblemCount();
+    if (problems == 0)
+        return QStringLiteral("Compare complete.");
+    return problems == 1
+               ? QStringLiteral("Compare complete.  1 item could not be compared.")
+               : QStringLiteral("Compare complete.  %1 items could not be compared.").arg(problems);
+}
+
+void frmMain::ShowProblems() {
+    if (!colSourceFiles || !colDestFiles)
+        return;
+    if (!m_problems) {
+        m_problems = new frmProblems(this);
+        SetTopmost(m_problems, menus->mnuViewAlwaysOnTop->isChecked());
+        CenterOverWindow(m_problems, this);
+    }
+    m_problems->SetProblems(colSourceFiles->Problems(), colDestFiles->Problems());
+    m_problems->show();
+    m_problems->raise();
+    m_problems->activateWindow();
+}
+
+void frmMain::RefreshFileListings() {
+    if (IsBusy())
+        return;
+    if (!colSourceFiles || !colDestFiles || colSourceFiles->Count() == 0 ||
+        colDestFiles->Count() == 0)
+        return;
+    UpdateStatus(QStringLiteral("Rebuilding display..."), false, -1, true);
+    setCursor(Qt::WaitCursor);
+    repaint();
+    const ResultListing::ViewState view = CurrentViewState();
+    m_listing->Refresh(*colSourceFiles, *colDestFiles, view);
+    unsetCursor();
+    UpdateStatus(CompleteText(), false, -1, true);
+    StatusBar1->setTextClickable(ProblemCount() > 0);
+}
+
+void frmMain::UpdateListView(int side) {
+    const ComparisonFileCollection *files = side ? colDestFiles.get() : colSourceFiles.get();
+    m_listing->UpdateListView(side, files, menus->mnuViewFullPath->isChecked());
+}
+
+void frmMain::closeEvent(QCloseEvent *event) {
+    if (m_running) {
+        // A close during a run acts as Cancel; the window goes once the run has unwound.
+        m_closeRequested = true;
+        cmdCompare_Click();
+        event->ignore();
+        return;
+    }
+    if (m_placementSaver.isActive()) {
+        m_placementSaver.stop();
+        SavePosition();
+    }
+    ColumnLayout::SaveLayout(lvwFiles[0], false);
+    ColumnLayout::SaveLayout(lvwFiles[1], true);
+    event->accept();
+    UnloadAllForms(false);
+}
+
+void frmMain::moveEvent(QMoveEvent *event) {
+    QMainWindow::moveEvent(event);
+    if (isVisible())
+        m_placementSaver.start();
+}
+
+void frmMain::resizeEvent(QResizeEvent *event) {
+    QMainWindow::resizeEvent(event);
+    if (isVisible())
+        m_placementSaver.start();
+}
+
+int frmMain::sideAt(const QPoint &pos) const {
+    const QWidget *target = childAt(pos);
+    for (const QWidget *w : {static_cast<const QWidget *>(lblSelectPath[1]),
+                             static_cast<const QWidget *>(cboSelectPath[1]),
+                             static_cast<const QWidget *>(picSide[1])}) {
+        if (target && (target == w || w->isAncestorOf(target)))
+            return 1;
+    }
+    return 0;
+}
+
+void frmMain::dragEnterEvent(QDragEnterEvent *event) {
+    if (!droppedFolders(event->mimeData()).isEmpty() && !IsComparing())
+        event->acceptProposedAction();
+}
+
+void frmMain::dragMoveEvent(QDragMoveEvent *event) {
+    if (!droppedFolders(event->mimeData()).isEmpty() && !IsComparing())
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void frmMain::dropEvent(QDropEvent *event) {
+    const QStringList folders = droppedFolders(event->mimeData());
+    if (folders.isEmpty() || IsComparing())
+        return;
+    event->acceptProposedAction();
+    // Two folders fill both sides; one folder goes to the side it was dropped on.
+    if (folders.size() >= 2) {
+        SelectFolder(0, folders[0]);
+        SelectFolder(1, folders[1]);
+    } else {
+        SelectFolder(sideAt(event->position().toPoint()), folders[0]);
+    }
+}

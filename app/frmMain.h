@@ -1,0 +1,171 @@
+#pragma once
+
+#include "MainMenuBar.h"
+#include "ResultListing.h"
+#include "ThrottledYield.h"
+
+#include "engine/ComparisonFile.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <array>
+#include <memory>
+
+class ComparisonFileCollection;
+class ComparisonsCombo;
+class DrawEdge;
+class FolderCombo;
+class ImageList;
+class ListView;
+class Pairscope;
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QShortcut;
+class Splitter;
+class StatusLine;
+class frmProblems;
+
+/**
+ * The main window: the compare bar (source and destination folders, the comparison set and the
+ * Compare button), the two result panes and the status line, under the full menu bar. It runs
+ * the compare and keeps the two collections and the engine of the last run.
+ * In every control array index 0 is the source side and index 1 the destination side.
+ */
+class frmMain : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit frmMain(QWidget *parent = nullptr);
+    ~frmMain() override;
+
+    /** Prepares the window from the settings before it is first shown. */
+    void InitializeDisplay();
+    /**
+     * Places the window at its stored rectangle, or at 640 x 480 centred on the screen when
+     * nothing is stored or \a resetPosition is true. The stored rectangle is applied as it is.
+     */
+    void LoadPosition(bool resetPosition);
+    /** The 640 x 480 rectangle centred on \a screen (whole-pixel division). */
+    static QRect DefaultPlacement(const QRect &screen);
+
+    /**
+     * Makes \a folder the path of \a side (0 source, 1 destination) as if the user had chosen
+     * it: it is recorded in that side's recent list.
+     */
+    void SelectFolder(int side, const QString &folder);
+
+    /**
+     * Writes the status line; see StatusLine::UpdateStatus. \a yield lets the event loop run
+     * (at most every ThrottledYield::intervalMs).
+     */
+    void UpdateStatus(const QString &statusText, bool isProgressMessage, int completionPercentage,
+                      bool yield);
+
+    /**
+     * Lays the panes out for a stored orientation value (1 stacked, 2 side by side) and
+     * checks its View item; nothing is stored.
+     */
+    void ApplyOrientation(int orientation);
+    /** Keeps the window above others or not and checks the View item; nothing is stored. */
+    void ApplyAlwaysOnTop(bool on);
+    /** Sets the five View items' checks from the store and enables them. */
+    void ApplyViewOptions();
+
+    /** @name The compare run */
+    ///@{
+    /** Starts a compare when idle, cancels the running one otherwise. */
+    void cmdCompare_Click();
+    /** Switches between the idle look and the busy look of a run. */
+    void SetCompareMode(bool comparing);
+    /** True while a compare runs (the Compare button reads "Cancel"). */
+    bool IsComparing() const;
+    /** True while the window shows the busy pointer (a run or a rebuild). */
+    bool IsBusy() const;
+    /** A walk added a file: "Building source file list (N)". */
+    void colSourceFiles_FileAdded(int FileCount);
+    /** A walk added a file: "Building destination file list (N)". */
+    void colDestFiles_FileAdded(int FileCount);
+    /** The engine's progress as a status text, with a percentage when there is a count. */
+    void oPairscope_CompareProgress(int Pass, int CurrentFile, int TotalFiles);
+    /** Lists a settled pair by the listing rule. */
+    void oPairscope_FilesCompared(const ComparisonFilePtr &SourceFile,
+                                  const ComparisonFilePtr &DestFile, int ComparisonResult);
+    ///@}
+
+    /** @name Result listings */
+    ///@{
+    /** Re-decides both lists from the collections after a View option changed. */
+    void RefreshFileListings();
+    /** Rewrites the column texts of every row of list \a side. */
+    void UpdateListView(int side);
+    /** The status text of a finished compare, naming the items that could not be compared. */
+    QString CompleteText() const;
+    /** How many items the last run's walks could not take in. */
+    int ProblemCount() const;
+    /** Opens (or raises) the list of the items that could not be compared. */
+    void ShowProblems();
+    ///@}
+
+    std::array<QLabel *, 2> lblSelectPath{};
+    std::array<QComboBox *, 2> cboSelectPath{};
+    QLabel *lblComparisons = nullptr;
+    QComboBox *cboComparisons = nullptr;
+    QPushButton *cmdCompare = nullptr;
+    DrawEdge *edgeCompare = nullptr;
+    QWidget *picMain = nullptr;
+    std::array<QWidget *, 2> picSide{};
+    std::array<QLabel *, 2> lblPath{};
+    std::array<ListView *, 2> lvwFiles{};
+    /** The file icons shown by both lists. */
+    ImageList *ImageList1 = nullptr;
+    StatusLine *StatusBar1 = nullptr;
+    /** Divides picMain between the two panes. */
+    Splitter *oSplitter = nullptr;
+    std::unique_ptr<MainMenuBar> menus;
+
+    /** The source side of the last run; replaced at the start of every run attempt. */
+    std::unique_ptr<ComparisonFileCollection> colSourceFiles;
+    /** The destination side of the last run. */
+    std::unique_ptr<ComparisonFileCollection> colDestFiles;
+    /** The engine of the last run; released when a run ends cancelled. */
+    std::unique_ptr<Pairscope> oPairscope;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void buildCompareBar();
+    void buildPanes();
+    void connectMenus();
+    void SavePosition();
+    int sideAt(const QPoint &pos) const;
+    void ToggleViewOption(QAction *item);
+    void ClearDisplay();
+    void mnuEdit_Click();
+    ListView *ActiveList() const;
+
+    bool RunAttempts();
+    ResultListing::ViewState CurrentViewState() const;
+
+    std::unique_ptr<ResultListing> m_listing;
+    ComparisonsCombo *m_comparisons = nullptr;
+    std::array<FolderCombo *, 2> m_folders{};
+    QPointer<frmProblems> m_problems;
+    ThrottledYield m_yield;
+    QTimer m_placementSaver;
+    QShortcut *m_enter = nullptr;
+    QShortcut *m_keypadEnter = nullptr;
+    QShortcut *m_escape = nullptr;
+    /** Set when the window was asked to close during a run: it closes once the run unwinds. */
+    bool m_closeRequested = false;
+    /** True while the run's handler is on the stack. */
+    bool m_running = false;
+};

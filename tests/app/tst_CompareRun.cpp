@@ -1,0 +1,340 @@
+#include "AppProfile.h"
+
+#include "app/StatusLine.h"
+#include "app/frmMain.h"
+#include "engine/ComparisonFileCollection.h"
+#include "settings/Options.h"
+#include "settings/SettingsStore.h"
+#include "support/TestTree.h"
+#include "views/ListColumns.h"
+#include "views/ListView.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+class tst_CompareRun : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void progressTexts_data();
+    void progressTexts();
+    void missingFolderMessages_data();
+    void missingFolderMessages();
+    void cancelDuringSourceWalk();
+    void identicalTreesListNothing();
+    void sourceOnlyFile_data();
+    void sourceOnlyFile();
+    void refreshKeepsRowOrder();
+    void fullPathChangesOnlyFolderTexts();
+    void clearDisplayThenToggleShowsLastResult();
+
+private:
+    std::unique_ptr<AppProfile> m_profile;
+};
+
+namespace {
+
+/** A shown main window with both folders chosen. */
+struct Window {
+    Window(const QString &source, const QString &destination) {
+        window.InitializeDisplay();
+        window.resize(900, 600);
+        window.show();
+        window.cboSelectPath[0]->setEditText(source);
+        window.cboSelectPath[1]->setEditText(destination);
+    }
+
+    /** Runs a compare to its end. */
+    void compare() { window.cmdCompare->click(); }
+
+    /** Keys of list \a side in row order, relative to \a root. */
+    QStringList rows(int side, const QString &root) const {
+        QStringList keys;
+        const ListView *list = window.lvwFiles[side];
+        for (int i = 1; i <= list->ItemCount(); ++i)
+            keys << list->Item(i).Key().mid(root.size() + 1);
+        return keys;
+    }
+
+    frmMain window;
+};
+
+void setOption(const char *key, bool on) {
+    SettingsStore::write(QStringLiteral("Options"), QString::fromLatin1(key),
+                         on ? QStringLiteral("True") : QStringLiteral("False"));
+}
+
+} // namespace
+
+void tst_CompareRun::initTestCase() {
+    m_profile = std::make_unique<AppProfile>();
+    QVERIFY(m_profile->isValid());
+}
+
+void tst_CompareRun::init() {
+    QFile::remove(SettingsStore::fileName());
+}
+
+void tst_CompareRun::progressTexts_data() {
+    QTest::addColumn<int>("event"); // 0 source file added, 1 destination, 2 engine progress
+    QTest::addColumn<int>("pass");
+    QTest::addColumn<int>("current");
+    QTest::addColumn<int>("total");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("percentage"); // -1: no bar
+
+    QTest::newRow("source walk") << 0 << 0 << 7 << 0 << "  Building source file list (7)" << -1;
+    QTest::newRow("destination walk")
+        << 1 << 0 << 12 << 0 << "  Building destination file list (12)" << -1;
+    QTest::newRow("no counts yet") << 2 << 1 << -1 << -1 << "  Initializing comparison data" << -1;
+    QTest::newRow("total known") << 2 << 1 << -1 << 40 << "  Analyzing files" << -1;
+    QTest::newRow("pass 1") << 2 << 1 << 2 << 8 << "  Comparing files - pass 1  (2 of 8)" << 25;
+    QTest::newRow("12.5 rounds to even 12")
+        << 2 << 2 << 1 << 8 << "  Comparing files - pass 2  (1 of 8)" << 12;
+    QTest::newRow("37.5 rounds to even 38")
+        << 2 << 1 << 3 << 8 << "  Comparing files - pass 1  (3 of 8)" << 38;
+    QTest::newRow("no total: no bar")
+        << 2 << 2 << 0 << 0 << "  Comparing files - pass 2  (0 of 0)" << -1;
+}
+
+void tst_CompareRun::progressTexts() {
+    QFETCH(int, event);
+    QFETCH(int, pass);
+    QFETCH(int, current);
+    QFETCH(int, total);
+    QFETCH(QString, text);
+    QFETCH(int, percentage);
+
+    frmMain window;
+    window.InitializeDisplay();
+    window.show();
+    if (event == 0)
+        window.colSourceFiles_FileAdded(current);
+    else if (event == 1)
+        window.colDestFiles_FileAdded(current);
+    else
+        window.oPairscope_CompareProgress(pass, current, total);
+    // The text may wait for its paint slot, but it is the one shown in the end.
+    QCOMPARE(window.StatusBar1->shownText(), text);
+    QTest::qWait(StatusLine::paintIntervalMs * 2);
+    QCOMPARE(window.StatusBar1->shownText(), text);
+    const QProgressBar *bar = window.StatusBar1->ProgressBar1();
+    QCOMPARE(bar->isVisibleTo(window.StatusBar1), percentage != -1);
+    if (percentage != -1)
+        QCOMPARE(bar->value(), percentage);
+}
+
+void tst_CompareRun::missingFolderMessages_data() {
+    QTest::addColumn<bool>("sourceExists");
+    QTest::addColumn<bool>("destinationExists");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("both missing: source named")
+        << false << false << "Source path does not exist.  Cannot compare.";
+    QTest::newRow("destination missing")
+        << true << false << "Destination path does not exist.  Cannot compare.";
+}
+
+void tst_CompareRun::missingFolderMessages() {
+    QFETCH(bool, sourceExists);
+    QFETCH(bool, destinationExists);
+    QFETCH(QString, message);
+
+    TestTree tree;
+    QVERIFY(tree.mkdir("src"));
+    Window w(sourceExists ? tree.path("src") : QString(),
+             destinationExists ? tree.path("src") : tree.path("gone"));
+    QString shown;
+    QTimer::singleShot(0, this, [&shown] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            shown = box->text();
+            box->accept();
+        }
+    });
+    w.compare();
+    QCOMPARE(shown, message);
+    // Nothing else changed: still idle, still "Ready".
+    QCOMPARE(w.window.cmdCompare->text(), QStringLiteral("&Compare"));
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Ready"));
+    QVERIFY(!w.window.colSourceFiles);
+}
+
+void tst_CompareRun::cancelDuringSourceWalk() {
+    TestTree tree;
+    for (int i = 0; i < 400; ++i)
+        QVERIFY(tree.write(QStringLiteral("src/d%1/f%2").arg(i / 50).arg(i), "x"));
+    QVERIFY(tree.write("dst/f", "x"));
+    Window w(tree.path("src"), tree.path("dst"));
+
+    // The run lets events through once before it walks: hook the new source collection
+    // then, and press Cancel from inside the walk, at its 100th file.
+    QTimer poll;
+    poll.setInterval(0);
+    connect(&poll, &QTimer::timeout, this, [&] {
+        ComparisonFileCollection *source = w.window.colSourceFiles.get();
+        if (!source)
+            return;
+        poll.stop();
+        connect(source, &ComparisonFileCollection::FileAdded, this, [&w](int count) {
+            if (count == 100)
+                w.window.cmdCompare->click();
+        });
+    });
+    poll.start();
+    w.compare();
+
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare cancelled."));
+    QVERIFY(w.window.colSourceFiles->Cancelled());
+    QCOMPARE(w.window.colSourceFiles->Count(), 100);
+    // The destination walk never began.
+    QCOMPARE(w.window.colDestFiles->RootFolder(), QString());
+    QCOMPARE(w.window.colDestFiles->Count(), 0);
+    QVERIFY(!w.window.oPairscope);
+    QCOMPARE(w.window.lblPath[0]->text(), QString());
+    QCOMPARE(w.window.lblPath[1]->text(), QString());
+    QCOMPARE(w.window.cmdCompare->text(), QStringLiteral("&Compare"));
+    QVERIFY(w.window.cmdCompare->isEnabled());
+    QVERIFY(w.window.cboSelectPath[0]->isEnabled());
+    QVERIFY(!w.window.IsBusy());
+}
+
+void tst_CompareRun::identicalTreesListNothing() {
+    TestTree tree;
+    for (const char *name : {"a.txt", "sub/b.txt"}) {
+        QVERIFY(tree.write(QStringLiteral("src/") + QLatin1String(name), "same"));
+        QVERIFY(tree.write(QStringLiteral("dst/") + QLatin1String(name), "same"));
+        QVERIFY(tree.setTimes(QStringLiteral("src/") + QLatin1String(name), 1'600'000'000));
+        QVERIFY(tree.setTimes(QStringLiteral("dst/") + QLatin1String(name), 1'600'000'000));
+    }
+    Window w(tree.path("src"), tree.path("dst"));
+    w.compare();
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 0);
+    QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 0);
+    QCOMPARE(w.window.lblPath[0]->text(), QStringLiteral("Files from ") + tree.path("src"));
+    QCOMPARE(w.window.lblPath[1]->text(), QStringLiteral("Files from ") + tree.path("dst"));
+    QCOMPARE(w.window.colSourceFiles->Count(), 2);
+}
+
+void tst_CompareRun::sourceOnlyFile_data() {
+    QTest::addColumn<bool>("placeholders");
+    QTest::newRow("placeholders on") << true;
+    QTest::newRow("placeholders off") << false;
+}
+
+void tst_CompareRun::sourceOnlyFile() {
+    QFETCH(bool, placeholders);
+    setOption("UseMissingPlaceholders", placeholders);
+    TestTree tree;
+    QVERIFY(tree.write("src/only.txt", "x"));
+    QVERIFY(tree.mkdir("dst"));
+    Window w(tree.path("src"), tree.path("dst"));
+    w.compare();
+    QCOMPARE(w.rows(0, tree.path("src").toLower()), QStringList{"only.txt"});
+    QCOMPARE(w.rows(1, tree.path("dst").toLower()),
+             placeholders ? QStringList{"only.txt"} : QStringList());
+}
+
+void tst_CompareRun::refreshKeepsRowOrder() {
+    TestTree tree;
+    // a, c and e differ in size; b and d are identical.
+    for (const char *name : {"a", "b", "c", "d", "e"}) {
+        const QString n = QString::fromLatin1(name);
+        const bool same = n == QLatin1String("b") || n == QLatin1String("d");
+        QVERIFY(tree.write("src/" + n, "12"));
+        QVERIFY(tree.write("dst/" + n, same ? "12" : "123"));
+        QVERIFY(tree.setTimes("src/" + n, 1'600'000'000));
+        QVERIFY(tree.setTimes("dst/" + n, 1'600'000'000));
+    }
+    Window w(tree.path("src"), tree.path("dst"));
+    w.compare();
+    const QString root = tree.path("src").toLower();
+    QCOMPARE(w.rows(0, root), QStringList({"a", "c", "e"}));
+
+    // Show All Files: the identical pairs are appended, the others stay where they were.
+    w.window.menus->mnuViewAllFiles->trigger();
+    QVERIFY(Options::allFiles());
+    QCOMPARE(w.rows(0, root), QStringList({"a", "c", "e", "b", "d"}));
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    // And off again: exactly the identical rows go.
+    w.window.menus->mnuViewAllFiles->trigger();
+    QCOMPARE(w.rows(0, root), QStringList({"a", "c", "e"}));
+    QCOMPARE(w.rows(1, tree.path("dst").toLower()), QStringList({"a", "c", "e"}));
+}
+
+void tst_CompareRun::fullPathChangesOnlyFolderTexts() {
+    TestTree tree;
+    QVERIFY(tree.write("src/sub/a", "1"));
+    QVERIFY(tree.write("dst/sub/a", "22"));
+    QVERIFY(tree.write("src/b", "1"));
+    QVERIFY(tree.write("dst/b", "22"));
+    Window w(tree.path("src"), tree.path("dst"));
+    w.compare();
+
+    const auto texts = [&w](int side) {
+        QStringList all;
+        const ListView *list = w.window.lvwFiles[side];
+        for (int i = 1; i <= list->ItemCount(); ++i) {
+            const ListItem item = list->Item(i);
+            QStringList row{item.Key(), item.Text()};
+            for (int c = 1; c <= list->ColumnCount(); ++c)
+                row << item.SubItems(list->Column(c)->SubItemIndex());
+            all << row.join(QLatin1Char('|'));
+        }
+        return all;
+    };
+    const auto folders = [&w](int side) {
+        QStringList all;
+        const ListView *list = w.window.lvwFiles[side];
+        const int sub = list->ColumnByKey(ColumnKey(2))->SubItemIndex();
+        for (int i = 1; i <= list->ItemCount(); ++i)
+            all << list->Item(i).SubItems(sub);
+        return all;
+    };
+    const QStringList before[2] = {texts(0), texts(1)};
+    const QStringList foldersBefore = folders(0);
+    w.window.menus->mnuViewFullPath->trigger();
+    QVERIFY(Options::fullPath());
+    for (int side = 0; side < 2; ++side) {
+        const QStringList after = texts(side);
+        QCOMPARE(after.size(), before[side].size());
+        QVERIFY(after != before[side]);
+    }
+    const QStringList foldersAfter = folders(0);
+    QCOMPARE(foldersAfter.size(), 2);
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(foldersAfter[i].startsWith(tree.path("src")));
+        QVERIFY(foldersAfter[i] != foldersBefore[i]);
+    }
+    // Only the folder column changed: put the old folder texts back and the rows match.
+    w.window.menus->mnuViewFullPath->trigger();
+    QCOMPARE(texts(0), before[0]);
+    QCOMPARE(texts(1), before[1]);
+}
+
+void tst_CompareRun::clearDisplayThenToggleShowsLastResult() {
+    TestTree tree;
+    QVERIFY(tree.write("src/a", "1"));
+    QVERIFY(tree.write("dst/a", "22"));
+    Window w(tree.path("src"), tree.path("dst"));
+    w.compare();
+    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 1);
+    w.window.menus->mnuFileClear->trigger();
+    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 0);
+    QCOMPARE(w.window.lblPath[0]->text(), QString());
+    w.window.menus->mnuViewAllFiles->trigger();
+    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 1);
+    QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 1);
+}
+
+QTEST_MAIN(tst_CompareRun)
+#include "tst_CompareRun.moc"

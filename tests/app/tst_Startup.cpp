@@ -1,0 +1,219 @@
+#include "AppProfile.h"
+
+#include "app/Startup.h"
+#include "app/frmMain.h"
+#include "settings/Options.h"
+#include "settings/SettingsStore.h"
+#include "support/TestTree.h"
+
+#include <QComboBox>
+#include <QPointer>
+#include <QScreen>
+#include <QTest>
+
+class tst_Startup : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void foldersFromArguments_data();
+    void foldersFromArguments();
+    void defaultPlacement_data();
+    void defaultPlacement();
+
+    void shiftSampling_data();
+    void shiftSampling();
+    void argumentsFillThePathBoxes();
+    void desktopEntry();
+    void closingLeavesNoWindow();
+
+private:
+    std::unique_ptr<AppProfile> m_profile;
+};
+
+void tst_Startup::initTestCase() {
+    m_profile = std::make_unique<AppProfile>();
+    QVERIFY(m_profile->isValid());
+}
+
+void tst_Startup::init() {
+    QFile::remove(SettingsStore::fileName());
+}
+
+void tst_Startup::foldersFromArguments_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("destination");
+
+    QTest::newRow("none") << QStringList() << ""
+                          << "";
+    QTest::newRow("source only") << QStringList{"src"} << "src"
+                                 << "";
+    QTest::newRow("both") << QStringList{"src", "dst"} << "src"
+                          << "dst";
+    QTest::newRow("a file is skipped") << QStringList{"src/file.txt", "dst"} << ""
+                                       << "dst";
+    QTest::newRow("only the second exists") << QStringList{"gone", "dst"} << ""
+                                            << "dst";
+    QTest::newRow("an empty first argument") << QStringList{"", "dst"} << ""
+                                             << "dst";
+    QTest::newRow("blanks in the name") << QStringList{"with blanks", "src"} << "with blanks"
+                                        << "src";
+    QTest::newRow("a third is ignored") << QStringList{"src", "dst", "src"} << "src"
+                                        << "dst";
+}
+
+void tst_Startup::foldersFromArguments() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, source);
+    QFETCH(QString, destination);
+
+    TestTree tree;
+    QVERIFY(tree.write("src/file.txt", "x"));
+    QVERIFY(tree.mkdir("dst"));
+    QVERIFY(tree.mkdir("with blanks"));
+    for (QString &argument : arguments) {
+        if (!argument.isEmpty())
+            argument = tree.path(argument);
+    }
+    const std::array<QString, 2> folders = FoldersFromArguments(arguments);
+    QCOMPARE(folders[0], source.isEmpty() ? QString() : tree.path(source));
+    QCOMPARE(folders[1], destination.isEmpty() ? QString() : tree.path(destination));
+}
+
+void tst_Startup::defaultPlacement_data() {
+    QTest::addColumn<QRect>("screen");
+    QTest::addColumn<QRect>("expected");
+
+    QTest::newRow("1280x800") << QRect(0, 0, 1280, 800) << QRect(320, 160, 640, 480);
+    QTest::newRow("odd sizes round down") << QRect(0, 0, 1281, 801) << QRect(320, 160, 640, 480);
+    QTest::newRow("second screen") << QRect(1920, 0, 1920, 1080) << QRect(2560, 300, 640, 480);
+    QTest::newRow("screen smaller than the window")
+        << QRect(0, 0, 600, 400) << QRect(-20, -40, 640, 480);
+}
+
+void tst_Startup::defaultPlacement() {
+    QFETCH(QRect, screen);
+    QFETCH(QRect, expected);
+    QCOMPARE(frmMain::DefaultPlacement(screen), expected);
+}
+
+namespace {
+
+/**
+ * A scripted start-up: the clock advances 100 ms per reading, pauses are skipped, and Shift
+ * is held during the phases the test names.
+ */
+struct ScriptedStartup {
+    enum Phase { FadeIn, Wait, After };
+
+    ScriptedStartup(QSet<Phase> shiftHeld, QString applications)
+        : held(std::move(shiftHeld)) {
+        env = StartupEnvironment::system();
+        env.clockMs = [this] {
+            phase = now < Startup::minimumSplashMs ? Wait : After;
+            const qint64 t = now;
+            now += 100;
+            return t;
+        };
+        env.IsShiftDown = [this] { return held.contains(phase); };
+        env.Sleep = [](int) {};
+        env.applicationsFolder = std::move(applications);
+    }
+
+    StartupEnvironment env;
+    QSet<Phase> held;
+    Phase phase = FadeIn;
+    qint64 now = 0;
+};
+
+} // namespace
+
+void tst_Startup::shiftSampling_data() {
+    QTest::addColumn<bool>("duringFadeIn");
+    QTest::addColumn<bool>("duringWait");
+    QTest::addColumn<bool>("expectReset");
+
+    QTest::newRow("never held") << false << false << false;
+    QTest::newRow("held while the splash fades in") << true << false << true;
+    QTest::newRow("held only during the 500 ms wait") << false << true << true;
+}
+
+void tst_Startup::shiftSampling() {
+    QFETCH(bool, duringFadeIn);
+    QFETCH(bool, duringWait);
+    QFETCH(bool, expectReset);
+
+    const QRect stored(10, 20, 700, 500);
+    QVERIFY(Options::setWindowRect({10, 20, 700, 500}));
+    QSet<ScriptedStartup::Phase> held;
+    if (duringFadeIn)
+        held << ScriptedStartup::FadeIn;
+    if (duringWait)
+        held << ScriptedStartup::Wait;
+    ScriptedStartup script(held, m_profile->dataHome() + QStringLiteral("/applications"));
+    Startup startup(script.env);
+    QPointer<frmMain> window = startup.Main({});
+    QVERIFY(window);
+    QCOMPARE(startup.resetPosition(), expectReset);
+    const QRect expected =
+        expectReset ? frmMain::DefaultPlacement(QGuiApplication::primaryScreen()->geometry())
+                    : stored;
+    QCOMPARE(window->geometry(), expected);
+    // The wait ran until the clock said 500 ms, and no longer.
+    QCOMPARE(script.now, qint64(Startup::minimumSplashMs + 100));
+    window->close();
+    QTRY_VERIFY(!window);
+    // The stored placement is not erased by a reset.
+    QCOMPARE(Options::windowRect({}), (Options::WindowRect{10, 20, 700, 500}));
+}
+
+void tst_Startup::argumentsFillThePathBoxes() {
+    TestTree tree;
+    QVERIFY(tree.mkdir("dst"));
+    ScriptedStartup script({}, m_profile->dataHome() + QStringLiteral("/applications"));
+    Startup startup(script.env);
+    QPointer<frmMain> window = startup.Main({tree.path("missing"), tree.path("dst")});
+    QVERIFY(window);
+    QCOMPARE(window->cboSelectPath[0]->currentText(), QString());
+    QCOMPARE(window->cboSelectPath[1]->currentText(), tree.path("dst"));
+    window->close();
+    QTRY_VERIFY(!window);
+}
+
+void tst_Startup::desktopEntry() {
+    TestTree tree;
+    const QString folder = tree.path("apps");
+    QVERIFY(RegisterAppPath(QStringLiteral("/opt/my tools/pairscope"),
+                            QStringLiteral("/opt/my tools"), folder));
+    QFile file(folder + QStringLiteral("/pairscope.desktop"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString entry = QString::fromUtf8(file.readAll());
+    QVERIFY(entry.startsWith(QStringLiteral("[Desktop Entry]\n")));
+    QVERIFY(entry.contains(QStringLiteral("\nExec=\"/opt/my tools/pairscope\" %F\n")));
+    QVERIFY(entry.contains(QStringLiteral("\nPath=/opt/my tools\n")));
+
+    // A folder that cannot be made is no error for start-up: the entry is simply not there.
+    QVERIFY(tree.write("blocked", "a file, not a folder"));
+    QVERIFY(!RegisterAppPath(QStringLiteral("/x/pairscope"), QStringLiteral("/x"),
+                             tree.path("blocked/apps")));
+}
+
+void tst_Startup::closingLeavesNoWindow() {
+    ScriptedStartup script({}, m_profile->dataHome() + QStringLiteral("/applications"));
+    Startup startup(script.env);
+    QPointer<frmMain> window = startup.Main({});
+    QVERIFY(window);
+    window->close();
+    QTRY_VERIFY(!window);
+    QTRY_VERIFY2(QApplication::topLevelWidgets().isEmpty() ||
+                     std::none_of(QApplication::topLevelWidgets().cbegin(),
+                                  QApplication::topLevelWidgets().cend(),
+                                  [](QWidget *w) { return w->isVisible(); }),
+                 "a window is still open");
+}
+
+QTEST_MAIN(tst_Startup)
+#include "tst_Startup.moc"
