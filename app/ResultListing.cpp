@@ -3,6 +3,7 @@
 #include "engine/ComparisonFileCollection.h"
 #include "engine/DifferenceCode.h"
 #include "engine/PathHelpers.h"
+#include "views/AddToListview.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
 
@@ -21,21 +22,7 @@ bool ResultListing::IsListed(const ComparisonFile &record, bool allFiles,
 }
 
 void ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
-    // The row of a record is found again by its key, so a record listed before is refreshed
-    // in place and keeps its position.
-    ListView *list = m_lists[size_t(side)];
-    const QString key = record->Key();
-    ListItem item = list->ItemByKey(key);
-    if (!item)
-        item = list->AddItem(key, record->Name());
-    item.setTag(record->DifferenceCode());
-    item.setRecord(record);
-    for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c) {
-        const ColumnHeader *header = list->Column(c);
-        const int type = ColumnTypeFromKey(header->Key());
-        if (header->SubItemIndex() > 0 && type >= 2)
-            item.setSubItems(header->SubItemIndex(), record->ColumnString(type, fullPath));
-    }
+    AddToListview(record, m_lists[size_t(side)], m_icons, fullPath);
 }
 
 void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const ComparisonFilePtr &destFile,

@@ -12,9 +12,12 @@
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
 #include "views/ColumnLayout.h"
+#include "views/ColumnPopup.h"
 #include "views/DrawEdge.h"
 #include "views/EdgeStyle.h"
 #include "views/ImageList.h"
+#include "views/LinkedListings.h"
+#include "views/ListSorting.h"
 #include "views/ListView.h"
 #include "views/Splitter.h"
 #include "views/frmAbout.h"
@@ -180,6 +183,15 @@ void frmMain::buildPanes() {
         pane->addWidget(lvwFiles[i], 1);
     }
     m_listing = std::make_unique<ResultListing>(lvwFiles, ImageList1);
+    m_linked = new LinkedListings(
+        lvwFiles[0], lvwFiles[1],
+        [this](int side) -> const ComparisonFileCollection * {
+            return side ? colDestFiles.get() : colSourceFiles.get();
+        },
+        this);
+    connect(m_linked, &LinkedListings::UpdateListView, this, &frmMain::UpdateListView);
+    m_columnPopup = new ColumnPopup(m_linked, this);
+    connect(m_columnPopup, &ColumnPopup::UpdateListView, this, &frmMain::UpdateListView);
     oSplitter = new Splitter(this);
     oSplitter->setContainer(picMain);
     oSplitter->setSplitterSize(6);
@@ -248,6 +260,7 @@ void frmMain::InitializeDisplay() {
     ColumnLayout::LoadLayout(lvwFiles[1], true, false);
     if (menus->mnuViewLink->isChecked())
         ColumnLayout::MatchColumns(lvwFiles[0], lvwFiles[1]);
+    m_linked->setLinked(menus->mnuViewLink->isChecked());
     cmdCompare->setText(compareButtonCaption);
     cmdCompare->setDefault(true);
     UpdateStatus(QStringLiteral("Ready"), false, -1, false);
@@ -330,7 +343,9 @@ void frmMain::ToggleViewOption(QAction *item) {
     view.boldDifferences = m.mnuViewBold->isChecked();
     Options::setViewOptions(view);
 
-    if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
+    if (item == m.mnuViewLink)
+        m_linked->SwitchLinking(view.linkListings);
+    else if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
         RefreshFileListings();
     else if (item == m.mnuViewFullPath) {
         UpdateListView(0);
@@ -449,6 +464,8 @@ void frmMain::cmdCompare_Click() {
     }
     SetCompareMode(false);
     oSplitter->Resize();
+    if (!cancelled && menus->mnuViewLink->isChecked())
+        ResortLinkedLists();
     unsetCursor();
     if (m_problems)
         m_problems->SetProblems(colSourceFiles->Problems(), colDestFiles->Problems());
@@ -534,6 +551,15 @@ void frmMain::oPairscope_FilesCompared(const ComparisonFilePtr &SourceFile,
                                        const ComparisonFilePtr &DestFile, int ComparisonResult) {
     const ResultListing::ViewState view = CurrentViewState();
     m_listing->ListPair(SourceFile, DestFile, ComparisonResult, view);
+}
+
+void frmMain::ResortLinkedLists() {
+    // Both lists are re-sorted on the header whose index equals the list's sort key as it
+    // stands, and both with the source collection: the order the program has always shown.
+    for (ListView *list : lvwFiles) {
+        SortListView(list, colSourceFiles.get(), list->Column(list->SortKey()),
+                     list->SortOrder() == Qt::AscendingOrder);
+    }
 }
 
 ResultListing::ViewState frmMain::CurrentViewState() const {

@@ -14,10 +14,12 @@
 #include <memory>
 
 class ComparisonFileCollection;
+class ColumnPopup;
 class ComparisonsCombo;
 class DrawEdge;
 class FolderCombo;
 class ImageList;
+class LinkedListings;
 class ListView;
 class Pairscope;
 class QComboBox;
@@ -154,8 +156,11 @@ private:
 
     bool RunAttempts();
     ResultListing::ViewState CurrentViewState() const;
+    void ResortLinkedLists();
 
     std::unique_ptr<ResultListing> m_listing;
+    LinkedListings *m_linked = nullptr;
+    ColumnPopup *m_columnPopup = nullptr;
     ComparisonsCombo *m_comparisons = nullptr;
     std::array<FolderCombo *, 2> m_folders{};
     QPointer<frmProblems> m_problems;
