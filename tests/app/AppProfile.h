@@ -17,10 +17,6 @@ public:
 
     bool isValid() const { return m_dir.isValid(); }
     QString dataHome() const { return m_dir.path() + QStringLiteral("/data"); }
-    /** Removes the settings file: the next read sees an empty store. */
-    void clearSettings() const {
-        QFile::remove(m_dir.path() + QStringLiteral("/config/Pairscope/Pairscope.ini"));
-    }
 
 private:
     QTemporaryDir m_dir;
