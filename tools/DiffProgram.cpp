@@ -2,6 +2,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
+#include "tools/RowRecord.h"
 #include "tools/frmSelectDiff.h"
 #include "views/ListView.h"
 
@@ -88,9 +89,7 @@ void ExamineDifferences(QWidget *owner, const QString &program, const ListView *
     if (!selected)
         return;
     const ComparisonFileCollection &own = side == 0 ? source : destination;
-    ComparisonFilePtr file = own.Item(selected.Key());
-    if (!file)
-        file = selected.Record();
+    const ComparisonFilePtr file = RowRecord(selected, own);
     if (!file)
         return;
     QString error;

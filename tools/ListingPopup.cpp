@@ -2,6 +2,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "engine/PathHelpers.h"
+#include "tools/RowRecord.h"
 #include "tools/ShellContextMenu.h"
 #include "views/ListView.h"
 
@@ -21,9 +22,7 @@ ListingSelection ListingSelection::Of(const ListView *listing,
         if (!selected[i])
             continue;
         const ListItem row = listing->Item(int(i) + 1);
-        ComparisonFilePtr file = collection.Item(row.Key());
-        if (!file)
-            file = row.Record();
+        const ComparisonFilePtr file = RowRecord(row, collection);
         struct stat st {};
         const QByteArray path = file ? file->NativePath() : QByteArray();
         const QString parentKey =

@@ -5,6 +5,7 @@
 #include "tools/CopyJob.h"
 #include "tools/CopyProgressDialog.h"
 #include "tools/FileIcons.h"
+#include "tools/RowRecord.h"
 #include "tools/frmSynchronizer.h"
 #include "views/ListView.h"
 
@@ -88,9 +89,7 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
         if (!selected[i])
             continue;
         const ListItem item = fromListing->Item(int(i) + 1);
-        ComparisonFilePtr file = from.Item(item.Key());
-        if (!file)
-            file = item.Record();
+        const ComparisonFilePtr file = RowRecord(item, from);
         if (!file || !file->HasFileObject() || !IsValidFileObject(file->FileObject()))
             continue; // the file does not exist on the from side
         const QByteArray target = SyncTarget(*file, to);
