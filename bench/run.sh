@@ -2,12 +2,15 @@
 # bench/run.sh: measures pairscope-cli against the peer tools on generated corpora.
 #
 # usage: bench/run.sh [-n RUNS] [--scratch DIR] [--only small|large] [--files N] [--keep]
+#                     [--reuse] [--cli PATH]
 #   -n RUNS      timed rounds (default 5); the figures are medians over the rounds
 #   --scratch    folder for the corpora and the read-floor tool, outside the repository
 #                (default /tmp/pairscope-bench); about 3 GB per corpus
 #   --only       run one corpus: small (200,000 small files) or large (~3 GB of 1-32 MiB files)
 #   --files N    entries of the small corpus (default 200000)
 #   --keep       keep the corpora afterwards (they are deleted by default)
+#   --reuse      use corpora kept by an earlier --keep run instead of making them again
+#   --cli PATH   time this pairscope-cli instead of a fresh release build in build/
 #
 # Steps: a release build of pairscope-cli in build/, read-floor built from the shared bench
 # tools, the corpora made with make-corpus, a check that pairscope-cli reports exactly what
@@ -17,7 +20,7 @@
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 tools="${PAIRSCOPE_BENCH_TOOLS:-$root/../shared/bench}"
-runs=5 scratch=/tmp/pairscope-bench only="" files=200000 keep=0
+runs=5 scratch=/tmp/pairscope-bench only="" files=200000 keep=0 reuse=0 cli=""
 while [ $# -gt 0 ]; do
   case "$1" in
     -n) runs="$2"; shift 2 ;;
@@ -25,7 +28,9 @@ while [ $# -gt 0 ]; do
     --only) only="$2"; shift 2 ;;
     --files) files="$2"; shift 2 ;;
     --keep) keep=1; shift ;;
-    -h | --help) sed -n '2,19p' "$0"; exit 0 ;;
+    --reuse) reuse=1; keep=1; shift ;;
+    --cli) cli="$(realpath "$2")"; shift 2 ;;
+    -h | --help) sed -n '2,22p' "$0"; exit 0 ;;
     *) echo "bench/run.sh: unknown argument '$1' (see --help)" >&2; exit 2 ;;
   esac
 done
@@ -38,9 +43,11 @@ mkdir -p "$scratch"
 scratch="$(cd "$scratch" && pwd)"
 
 "$root/scripts/deps"
-cmake -S "$root" -B "$root/build" -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build "$root/build" --target pairscope-cli
-cli="$root/build/cli/pairscope-cli"
+if [ -z "$cli" ]; then
+  cmake -S "$root" -B "$root/build" -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
+  cmake --build "$root/build" --target pairscope-cli
+  cli="$root/build/cli/pairscope-cli"
+fi
 g++ -O2 -std=c++17 -o "$scratch/read-floor" "$tools/read-floor.cpp" -ldeflate
 export PATH="$scratch:$PATH"
 
@@ -56,6 +63,14 @@ peak_memory() { # CORPUS COMPARE
   echo "peak memory, -c $2: $kb KiB for $n files = $((kb * 1024 / n)) bytes/file"
 }
 
+corpus() { # NAME MAKE-CORPUS-ARGS...: makes SCRATCH/NAME unless reusing one
+  if [ "$reuse" = 1 ] && [ -f "$scratch/$1/summary.json" ]; then
+    echo "reusing $scratch/$1"
+  else
+    "$tools/make-corpus" "$scratch/$1" "${@:2}" --force >/dev/null
+  fi
+}
+
 timed() { # CORPUS ARGS...: bench/timeit.py with read-floor as the prewarm
   python3 "$root/bench/timeit.py" -n "$runs" --prewarm "read-floor read SRC DST" "$@"
 }
@@ -63,8 +78,7 @@ timed() { # CORPUS ARGS...: bench/timeit.py with read-floor as the prewarm
 ps="$cli --no-progress --format tsv"
 if [ "$only" != large ]; then
   echo "== small corpus: $files entries"
-  "$tools/make-corpus" "$scratch/small" --files "$files" --sizes small --fanout 10 --depth 3 \
-    --seed 1 --force >/dev/null
+  corpus small --files "$files" --sizes small --fanout 10 --depth 3 --seed 1
   python3 "$root/bench/check-corpus.py" "$cli" "$scratch/small"
   timed --ratio ps-size-modified/walk --ratio ps-crc/diff-rq --ratio ps-crc/rsync-c \
     --ratio ps-crc/read-floor-crc "$scratch/small" \
@@ -82,8 +96,7 @@ fi
 
 if [ "$only" != small ]; then
   echo "== large corpus"
-  "$tools/make-corpus" "$scratch/large" --files 200 --sizes large --fanout 4 --depth 1 --seed 2 \
-    --force >/dev/null
+  corpus large --files 200 --sizes large --fanout 4 --depth 1 --seed 2
   python3 "$root/bench/check-corpus.py" "$cli" "$scratch/large"
   timed --ratio ps-size-crc/read-floor-read --ratio ps-size-crc/read-floor-crc \
     --ratio ps-size-crc/diff-rq "$scratch/large" \
