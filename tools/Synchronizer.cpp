@@ -4,9 +4,10 @@
 #include "engine/PathHelpers.h"
 #include "tools/CopyJob.h"
 #include "tools/CopyProgressDialog.h"
-#include "tools/FileIcons.h"
 #include "tools/RowRecord.h"
 #include "tools/frmSynchronizer.h"
+#include "views/AddToListview.h"
+#include "views/FileIconCache.h"
 #include "views/ListView.h"
 
 #include <QCheckBox>
@@ -66,9 +67,13 @@ ListItem AddToSynchronizer(const ComparisonFilePtr &file, ListView *lvwSync, Ima
     row.setSubItems(1, RemoveBackslash(file->ParentFolder()));
     row.setRecord(file);
     if (Images) {
+        // The listings' icon rule: one image per type, one per "exe" or "ico" file.
+        const QString key = RecordIconKey(*file);
+        FileIconCache::AddFileIcon(Images, file->NativePath(), key);
         if (!lvwSync->SmallIcons())
             lvwSync->setSmallIcons(Images);
-        row.setSmallIcon(FileIconIndex(Images, *file));
+        const int index = FileIconCache::ImageIndexOfKey(Images, key);
+        row.setSmallIcon(index > 0 ? index : 1);
     }
     return row;
 }

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void targetIsTheCounterpartOrBelowTheOtherRoot();
     void rootIsReplacedOnceAtTheStart();
     void addToSynchronizerSkipsPlaceholders();
+    void iconsAreSharedByTypeButNotByPrograms();
     void nothingQualifyingSaysNoFilesToCopy();
     void reviewListsSelectedFilesAndCopiesInShownOrder();
     void cancelCopiesNothingAndPromptIsRemembered();
@@ -146,6 +147,25 @@ void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
     QVERIFY(row.SmallIcon() >= 1);
     QVERIFY(!AddToSynchronizer(*s.source.begin(), &review, &images)); // the key is listed
     QCOMPARE(review.ItemCount(), 1);
+}
+
+void tst_Synchronizer::iconsAreSharedByTypeButNotByPrograms() {
+    Sides s;
+    for (const char *name : {"one/a.txt", "two/b.txt", "one/x.exe", "two/y.exe"})
+        QVERIFY(s.tree.write(QStringLiteral("src/") + QLatin1String(name), "data"));
+    s.walk();
+    ListView review;
+    ImageList images;
+    QMap<QString, int> icons;
+    for (const ComparisonFilePtr &file : s.source) {
+        const ListItem row = AddToSynchronizer(file, &review, &images);
+        QVERIFY(row);
+        icons.insert(row.Text(), row.SmallIcon());
+    }
+    QCOMPARE(icons.value(QStringLiteral("a.txt")), icons.value(QStringLiteral("b.txt")));
+    QVERIFY(icons.value(QStringLiteral("x.exe")) != icons.value(QStringLiteral("y.exe")));
+    QCOMPARE(images.Count(), 3);
+    QCOMPARE(review.SmallIcons(), &images);
 }
 
 void tst_Synchronizer::nothingQualifyingSaysNoFilesToCopy() {
