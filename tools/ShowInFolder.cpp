@@ -1,6 +1,8 @@
 #include "tools/ShowInFolder.h"
 
 #include "tools/FileManagerBus.h"
+#include "tools/RowRecord.h"
+#include "views/ListView.h"
 
 #include <QDesktopServices>
 
@@ -38,6 +40,13 @@ QString Command(const QByteArray &nativePath) {
     if (nativePath.isEmpty() || ::lstat(nativePath.constData(), &st) != 0)
         return QString();
     return FileUri(nativePath);
+}
+
+QString CommandForSelection(const ListView *listing, const ComparisonFileCollection &collection) {
+    if (!listing)
+        return QString();
+    const ComparisonFilePtr file = RowRecord(listing->SelectedItem(), collection);
+    return file ? Command(file->NativePath()) : QString();
 }
 
 void OpenContainingFolder(const QString &command, FolderOpener fallback) {

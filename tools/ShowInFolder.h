@@ -6,6 +6,9 @@
 
 #include <functional>
 
+class ComparisonFileCollection;
+class ListView;
+
 /**
  * Open Containing Folder: the desktop's file manager opens the folder of a file with the file
  * selected (org.freedesktop.FileManager1.ShowItems on the session bus); where no file manager
@@ -24,6 +27,12 @@ QString FileUri(const QByteArray &nativePath);
  * exists there (a file, link or folder), else "" (the command then does nothing).
  */
 QString Command(const QByteArray &nativePath);
+
+/**
+ * Command() for the selected row of \a listing, whose rows are records of \a collection: ""
+ * without a selected row or when its file is missing on that side.
+ */
+QString CommandForSelection(const ListView *listing, const ComparisonFileCollection &collection);
 
 /**
  * Carries out \a command (as Command() made it): asks the file manager to show the item and,

@@ -358,6 +358,16 @@ void tst_ShellIntegration::commandNamesExistingItemsOnly() {
     QCOMPARE(ShowInFolder::Command(m_tree->nativePath("src/one/a.txt")),
              QStringLiteral("file://") + m_tree->path(QStringLiteral("src/one/a.txt")));
     QCOMPARE(ShowInFolder::FileUri("/a b/\xff%.txt"), QStringLiteral("file:///a%20b/%FF%25.txt"));
+
+    const auto selectOnly = [&](const QString &text) {
+        for (int i = 1; i <= m_listing->ItemCount(); ++i)
+            m_listing->Item(i).setSelected(m_listing->Item(i).Text() == text);
+        return ShowInFolder::CommandForSelection(m_listing.get(), *m_source);
+    };
+    QCOMPARE(selectOnly(QStringLiteral("gone.txt")), QString());
+    QCOMPARE(selectOnly(QString()), QString());
+    QCOMPARE(selectOnly(QStringLiteral("c.txt")), // the real path: "One", not the key's "one"
+             QStringLiteral("file://") + m_tree->path(QStringLiteral("src/One/c.txt")));
 }
 
 void tst_ShellIntegration::fileManagerReceivesTheRealPath() {
