@@ -39,7 +39,9 @@ ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageLis
 
     if (images) {
         const QString key = RecordIconKey(*record);
-        FileIconCache::AddFileIcon(images, record->NativePath(), key);
+        // A placeholder's file does not exist on this side: there is no icon to fetch.
+        if (record->HasFileObject())
+            FileIconCache::AddFileIcon(images, record->NativePath(), key);
         if (!list->SmallIcons())
             list->setSmallIcons(images);
         const int index = FileIconCache::ImageIndexOfKey(images, key);

@@ -2,6 +2,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "views/ListColumns.h"
+#include "views/ListModel.h"
 #include "views/ListView.h"
 
 bool SortListView(ListView *list, const ComparisonFileCollection *collection,
@@ -34,26 +35,32 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection,
 
     // Sort keys are handed to the list directly rather than written into the rows and read
     // back: the order is the same, and no row is repainted twice.
+    ListModel *model = list->listModel();
+    model->flush();
     const int subItem = column->SubItemIndex();
-    const int count = list->ItemCount();
-    const size_t rows = static_cast<size_t>(count);
-    std::vector<ComparisonFilePtr> records(rows);
-    std::vector<QString> keys(rows);
-    for (int i = 0; i < count; ++i) {
-        const ListItem item = list->Item(i + 1);
-        ComparisonFilePtr record = collection ? collection->Item(item.Key()) : nullptr;
-        keys[size_t(i)] = record ? record->SortString(type) : item.SubItems(subItem);
-        records[size_t(i)] = std::move(record);
+    const size_t count = size_t(model->rowTotal());
+    std::vector<std::shared_ptr<ListRow>> rows(count);
+    std::vector<ComparisonFilePtr> records(count);
+    std::vector<QString> keys(count);
+    const QString root = collection ? collection->RootFolder() : QString();
+    for (size_t i = 0; i < count; ++i) {
+        rows[i] = model->row(int(i));
+        // A row made from a record of a collection with this very root holds the record the
+        // collection finds under the row's key; asking the collection would only cost time.
+        const ComparisonFilePtr &own = rows[i]->record;
+        ComparisonFilePtr record;
+        if (own && collection && own->RootPath() == root)
+            record = own;
+        else if (collection)
+            record = collection->Item(rows[i]->key);
+        keys[i] = record ? record->SortString(type) : rows[i]->text(subItem);
+        records[i] = std::move(record);
     }
-    // The records travel with their rows, so the texts are put back after the sort.
-    std::vector<ListItem> items;
-    items.reserve(rows);
-    for (int i = 0; i < count; ++i)
-        items.push_back(list->Item(i + 1));
     list->SortByKeys(keys, order);
-    for (int i = 0; i < count; ++i) {
-        if (const ComparisonFilePtr &record = records[size_t(i)])
-            items[size_t(i)].setSubItems(subItem, record->ColumnString(type, false));
+    // The rows were moved, the pointers still name them: their texts are put back.
+    for (size_t i = 0; i < count; ++i) {
+        if (const ComparisonFilePtr &record = records[i])
+            model->setText(*rows[i], subItem, record->ColumnString(type, false));
     }
     return true;
 }

@@ -20,16 +20,75 @@ bool isDigitText(const QString &text) {
     return true;
 }
 
-template <typename Less>
-std::vector<int> stableOrder(size_t count, Qt::SortOrder sortOrder, Less less) {
-    std::vector<int> positions(count);
-    std::iota(positions.begin(), positions.end(), 0);
+/**
+ * A text to sort and its first code units (from an offset on) packed into two numbers, so
+ * that most comparisons are decided without reading the texts themselves, which lie
+ * scattered in memory.
+ */
+struct Packed {
+    quint64 head;
+    quint64 next;
+    int index;
+};
+
+template <int UnitBits> quint64 pack(const QString &text, qsizetype offset) {
+    quint64 word = 0;
+    for (int i = 0; i < 64 / UnitBits; ++i) {
+        const qsizetype at = offset + i;
+        const quint64 unit = at < text.size() ? text.at(at).unicode() : 0;
+        word = (word << UnitBits) | unit;
+    }
+    return word;
+}
+
+/**
+ * The order of \a texts by their UTF-16 code units, past the \a offset units they all
+ * share; \a UnitBits is 16 for any text, 8 when every unit is below 256.
+ */
+template <int UnitBits>
+std::vector<int> packedOrder(const std::vector<QString> &texts, qsizetype offset,
+                             Qt::SortOrder sortOrder) {
+    constexpr qsizetype unitsPerWord = 64 / UnitBits;
+    std::vector<Packed> entries(texts.size());
+    for (size_t i = 0; i < texts.size(); ++i) {
+        entries[i] = Packed{pack<UnitBits>(texts[i], offset),
+                            pack<UnitBits>(texts[i], offset + unitsPerWord), int(i)};
+    }
+    const qsizetype rest = offset + 2 * unitsPerWord;
+    const auto less = [&texts, rest](const Packed &a, const Packed &b) {
+        if (a.head != b.head)
+            return a.head < b.head;
+        if (a.next != b.next)
+            return a.next < b.next;
+        const QString &x = texts[size_t(a.index)];
+        const QString &y = texts[size_t(b.index)];
+        return QStringView(x).mid(std::min(rest, x.size())) <
+               QStringView(y).mid(std::min(rest, y.size()));
+    };
     if (sortOrder == Qt::AscendingOrder)
-        std::stable_sort(positions.begin(), positions.end(), less);
+        std::stable_sort(entries.begin(), entries.end(), less);
     else
-        std::stable_sort(positions.begin(), positions.end(),
-                         [&less](int a, int b) { return less(b, a); });
+        std::stable_sort(entries.begin(), entries.end(),
+                         [&less](const Packed &a, const Packed &b) { return less(b, a); });
+    std::vector<int> positions(texts.size());
+    for (size_t i = 0; i < entries.size(); ++i)
+        positions[i] = entries[i].index;
     return positions;
+}
+
+/** The number of leading code units every text shares. */
+qsizetype commonPrefix(const std::vector<QString> &texts) {
+    if (texts.empty())
+        return 0;
+    qsizetype common = texts.front().size();
+    for (const QString &text : texts) {
+        qsizetype i = 0;
+        const qsizetype limit = std::min(common, text.size());
+        while (i < limit && text.at(i) == texts.front().at(i))
+            ++i;
+        common = i;
+    }
+    return common;
 }
 
 } // namespace
@@ -50,18 +109,14 @@ int TextCollation::compare(const QString &a, const QString &b) const {
 
 std::vector<int> TextCollation::order(const std::vector<QString> &texts,
                                       Qt::SortOrder sortOrder) const {
-    if (std::all_of(texts.begin(), texts.end(), isDigitText)) {
-        return stableOrder(texts.size(), sortOrder,
-                           [&texts](int a, int b) { return texts[size_t(a)] < texts[size_t(b)]; });
-    }
+    if (std::all_of(texts.begin(), texts.end(), isDigitText))
+        return packedOrder<8>(texts, commonPrefix(texts), sortOrder);
     if (m_plain) {
         std::vector<QString> folded;
         folded.reserve(texts.size());
         for (const QString &text : texts)
             folded.push_back(text.toCaseFolded());
-        return stableOrder(texts.size(), sortOrder, [&folded](int a, int b) {
-            return folded[size_t(a)] < folded[size_t(b)];
-        });
+        return packedOrder<16>(folded, commonPrefix(folded), sortOrder);
     }
     // One sort key per text, then cheap key comparisons: a collator comparison per pair
     // would cost n log n full collations.
@@ -69,7 +124,15 @@ std::vector<int> TextCollation::order(const std::vector<QString> &texts,
     keys.reserve(texts.size());
     for (const QString &text : texts)
         keys.push_back(m_collator.sortKey(text));
-    return stableOrder(texts.size(), sortOrder, [&keys](int a, int b) {
+    std::vector<int> positions(texts.size());
+    std::iota(positions.begin(), positions.end(), 0);
+    const auto less = [&keys](int a, int b) {
         return keys[size_t(a)].compare(keys[size_t(b)]) < 0;
-    });
+    };
+    if (sortOrder == Qt::AscendingOrder)
+        std::stable_sort(positions.begin(), positions.end(), less);
+    else
+        std::stable_sort(positions.begin(), positions.end(),
+                         [&less](int a, int b) { return less(b, a); });
+    return positions;
 }
