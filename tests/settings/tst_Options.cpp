@@ -64,7 +64,7 @@ private Q_SLOTS:
     void windowRect_data();
     void windowRect();
     void windowRectWrittenAsShortestDecimals();
-    void viewOptionsTogether();
+    void settingsFileIsAFolder();
     void handEditedFile_data();
     void handEditedFile();
     void unwritableFolder_data();
@@ -216,14 +216,11 @@ void tst_Options::windowRectWrittenAsShortestDecimals() {
     QCOMPARE(Options::windowRect(defaultRect), (WindowRect{12.5f, -3, 640, 480.1f}));
 }
 
-void tst_Options::viewOptionsTogether() {
-    Options::ViewOptions options;
-    options.linkListings = false;
-    options.boldDifferences = true;
-    QVERIFY(Options::setViewOptions(options));
-    QCOMPARE(Options::viewOptions(), options);
-    QVERIFY(!Options::linkListings());
-    QVERIFY(Options::boldDifferences());
+void tst_Options::settingsFileIsAFolder() {
+    QVERIFY(QDir().mkpath(SettingsStore::fileName()));
+    QCOMPARE(Options::doCRCLast(), true);
+    QVERIFY(!Options::setDoCRCLast(false));
+    QVERIFY(QDir().rmdir(SettingsStore::fileName()));
 }
 
 void tst_Options::handEditedFile_data() {
