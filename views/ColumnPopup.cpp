@@ -8,6 +8,8 @@
 
 #include <QMenu>
 
+#include <vector>
+
 ColumnPopup::ColumnPopup(LinkedListings *listings, QWidget *parent)
     : QObject(parent)
     , m_listings(listings)
@@ -83,32 +85,24 @@ int ColumnPopup::sideOfTag() const {
     return -1;
 }
 
+void ColumnPopup::changeLists(const std::function<void(int side)> &change) {
+    // Linked lists change together; otherwise only the list the menu was opened on.
+    std::vector<int> sides;
+    if (m_listings->isLinked())
+        sides = {0, 1};
+    else if (const int side = sideOfTag(); side >= 0)
+        sides = {side};
+    for (int side : sides)
+        change(side);
+    for (int side : sides)
+        Q_EMIT UpdateListView(side);
+}
+
 void ColumnPopup::apply() {
-    if (m_listings->isLinked()) {
-        ApplyColumnMenu(m_listings->list(0));
-        ApplyColumnMenu(m_listings->list(1));
-        Q_EMIT UpdateListView(0);
-        Q_EMIT UpdateListView(1);
-        return;
-    }
-    const int side = sideOfTag();
-    if (side < 0)
-        return;
-    ApplyColumnMenu(m_listings->list(side));
-    Q_EMIT UpdateListView(side);
+    changeLists([this](int side) { ApplyColumnMenu(m_listings->list(side)); });
 }
 
 void ColumnPopup::resetLayout() {
-    if (m_listings->isLinked()) {
-        ColumnLayout::LoadLayout(m_listings->list(0), false, true);
-        ColumnLayout::LoadLayout(m_listings->list(1), true, true);
-        Q_EMIT UpdateListView(0);
-        Q_EMIT UpdateListView(1);
-        return;
-    }
-    const int side = sideOfTag();
-    if (side < 0)
-        return;
-    ColumnLayout::LoadLayout(m_listings->list(side), side == 1, true);
-    Q_EMIT UpdateListView(side);
+    changeLists(
+        [this](int side) { ColumnLayout::LoadLayout(m_listings->list(side), side == 1, true); });
 }

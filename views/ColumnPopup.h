@@ -4,6 +4,7 @@
 #include <QPointer>
 
 #include <array>
+#include <functional>
 
 class LinkedListings;
 class ListView;
@@ -52,6 +53,7 @@ Q_SIGNALS:
     void UpdateListView(int side);
 
 private:
+    void changeLists(const std::function<void(int side)> &change);
     void apply();
     void resetLayout();
     void setOptionalChecks(bool checked);
