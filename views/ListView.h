@@ -154,7 +154,7 @@ public:
 Q_SIGNALS:
     /** A header was clicked. */
     void ColumnClick(ColumnHeader *column);
-    /** The header was right-clicked (or its menu asked for) at global \a position. */
+    /** The header was right-clicked at global \a position. */
     void ColumnMenuRequested(const QPoint &position);
 
 protected:
