@@ -28,10 +28,16 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
     mnuFileOptions = mnuFile->addAction(QStringLiteral("&Reset Options"));
     mnuFileZ4 = mnuFile->addSeparator();
     mnuFileExit = mnuFile->addAction(QStringLiteral("E&xit"));
+    mnuFileExit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 
     mnuEdit = bar->addMenu(QStringLiteral("&Edit"));
     mnuEditSelectAll = mnuEdit->addAction(QStringLiteral("Select &All"));
     mnuEditClearSelections = mnuEdit->addAction(QStringLiteral("&Clear Selections"));
+    // The keys of the Linux desktops, given as keys rather than as the platform's standard
+    // sequences, which some platform themes leave empty. A text box with the focus keeps
+    // Ctrl+A for its text: a widget that handles a key itself is asked first.
+    mnuEditSelectAll->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));
+    mnuEditClearSelections->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
 
     mnuView = bar->addMenu(QStringLiteral("&View"));
     mnuViewLink = checkItem(mnuView, QStringLiteral("&Link File Listings"));

@@ -11,6 +11,10 @@ class QMenuBar;
 /**
  * The main window's menu bar: every menu and item with its caption, access key, separators and
  * check items. The window connects the items to its handlers; this class only builds them.
+ *
+ * Beside the access keys, three items carry the desktop's usual shortcuts: Exit (Ctrl+Q),
+ * Select All (Ctrl+A) and Clear Selections (Ctrl+Shift+A). Enter (Compare) and Esc (Cancel)
+ * belong to the window.
  */
 class MainMenuBar {
 public:

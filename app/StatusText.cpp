@@ -60,6 +60,19 @@ void StatusText::mouseReleaseEvent(QMouseEvent *event) {
     QWidget::mouseReleaseEvent(event);
 }
 
+bool StatusText::event(QEvent *event) {
+    // While it is a focused link, Enter opens it rather than reaching the window's own
+    // Enter key (which starts a compare).
+    if (event->type() == QEvent::ShortcutOverride && m_clickable) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
 void StatusText::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
     if (m_clickable && (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter)) {

@@ -90,13 +90,14 @@ frmMain::frmMain(QWidget *parent)
     connect(StatusBar1, &StatusLine::textClicked, this, &frmMain::ShowProblems);
 
     // Enter starts a compare from anywhere in the window, and Esc cancels a running one, as
-    // the default and cancel buttons of a dialog would.
+    // the default and cancel buttons of a dialog would. The press is immediate, not animated:
+    // a delayed click could land after the run it meant to cancel and start a new one.
     m_enter = new QShortcut(QKeySequence(Qt::Key_Return), this);
     m_keypadEnter = new QShortcut(QKeySequence(Qt::Key_Enter), this);
     m_escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     m_escape->setEnabled(false);
     for (QShortcut *key : {m_enter, m_keypadEnter, m_escape})
-        connect(key, &QShortcut::activated, cmdCompare, &QPushButton::animateClick);
+        connect(key, &QShortcut::activated, cmdCompare, &QPushButton::click);
     connect(cmdCompare, &QPushButton::clicked, this, &frmMain::cmdCompare_Click);
     connectMenus();
 
@@ -206,8 +207,8 @@ void frmMain::buildPanes() {
 void frmMain::connectMenus() {
     MainMenuBar &m = *menus;
     // Items whose behaviour has not been built yet stay disabled rather than silent.
-    for (QAction *item : {m.mnuFileSelectDiff, m.mnuFileOptions, m.mnuToolsOpenContainingFolder,
-                          m.mnuToolsDiff, m.mnuToolsCopyToSource, m.mnuToolsCopyToDest})
+    for (QAction *item : {m.mnuFileSelectDiff, m.mnuToolsOpenContainingFolder, m.mnuToolsDiff,
+                          m.mnuToolsCopyToSource, m.mnuToolsCopyToDest})
         item->setEnabled(false);
 
     for (int i = 0; i < 2; ++i)
@@ -215,19 +216,12 @@ void frmMain::connectMenus() {
                 [this, i] { m_folders[i]->Browse(); });
     connect(m.mnuFileCompare, &QAction::triggered, this, &frmMain::cmdCompare_Click);
     connect(m.mnuFileClear, &QAction::triggered, this, &frmMain::ClearDisplay);
+    connect(m.mnuFileOptions, &QAction::triggered, this, &frmMain::mnuFileOptions_Click);
     connect(m.mnuFileExit, &QAction::triggered, this, &QWidget::close);
     connect(m.mnuFileIncludeSlack, &QAction::triggered, this,
             [](bool checked) { Options::setIncludeSlack(checked); });
 
-    connect(m.mnuEdit, &QMenu::aboutToShow, this, &frmMain::mnuEdit_Click);
-    connect(m.mnuEditSelectAll, &QAction::triggered, this, [this] {
-        if (ListView *list = ActiveList())
-            list->SelectAll();
-    });
-    connect(m.mnuEditClearSelections, &QAction::triggered, this, [this] {
-        if (ListView *list = ActiveList())
-            list->ClearSelections();
-    });
+    m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
 
     for (QAction *item :
          {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
@@ -343,9 +337,12 @@ void frmMain::ToggleViewOption(QAction *item) {
     view.boldDifferences = m.mnuViewBold->isChecked();
     Options::setViewOptions(view);
 
-    if (item == m.mnuViewLink)
+    if (item == m.mnuViewLink) {
         m_linked->SwitchLinking(view.linkListings);
-    else if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
+        // Placeholder rows stand for the other side's files, so they are decided anew.
+        if (view.useMissingPlaceholders)
+            RefreshFileListings();
+    } else if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
         RefreshFileListings();
     else if (item == m.mnuViewFullPath) {
         UpdateListView(0);
@@ -357,18 +354,49 @@ void frmMain::ToggleViewOption(QAction *item) {
 }
 
 ListView *frmMain::ActiveList() const {
-    const QWidget *focus = focusWidget();
-    for (ListView *list : lvwFiles) {
-        if (focus && (focus == list || list->isAncestorOf(focus)))
-            return list;
-    }
-    return nullptr;
+    return m_edit->ActiveList();
 }
 
-void frmMain::mnuEdit_Click() {
-    ListView *list = ActiveList();
-    menus->mnuEditSelectAll->setEnabled(list != nullptr);
-    menus->mnuEditClearSelections->setEnabled(list && list->SelectedCount() > 0);
+int frmMain::ActiveSide() const {
+    return m_edit->ActiveSide();
+}
+
+void frmMain::mnuFileOptions_Click() {
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Pairscope"),
+                    QStringLiteral("Set default visuals and clear recent selections?"),
+                    QMessageBox::Yes | QMessageBox::No, this);
+    box.setDefaultButton(QMessageBox::No);
+    if (box.exec() == QMessageBox::No)
+        return;
+    ResetOptions();
+}
+
+void frmMain::ResetOptions() {
+    const ResultListing::ViewState before = CurrentViewState();
+    m_folders[0]->Fill(true);
+    m_folders[1]->Fill(true);
+    m_comparisons->Fill(true);
+    ColumnLayout::LoadLayout(lvwFiles[0], false, true);
+    ColumnLayout::LoadLayout(lvwFiles[1], true, true);
+    Options::setOrientation(Options::VerticalOrientation);
+    ApplyOrientation(Options::VerticalOrientation);
+    Options::setAlwaysOnTop(false);
+    ApplyAlwaysOnTop(false);
+    const Options::ViewOptions view;
+    Options::setViewOptions(view);
+    ApplyViewOptions();
+    Options::setIncludeSlack(true);
+    menus->mnuFileIncludeSlack->setChecked(true);
+
+    // The listings follow: linking switched back on couples them as the View item would,
+    // a changed listing rule re-decides the rows, and the new columns get their texts.
+    if (view.linkListings && !m_linked->isLinked())
+        m_linked->SwitchLinking(true);
+    if (view.useMissingPlaceholders != before.missingPlaceholders ||
+        view.allFiles != before.allFiles)
+        RefreshFileListings();
+    UpdateListView(0);
+    UpdateListView(1);
 }
 
 void frmMain::ClearDisplay() {
@@ -404,6 +432,7 @@ void frmMain::SetCompareMode(bool comparing) {
     m_escape->setEnabled(comparing);
     cmdCompare->setEnabled(true);
     m.mnuFileClear->setEnabled(e);
+    m.mnuFileOptions->setEnabled(e);
     if (comparing) {
         for (QAction *item :
              {m.mnuViewAllFiles, m.mnuViewBold, m.mnuViewFullPath, m.mnuViewLink, m.mnuViewMissing})

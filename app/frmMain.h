@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EditCommands.h"
 #include "MainMenuBar.h"
 #include "ResultListing.h"
 #include "ThrottledYield.h"
@@ -76,6 +77,28 @@ public:
     /** Sets the five View items' checks from the store and enables them. */
     void ApplyViewOptions();
 
+    /**
+     * The listing that has the keyboard focus, or null: the one the Edit and Tools menus act
+     * on. While a menu is open from the keyboard it is the listing the user was in.
+     */
+    ListView *ActiveList() const;
+    /** The side (0 source, 1 destination) of ActiveList(), or -1 when neither has the focus. */
+    int ActiveSide() const;
+
+    /**
+     * File > Reset Options: asks "Set default visuals and clear recent selections?" (No is
+     * the default answer) and, unless the answer is No, runs ResetOptions().
+     */
+    void mnuFileOptions_Click();
+    /**
+     * Puts back the defaults, in this order: the source and the destination folder lists
+     * (emptied), the recent comparison sets, the column layouts of both listings, the pane
+     * orientation, Always On Top, the five View options and the date slack; each is stored at
+     * once except the layouts, which are written when the window closes as always. The
+     * listings are brought in line with the new columns and View options.
+     */
+    void ResetOptions();
+
     /** @name The compare run */
     ///@{
     /** Starts a compare when idle, cancels the running one otherwise. */
@@ -151,14 +174,14 @@ private:
     int sideAt(const QPoint &pos) const;
     void ToggleViewOption(QAction *item);
     void ClearDisplay();
-    void mnuEdit_Click();
-    ListView *ActiveList() const;
 
     bool RunAttempts();
     ResultListing::ViewState CurrentViewState() const;
     void ResortLinkedLists();
 
     std::unique_ptr<ResultListing> m_listing;
+    /** Declared after the menus and released before them and the listings. */
+    std::unique_ptr<EditCommands> m_edit;
     LinkedListings *m_linked = nullptr;
     ColumnPopup *m_columnPopup = nullptr;
     ComparisonsCombo *m_comparisons = nullptr;

@@ -1,0 +1,502 @@
+#include "AppProfile.h"
+
+#include "app/StatusLine.h"
+#include "app/frmMain.h"
+#include "engine/ComparisonFileCollection.h"
+#include "settings/Options.h"
+#include "settings/RecentLists.h"
+#include "settings/SettingsStore.h"
+#include "support/TestTree.h"
+#include "tools/GeneralHelpers.h"
+#include "views/ListColumns.h"
+#include "views/ListView.h"
+#include "views/Splitter.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+class tst_MainCommands : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void editMenuEnabling_data();
+    void editMenuEnabling();
+    void editCommandsActOnTheFocusedList_data();
+    void editCommandsActOnTheFocusedList();
+
+    void resetOptionsDeclined_data();
+    void resetOptionsDeclined();
+    void resetOptionsAccepted();
+    void resetOptionsDisabledDuringRun();
+
+    void accessKeys_data();
+    void accessKeys();
+    void enterComparesEscapeCancels();
+
+private:
+    std::unique_ptr<AppProfile> m_profile;
+};
+
+namespace {
+
+/**
+ * A shown main window whose lists hold \a rows rows each. Their keys have no counterparts,
+ * so the listings start unlinked unless the store says otherwise: a selection stays where
+ * it was made.
+ */
+struct Window {
+    explicit Window(int rows = 3) {
+        if (!SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")))
+            Options::setLinkListings(false);
+        window.InitializeDisplay();
+        window.resize(900, 600);
+        window.show();
+        window.activateWindow();
+        for (int side = 0; side < 2; ++side) {
+            for (int i = 0; i < rows; ++i)
+                window.lvwFiles[side]->AddItem(QStringLiteral("/side%1/f%2").arg(side).arg(i),
+                                               QStringLiteral("f%1").arg(i));
+            window.lvwFiles[side]->flushRows();
+        }
+    }
+
+    bool focus(QWidget *widget) {
+        widget->setFocus(Qt::OtherFocusReason);
+        return QTest::qWaitFor([widget] { return widget->hasFocus(); });
+    }
+
+    QWidget *named(const QString &name) { return window.findChild<QWidget *>(name); }
+
+    frmMain window;
+};
+
+/** What a question box showed and how it was answered. */
+struct Question {
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+    bool shown = false;
+};
+
+/**
+ * While it lives, answers the first modal message box that opens: \a key pressed on it, or a
+ * click on \a button when \a key is 0.
+ */
+class BoxAnswer {
+public:
+    explicit BoxAnswer(QMessageBox::StandardButton button, int key = 0) {
+        m_poll.setInterval(5);
+        QObject::connect(&m_poll, &QTimer::timeout, [this, button, key] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            m_poll.stop();
+            seen.shown = true;
+            seen.text = box->text();
+            seen.icon = box->icon();
+            seen.defaultButton = box->standardButton(box->defaultButton());
+            if (key)
+                QTest::keyClick(box, Qt::Key(key));
+            else
+                box->button(button)->click();
+        });
+        m_poll.start();
+    }
+
+    Question seen;
+
+private:
+    QTimer m_poll;
+};
+
+/** The shown columns of \a list in display order, as "key width". */
+QStringList shownColumns(const ListView *list) {
+    QStringList columns;
+    for (int index : list->ColumnOrder()) {
+        const ColumnHeader *column = list->Column(index + 1);
+        columns << QStringLiteral("%1 %2").arg(column->Key()).arg(double(column->Width()));
+    }
+    return columns;
+}
+
+QStringList defaultColumns() {
+    QStringList columns;
+    for (int type : {9, 1, 2, 3, 4, 5})
+        columns << QStringLiteral("%1 %2").arg(ColumnKey(type)).arg(DefaultColumnWidth(type));
+    return columns;
+}
+
+/** Stores a value other than the default for every option that Reset Options puts back. */
+void storeNonDefaults(const TestTree &tree) {
+    RecentLists::saveFolders(RecentLists::Side::Source, {tree.path("a"), tree.path("b")}, 1);
+    RecentLists::saveFolders(RecentLists::Side::Destination, {tree.path("b")}, 0);
+    RecentLists::saveSelections({33, 1}, 0);
+    // Date Created shown in the source list, a wide Name in the destination list.
+    SettingsStore::write(QStringLiteral("SourceLayout"), QStringLiteral("Position6"),
+                         QStringLiteral("6"));
+    SettingsStore::write(QStringLiteral("DestLayout"), QStringLiteral("Width1"),
+                         QStringLiteral("333"));
+    Options::setOrientation(Options::HorizontalOrientation);
+    Options::setAlwaysOnTop(true);
+    Options::ViewOptions view;
+    view.linkListings = false;
+    view.useMissingPlaceholders = false;
+    view.fullPath = true;
+    view.allFiles = true;
+    view.boldDifferences = true;
+    Options::setViewOptions(view);
+    Options::setIncludeSlack(false);
+}
+
+} // namespace
+
+void tst_MainCommands::initTestCase() {
+    m_profile = std::make_unique<AppProfile>();
+    QVERIFY(m_profile->isValid());
+}
+
+void tst_MainCommands::init() {
+    QFile::remove(SettingsStore::fileName());
+}
+
+void tst_MainCommands::editMenuEnabling_data() {
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("selectedRows");
+    QTest::addColumn<bool>("selectAll");
+    QTest::addColumn<bool>("clearSelections");
+
+    QTest::newRow("folder combo") << "cboSelectPath0" << 0 << false << false;
+    QTest::newRow("comparisons combo") << "cboComparisons" << 0 << false << false;
+    QTest::newRow("Compare button") << "cmdCompare" << 0 << false << false;
+    QTest::newRow("list 1, nothing selected") << "lvwFiles1" << 0 << true << false;
+    QTest::newRow("list 0, one row selected") << "lvwFiles0" << 1 << true << true;
+    QTest::newRow("list 1, every row selected") << "lvwFiles1" << 3 << true << true;
+}
+
+void tst_MainCommands::editMenuEnabling() {
+    QFETCH(QString, focus);
+    QFETCH(int, selectedRows);
+    QFETCH(bool, selectAll);
+    QFETCH(bool, clearSelections);
+
+    Window w;
+    QVERIFY(QTest::qWaitForWindowActive(&w.window));
+    QWidget *target = w.named(focus);
+    QVERIFY(target);
+    // A selection in a list that does not have the focus must not count.
+    auto *focused = qobject_cast<ListView *>(target);
+    for (ListView *list : w.window.lvwFiles) {
+        if (list != focused)
+            list->SelectAll();
+    }
+    for (int i = 1; i <= selectedRows; ++i)
+        focused->Item(i).setSelected(true);
+    QVERIFY(w.focus(target));
+
+    QMenu *menu = w.window.menus->mnuEdit;
+    menu->popup(w.window.mapToGlobal(QPoint(10, 10)));
+    QTRY_VERIFY(menu->isVisible());
+    QCOMPARE(w.window.menus->mnuEditSelectAll->isEnabled(), selectAll);
+    QCOMPARE(w.window.menus->mnuEditClearSelections->isEnabled(), clearSelections);
+    menu->close();
+}
+
+void tst_MainCommands::editCommandsActOnTheFocusedList_data() {
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<bool>("byKeyboard");
+    QTest::addColumn<int>("selected0"); // selected rows of each list after Select All
+    QTest::addColumn<int>("selected1");
+
+    QTest::newRow("menu, list 0") << "lvwFiles0" << false << 500 << 0;
+    QTest::newRow("menu, list 1") << "lvwFiles1" << false << 0 << 500;
+    QTest::newRow("Ctrl+A, list 1") << "lvwFiles1" << true << 0 << 500;
+    QTest::newRow("Ctrl+A in a combo selects its text, not rows")
+        << "cboSelectPath0" << true << 0 << 0;
+}
+
+void tst_MainCommands::editCommandsActOnTheFocusedList() {
+    QFETCH(QString, focus);
+    QFETCH(bool, byKeyboard);
+    QFETCH(int, selected0);
+    QFETCH(int, selected1);
+
+    Window w(500);
+    QVERIFY(QTest::qWaitForWindowActive(&w.window));
+    QWidget *target = w.named(focus);
+    QVERIFY(w.focus(target));
+    QWidget *keyTarget = QApplication::focusWidget();
+    const MainMenuBar &m = *w.window.menus;
+
+    if (byKeyboard)
+        QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
+    else
+        m.mnuEditSelectAll->trigger();
+    QCOMPARE(w.window.lvwFiles[0]->SelectedCount(), selected0);
+    QCOMPARE(w.window.lvwFiles[1]->SelectedCount(), selected1);
+    if (auto *combo = qobject_cast<QComboBox *>(target)) {
+        combo->setEditText(QStringLiteral("typed"));
+        QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(combo->lineEdit()->selectedText(), QStringLiteral("typed"));
+        return;
+    }
+
+    // Clear Selections takes away exactly the selection of the focused list.
+    ListView *focused = qobject_cast<ListView *>(target);
+    ListView *other = w.window.lvwFiles[focused == w.window.lvwFiles[0] ? 1 : 0];
+    other->Item(7).setSelected(true);
+    QVERIFY(w.focus(target));
+    if (byKeyboard)
+        QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    else
+        m.mnuEditClearSelections->trigger();
+    QCOMPARE(focused->SelectedCount(), 0);
+    QCOMPARE(other->SelectedCount(), 1);
+}
+
+void tst_MainCommands::resetOptionsDeclined_data() {
+    QTest::addColumn<int>("button");
+    QTest::addColumn<int>("key");
+
+    QTest::newRow("No") << int(QMessageBox::No) << 0;
+    QTest::newRow("Enter takes the default answer") << 0 << int(Qt::Key_Return);
+    QTest::newRow("Escape") << 0 << int(Qt::Key_Escape);
+}
+
+void tst_MainCommands::resetOptionsDeclined() {
+    QFETCH(int, button);
+    QFETCH(int, key);
+
+    TestTree tree;
+    QVERIFY(tree.mkdir("a") && tree.mkdir("b"));
+    storeNonDefaults(tree);
+    Window w;
+    QFile file(SettingsStore::fileName());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    const QStringList columnsBefore[2] = {shownColumns(w.window.lvwFiles[0]),
+                                          shownColumns(w.window.lvwFiles[1])};
+
+    BoxAnswer answer(QMessageBox::StandardButton(button), key);
+    w.window.menus->mnuFileOptions->trigger();
+    const Question &seen = answer.seen;
+    QVERIFY(seen.shown);
+    QCOMPARE(seen.text, QStringLiteral("Set default visuals and clear recent selections?"));
+    QCOMPARE(seen.icon, QMessageBox::Question);
+    QCOMPARE(seen.defaultButton, QMessageBox::No);
+
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), before);
+    QCOMPARE(shownColumns(w.window.lvwFiles[0]), columnsBefore[0]);
+    QCOMPARE(shownColumns(w.window.lvwFiles[1]), columnsBefore[1]);
+    QCOMPARE(w.window.cboSelectPath[0]->currentText(), tree.path("b"));
+    QVERIFY(w.window.menus->mnuViewOrientation[0]->isChecked());
+    QVERIFY(w.window.menus->mnuViewAlwaysOnTop->isChecked());
+    QVERIFY(w.window.menus->mnuViewFullPath->isChecked());
+    QVERIFY(!w.window.menus->mnuFileIncludeSlack->isChecked());
+}
+
+void tst_MainCommands::resetOptionsAccepted() {
+    TestTree tree;
+    QVERIFY(tree.mkdir("a") && tree.mkdir("b"));
+    storeNonDefaults(tree);
+    Window w;
+    const MainMenuBar &m = *w.window.menus;
+    // The stored values were in force before the reset.
+    QCOMPARE(w.window.lvwFiles[0]->ColumnCount(), 7);
+    QVERIFY(IsTopmost(&w.window));
+    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Horizontal));
+
+    BoxAnswer answer(QMessageBox::Yes);
+    m.mnuFileOptions->trigger();
+    QVERIFY(answer.seen.shown);
+
+    // 1, 2: both folder lists emptied, on screen and in the store.
+    for (int side = 0; side < 2; ++side) {
+        QComboBox *combo = w.window.cboSelectPath[side];
+        QCOMPARE(combo->count(), 2); // only "  Enter Manually..." and "  Browse..."
+        QVERIFY(RecentLists::loadFolders(RecentLists::Side(side)).folders.isEmpty());
+    }
+    // 3: the recent comparison sets are the starting ones.
+    QCOMPARE(RecentLists::loadSelections().values, QList<int>({3, 2, 0, 31}));
+    QCOMPARE(w.window.cboComparisons->count(), 5);
+    // 4: both column layouts.
+    QCOMPARE(shownColumns(w.window.lvwFiles[0]), defaultColumns());
+    QCOMPARE(shownColumns(w.window.lvwFiles[1]), defaultColumns());
+    // 5: panes side by side.
+    QCOMPARE(Options::orientation(), Options::VerticalOrientation);
+    QVERIFY(m.mnuViewOrientation[1]->isChecked());
+    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Vertical));
+    // 6: not on top.
+    QVERIFY(!Options::alwaysOnTop());
+    QVERIFY(!m.mnuViewAlwaysOnTop->isChecked());
+    QVERIFY(!IsTopmost(&w.window));
+    // 7: the View options.
+    QCOMPARE(Options::viewOptions(), Options::ViewOptions());
+    QVERIFY(m.mnuViewLink->isChecked());
+    QVERIFY(m.mnuViewMissing->isChecked());
+    QVERIFY(!m.mnuViewFullPath->isChecked());
+    QVERIFY(!m.mnuViewAllFiles->isChecked());
+    QVERIFY(!m.mnuViewBold->isChecked());
+    QVERIFY(!w.window.lvwFiles[0]->BoldDifferent());
+    // 8: the date slack.
+    QVERIFY(Options::includeSlack());
+    QVERIFY(m.mnuFileIncludeSlack->isChecked());
+
+    // The layouts are written when the window closes, as the defaults.
+    w.window.close();
+    QCOMPARE(SettingsStore::value(QStringLiteral("SourceLayout"), QStringLiteral("Position6")),
+             QStringLiteral("-1"));
+    QCOMPARE(SettingsStore::value(QStringLiteral("DestLayout"), QStringLiteral("Width1")),
+             QStringLiteral("200"));
+}
+
+void tst_MainCommands::resetOptionsDisabledDuringRun() {
+    TestTree tree;
+    for (int i = 0; i < 50; ++i)
+        QVERIFY(tree.write(QStringLiteral("src/f%1").arg(i), "x"));
+    QVERIFY(tree.mkdir("dst"));
+    Window w(0);
+    w.window.cboSelectPath[0]->setEditText(tree.path("src"));
+    w.window.cboSelectPath[1]->setEditText(tree.path("dst"));
+    bool enabledDuringRun = true;
+    QTimer poll;
+    poll.setInterval(0);
+    connect(&poll, &QTimer::timeout, this, [&] {
+        if (!w.window.IsComparing())
+            return;
+        poll.stop();
+        enabledDuringRun = w.window.menus->mnuFileOptions->isEnabled();
+    });
+    poll.start();
+    w.window.cmdCompare->click();
+    QVERIFY(!enabledDuringRun);
+    QVERIFY(w.window.menus->mnuFileOptions->isEnabled());
+}
+
+void tst_MainCommands::accessKeys_data() {
+    QTest::addColumn<int>("menuKey");
+    QTest::addColumn<QString>("keys"); // pressed in the open menu; '\n' is Enter
+    QTest::addColumn<QString>("item");
+
+    QTest::newRow("File, Include Slack") << int(Qt::Key_F) << "2"
+                                         << "mnuFileIncludeSlack";
+    QTest::newRow("File, Clear Display") << int(Qt::Key_F) << "l"
+                                         << "mnuFileClear";
+    QTest::newRow("File, Reset Options") << int(Qt::Key_F) << "r"
+                                         << "mnuFileOptions";
+    QTest::newRow("Edit, Select All") << int(Qt::Key_E) << "a"
+                                      << "mnuEditSelectAll";
+    QTest::newRow("View, Show Full Path") << int(Qt::Key_V) << "f"
+                                          << "mnuViewFullPath";
+    QTest::newRow("View, Horizontal") << int(Qt::Key_V) << "h"
+                                      << "mnuViewOrientation0";
+    // Link and Show All share their key: a menu opened from the keyboard marks its first item
+    // (Link), and each press of the key moves the mark on to the next item with that key.
+    QTest::newRow("View, Show All (shared key)") << int(Qt::Key_V) << "l\n"
+                                                 << "mnuViewAllFiles";
+    QTest::newRow("View, Link (shared key)") << int(Qt::Key_V) << "ll\n"
+                                             << "mnuViewLink";
+    QTest::newRow("View, Always On Top") << int(Qt::Key_V) << "a"
+                                         << "mnuViewAlwaysOnTop";
+}
+
+void tst_MainCommands::accessKeys() {
+    QFETCH(int, menuKey);
+    QFETCH(QString, keys);
+    QFETCH(QString, item);
+
+    Window w;
+    QVERIFY(QTest::qWaitForWindowActive(&w.window));
+    QVERIFY(w.focus(w.window.lvwFiles[0]));
+    const MainMenuBar &m = *w.window.menus;
+    const QHash<QString, QAction *> items = {
+        {"mnuFileIncludeSlack", m.mnuFileIncludeSlack},
+        {"mnuFileClear", m.mnuFileClear},
+        {"mnuFileOptions", m.mnuFileOptions},
+        {"mnuEditSelectAll", m.mnuEditSelectAll},
+        {"mnuViewFullPath", m.mnuViewFullPath},
+        {"mnuViewOrientation0", m.mnuViewOrientation[0]},
+        {"mnuViewLink", m.mnuViewLink},
+        {"mnuViewAllFiles", m.mnuViewAllFiles},
+        {"mnuViewAlwaysOnTop", m.mnuViewAlwaysOnTop},
+    };
+    QAction *action = items.value(item);
+    QVERIFY(action);
+    QList<QAction *> triggered;
+    for (QMenu *menu : {m.mnuFile, m.mnuEdit, m.mnuView}) {
+        connect(menu, &QMenu::triggered, this,
+                [&triggered](QAction *chosen) { triggered << chosen; });
+    }
+    // Reset Options asks first; the answer No keeps the test's profile as it is.
+    BoxAnswer answer(QMessageBox::No);
+
+    QTest::keyClick(&w.window, Qt::Key(menuKey), Qt::AltModifier);
+    QTRY_VERIFY(QApplication::activePopupWidget());
+    for (const QChar c : keys) {
+        QWidget *popup = QApplication::activePopupWidget();
+        QVERIFY(popup);
+        if (c == QLatin1Char('\n'))
+            QTest::keyClick(popup, Qt::Key_Return);
+        else
+            QTest::keyClick(popup, c.toLatin1());
+    }
+    QTRY_COMPARE(triggered, QList<QAction *>{action});
+    QTRY_VERIFY(!QApplication::activePopupWidget());
+}
+
+void tst_MainCommands::enterComparesEscapeCancels() {
+    TestTree tree;
+    for (int i = 0; i < 300; ++i)
+        QVERIFY(tree.write(QStringLiteral("src/d%1/f%2").arg(i / 30).arg(i), "x"));
+    QVERIFY(tree.write("dst/f", "x"));
+    Window w(0);
+    QVERIFY(QTest::qWaitForWindowActive(&w.window));
+    w.window.cboSelectPath[0]->setEditText(tree.path("src"));
+    w.window.cboSelectPath[1]->setEditText(tree.path("dst"));
+    QVERIFY(w.focus(w.window.lvwFiles[0]));
+
+    // Esc is pressed from inside the source walk, at its 100th file.
+    int cancelledAt = 0;
+    QTimer poll;
+    poll.setInterval(0);
+    connect(&poll, &QTimer::timeout, this, [&] {
+        ComparisonFileCollection *source = w.window.colSourceFiles.get();
+        if (!source)
+            return;
+        poll.stop();
+        connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
+            if (count != 100 || cancelledAt)
+                return;
+            cancelledAt = count;
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        });
+    });
+    poll.start();
+    // Esc while idle does nothing.
+    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Escape);
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Ready"));
+    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Return);
+    QTRY_COMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare cancelled."));
+    QCOMPARE(cancelledAt, 100);
+    QCOMPARE(w.window.colSourceFiles->Count(), 100);
+
+    // Enter again runs the compare to its end.
+    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Return);
+    QTRY_COMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    // Every source file, and the placeholder of the destination's own file.
+    QCOMPARE(w.window.colSourceFiles->Count(), 301);
+}
+
+QTEST_MAIN(tst_MainCommands)
+#include "tst_MainCommands.moc"
