@@ -1,12 +1,15 @@
 #include "AppProfile.h"
+#include "ComparedWindow.h"
 
 #include "app/StatusLine.h"
 #include "app/frmMain.h"
+#include "app/frmProblems.h"
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
 #include "settings/SettingsStore.h"
 #include "support/TestTree.h"
 #include "views/ListColumns.h"
+#include "views/ListSorting.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -36,6 +39,11 @@ private Q_SLOTS:
     void refreshKeepsRowOrder();
     void fullPathChangesOnlyFolderTexts();
     void clearDisplayThenToggleShowsLastResult();
+    void problemsOpenFromTheStatus_data();
+    void problemsOpenFromTheStatus();
+    void restartWhenAFileVanishes();
+    void linkedListsResortedAtTheEnd_data();
+    void linkedListsResortedAtTheEnd();
 
 private:
     std::unique_ptr<AppProfile> m_profile;
@@ -43,30 +51,7 @@ private:
 
 namespace {
 
-/** A shown main window with both folders chosen. */
-struct Window {
-    Window(const QString &source, const QString &destination) {
-        window.InitializeDisplay();
-        window.resize(900, 600);
-        window.show();
-        window.cboSelectPath[0]->setEditText(source);
-        window.cboSelectPath[1]->setEditText(destination);
-    }
-
-    /** Runs a compare to its end. */
-    void compare() { window.cmdCompare->click(); }
-
-    /** Keys of list \a side in row order, relative to \a root. */
-    QStringList rows(int side, const QString &root) const {
-        QStringList keys;
-        const ListView *list = window.lvwFiles[side];
-        for (int i = 1; i <= list->ItemCount(); ++i)
-            keys << list->Item(i).Key().mid(root.size() + 1);
-        return keys;
-    }
-
-    frmMain window;
-};
+using Window = ComparedWindow;
 
 void setOption(const char *key, bool on) {
     SettingsStore::write(QStringLiteral("Options"), QString::fromLatin1(key),
@@ -218,6 +203,7 @@ void tst_CompareRun::identicalTreesListNothing() {
     Window w(tree.path("src"), tree.path("dst"));
     w.compare();
     QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    QVERIFY(!w.window.StatusBar1->textClickable());
     QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 0);
     QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 0);
     QCOMPARE(w.window.lblPath[0]->text(), QStringLiteral("Files from ") + tree.path("src"));
@@ -334,6 +320,129 @@ void tst_CompareRun::clearDisplayThenToggleShowsLastResult() {
     w.window.menus->mnuViewAllFiles->trigger();
     QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 1);
     QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 1);
+}
+
+void tst_CompareRun::problemsOpenFromTheStatus_data() {
+    QTest::addColumn<int>("key"); // 0: a click with the mouse
+
+    QTest::newRow("click") << 0;
+    QTest::newRow("Enter on the focused text") << int(Qt::Key_Return);
+    QTest::newRow("Space on the focused text") << int(Qt::Key_Space);
+}
+
+void tst_CompareRun::problemsOpenFromTheStatus() {
+    QFETCH(int, key);
+
+    // Two names that differ only in letter case: one of them cannot be compared.
+    TestTree tree;
+    QVERIFY(tree.write("src/a.txt", "1"));
+    QVERIFY(tree.write("src/A.txt", "22"));
+    QVERIFY(tree.write("dst/a.txt", "333"));
+    Window w(tree.path("src"), tree.path("dst"));
+    QVERIFY(w.activate());
+    w.compare();
+    QCOMPARE(w.window.StatusBar1->shownText(),
+             QStringLiteral("  Compare complete.  1 item could not be compared."));
+    QVERIFY(w.window.StatusBar1->textClickable());
+    QVERIFY(!w.window.findChild<frmProblems *>());
+
+    const ComparisonFileCollection *run = w.window.colSourceFiles.get();
+    auto *text = w.window.StatusBar1->findChild<QWidget *>(QStringLiteral("StatusText"));
+    QVERIFY(text);
+    if (key) {
+        text->setFocus(Qt::TabFocusReason);
+        QTRY_VERIFY(text->hasFocus());
+        QTest::keyClick(text, Qt::Key(key));
+    } else {
+        QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(20, text->height() / 2));
+    }
+    auto *problems = w.window.findChild<frmProblems *>();
+    QVERIFY(problems);
+    QTRY_VERIFY(problems->isVisible());
+    QVERIFY(!problems->isModal());
+    const QStringList lines = problems->ProblemsText().trimmed().split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines[0].contains(tree.path("src")), qPrintable(lines[0]));
+    // The key opened the list and started no new compare.
+    QCOMPARE(w.window.colSourceFiles.get(), run);
+
+    // A new run without problems leaves a plain text.
+    QVERIFY(QFile::remove(tree.path("src/A.txt")));
+    w.compare();
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    QVERIFY(!w.window.StatusBar1->textClickable());
+}
+
+void tst_CompareRun::restartWhenAFileVanishes() {
+    TestTree tree;
+    QVERIFY(tree.write("src/gone.txt", "1"));
+    QVERIFY(tree.write("src/keep.txt", "1"));
+    QVERIFY(tree.write("dst/keep.txt", "22"));
+    Window w(tree.path("src"), tree.path("dst"));
+
+    // Each attempt makes new collections and lets events through before it walks: the first
+    // attempt loses a source file while it walks the destination, after the source walk saw
+    // it, so the engine finds it gone and asks for the trees to be walked again.
+    QList<const ComparisonFileCollection *> attempts;
+    QTimer poll;
+    poll.setInterval(0);
+    connect(&poll, &QTimer::timeout, this, [&] {
+        ComparisonFileCollection *destination = w.window.colDestFiles.get();
+        if (!destination || attempts.contains(destination))
+            return;
+        attempts << destination;
+        if (attempts.size() == 1) {
+            connect(destination, &ComparisonFileCollection::FileAdded, this,
+                    [&tree] { QFile::remove(tree.path("src/gone.txt")); });
+        }
+    });
+    poll.start();
+    w.compare();
+
+    QCOMPARE(attempts.size(), 2);
+    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    QCOMPARE(w.window.colSourceFiles->Count(), 1);
+    QCOMPARE(w.rows(0, tree.path("src").toLower()), QStringList{"keep.txt"});
+    QCOMPARE(w.rows(1, tree.path("dst").toLower()), QStringList{"keep.txt"});
+    QCOMPARE(w.window.lblPath[0]->text(), QStringLiteral("Files from ") + tree.path("src"));
+}
+
+void tst_CompareRun::linkedListsResortedAtTheEnd_data() {
+    QTest::addColumn<bool>("linked");
+    QTest::addColumn<QStringList>("expected"); // rows of both lists
+
+    // The source list is sorted on "Size", descending, before the run. At the end a linked
+    // run sorts both lists on the header whose index is that sort key, "In Folder",
+    // descending; an unlinked run leaves the rows in the order they were settled.
+    QTest::newRow("linked") << true << QStringList{"c/x2", "b/x1", "a/x3"};
+    QTest::newRow("not linked") << false << QStringList{"a/x3", "b/x1", "c/x2"};
+}
+
+void tst_CompareRun::linkedListsResortedAtTheEnd() {
+    QFETCH(bool, linked);
+    QFETCH(QStringList, expected);
+
+    setOption("LinkListings", linked);
+    TestTree tree;
+    const QList<std::pair<QString, QByteArray>> files = {
+        {"a/x3", "22"}, {"b/x1", "333"}, {"c/x2", "1"}};
+    for (const auto &[name, content] : files) {
+        QVERIFY(tree.write("src/" + name, content));
+        QVERIFY(tree.write("dst/" + name, content + "-changed"));
+    }
+    Window w(tree.path("src"), tree.path("dst"));
+    ListView *source = w.window.lvwFiles[0];
+    const ColumnHeader *size = source->ColumnByKey(ColumnKey(3));
+    QVERIFY(size);
+    Q_EMIT source->ColumnClick(source->ColumnByKey(ColumnKey(3)));
+    Q_EMIT source->ColumnClick(source->ColumnByKey(ColumnKey(3)));
+    QCOMPARE(source->SortKey(), size->SubItemIndex());
+    QCOMPARE(source->SortOrder(), Qt::DescendingOrder);
+
+    w.compare();
+    QCOMPARE(w.rows(0, tree.path("src").toLower()), expected);
+    if (linked)
+        QCOMPARE(w.rows(1, tree.path("dst").toLower()), expected);
 }
 
 QTEST_MAIN(tst_CompareRun)
