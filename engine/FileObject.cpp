@@ -1,6 +1,7 @@
 #include "engine/FileObject.h"
 
 #include "engine/PathHelpers.h"
+#include "engine/TypeNameCache.h"
 
 #include <QMimeDatabase>
 
@@ -80,7 +81,7 @@ QString FileObject::typeName(const QString &fileName, quint32 mode) {
     const char *inodeType = nullptr;
     switch (mode & S_IFMT) {
     case S_IFREG:
-        return database.mimeTypeForFile(fileName, QMimeDatabase::MatchExtension).comment();
+        return TypeNameCache::typeOf(fileName);
     case S_IFLNK:
         inodeType = "inode/symlink";
         break;
@@ -100,7 +101,7 @@ QString FileObject::typeName(const QString &fileName, quint32 mode) {
         inodeType = "inode/directory";
         break;
     default:
-        return database.mimeTypeForFile(fileName, QMimeDatabase::MatchExtension).comment();
+        return TypeNameCache::typeOf(fileName);
     }
     return database.mimeTypeForName(QLatin1String(inodeType)).comment();
 }

@@ -6,6 +6,9 @@
 
 namespace {
 
+/** Jobs that gather before an idle worker is woken for them. */
+constexpr qint64 wakeBatch = 32;
+
 /**
  * A descriptor for the folder of a file, kept while consecutive files share it, so that a stat
  * or open resolves one name instead of a whole path.
@@ -58,9 +61,12 @@ qint64 ReadAhead::submit() {
     {
         const std::lock_guard lock(m_mutex);
         ++m_produced;
-        wake = m_idleWorkers > 0;
+        // Waking a thread is a system call: skip it when every worker is busy anyway, and
+        // let a few jobs gather first, so that a caller slower than the workers (one that
+        // lists every pair it compares) does not pay for a wake-up per job. A caller that
+        // waits for a job wakes the workers itself.
+        wake = m_idleWorkers > 0 && m_produced - m_claimed >= wakeBatch;
     }
-    // Waking a thread is a system call: skip it when every worker is busy anyway.
     if (wake)
         m_workAvailable.notify_one();
     return m_produced - 1;
@@ -71,6 +77,9 @@ ReadAhead::Job *ReadAhead::wait(qint64 sequence, const std::function<bool()> &id
     while (!job.done.load(std::memory_order_acquire)) {
         {
             std::unique_lock lock(m_mutex);
+            // Jobs held back to make up a batch are wanted now.
+            if (m_idleWorkers > 0 && m_claimed < m_produced)
+                m_workAvailable.notify_all();
             m_callerWaiting.store(true);
             m_jobDone.wait_for(lock, std::chrono::milliseconds(5),
                                [&job] { return job.done.load(std::memory_order_seq_cst); });
