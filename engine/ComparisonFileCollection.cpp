@@ -106,9 +106,8 @@ void ComparisonFileCollection::addProblem(CollectionProblem problem, bool restar
 }
 
 bool ComparisonFileCollection::insert(const ComparisonFilePtr &record, qsizetype *existing) {
-    const QString key = record->RelativeKey();
-    const quint32 hash = RecordIndex::hashOf(key);
-    const qsizetype found = m_index.find(key, hash, m_records);
+    const quint32 hash = RecordIndex::hashOf(*record);
+    const qsizetype found = find(*record, hash);
     if (existing)
         *existing = found;
     if (found >= 0)
@@ -118,6 +117,12 @@ bool ComparisonFileCollection::insert(const ComparisonFilePtr &record, qsizetype
     m_hashes.push_back(hash);
     ++m_generation;
     return true;
+}
+
+qsizetype ComparisonFileCollection::find(const ComparisonFile &other, quint32 hash) const {
+    return m_index.find(hash, [this, &other](qsizetype position) {
+        return RecordIndex::sameKey(*m_records[std::size_t(position)], other);
+    });
 }
 
 void ComparisonFileCollection::resetRecords() {
@@ -221,12 +226,18 @@ ComparisonFilePtr ComparisonFileCollection::Item(const QString &key) const {
     if (!lower.startsWith(rootKey))
         return nullptr;
     const QStringView relative = QStringView(lower).mid(rootKey.size());
-    const qsizetype found = m_index.find(relative, RecordIndex::hashOf(relative), m_records);
+    const qsizetype found = m_index.find(RecordKey::hash(relative), [&](qsizetype position) {
+        return m_records[std::size_t(position)]->RelativeKey() == relative;
+    });
     return found < 0 ? nullptr : m_records[std::size_t(found)];
 }
 
 ComparisonFilePtr ComparisonFileCollection::Counterpart(const ComparisonFile &other) const {
-    const QString key = other.RelativeKey();
-    const qsizetype found = m_index.find(key, RecordIndex::hashOf(key), m_records);
+    return Counterpart(other, RecordIndex::hashOf(other));
+}
+
+ComparisonFilePtr ComparisonFileCollection::Counterpart(const ComparisonFile &other,
+                                                        quint32 keyHash) const {
+    const qsizetype found = find(other, keyHash);
     return found < 0 ? nullptr : m_records[std::size_t(found)];
 }

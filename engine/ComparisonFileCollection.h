@@ -77,6 +77,10 @@ public:
     ComparisonFilePtr Item(const QString &key) const;
     /** The record at the same path below this root as \a other below its root, or null. */
     ComparisonFilePtr Counterpart(const ComparisonFile &other) const;
+    /** Same, given the hash of \a other's key (RecordIndex::hashOf(), or KeyHash()). */
+    ComparisonFilePtr Counterpart(const ComparisonFile &other, quint32 keyHash) const;
+    /** RecordIndex::hashOf() of the record at 1-based \a position, kept from its insertion. */
+    quint32 KeyHash(int position) const { return m_hashes[std::size_t(position - 1)]; }
     int Count() const { return int(m_records.size()); }
 
     /** Insertion order. Do not add or remove records while iterating. */
@@ -105,6 +109,8 @@ private:
     void addProblem(CollectionProblem problem, bool restarted);
     /** Adds \a record under its key; false (and nothing added) when the key is taken. */
     bool insert(const ComparisonFilePtr &record, qsizetype *existing = nullptr);
+    /** Position of the record with the same key as \a other (whose key hash is \a hash), or -1. */
+    qsizetype find(const ComparisonFile &other, quint32 hash) const;
     void resetRecords();
     FolderRef placeholderFolder(const QByteArray &relativeNative);
 

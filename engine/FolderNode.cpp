@@ -22,6 +22,7 @@ FolderNode::FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QStrin
     m_rootKeyLength = rootNativeLength >= m_nativePath.size()
                           ? m_keyPath.size()
                           : keyFolder(m_nativePath.left(rootNativeLength)).size();
+    m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, relativeKey());
 }
 
 QByteArray FolderNode::relativeNativePath() const {

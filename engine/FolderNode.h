@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/RecordKey.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -35,6 +37,13 @@ public:
     const QString &keyPath() const { return m_keyPath; }
     /** The part of keyPath() below the root ("" for the root itself, else ending in "/"). */
     QStringView relativeKey() const { return QStringView(m_keyPath).mid(m_rootKeyLength); }
+    /** relativeKey() fed to a RecordKey hash: a file's key hash goes on from here. */
+    RecordKey::State relativeKeyHash() const { return m_relativeKeyHash; }
+    /** True when the two folders have the same relativeKey(). */
+    bool sameRelativeKey(const FolderNode &other) const {
+        return this == &other || (m_relativeKeyHash == other.m_relativeKeyHash &&
+                                  relativeKey() == other.relativeKey());
+    }
     /** The root folder of the tree this folder belongs to, as given to the collection. */
     const QString &rootPath() const { return m_rootPath; }
     /** The folder's native path below the root, without leading separator ("" for the root). */
@@ -54,6 +63,7 @@ private:
     QString m_displayPath;
     QString m_keyPath;
     qsizetype m_rootKeyLength = 0;
+    RecordKey::State m_relativeKeyHash = RecordKey::Seed;
     QString m_rootPath;
     qsizetype m_rootNativeLength;
     mutable std::atomic<int> m_refs{0};

@@ -111,7 +111,8 @@ void Pairscope::Run::submitSource(int upTo) {
             job.sourceFolder = job.sourceRecord->Folder();
             job.sourceName = job.sourceRecord->NativeName();
         }
-        job.destinationRecord = m_destination.Counterpart(*job.sourceRecord);
+        job.destinationRecord =
+            m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit));
         if (job.destinationRecord && job.destinationRecord->HasFileObject() && job.sourceFolder) {
             job.destinationFolder = job.destinationRecord->Folder();
             job.destinationName = job.destinationRecord->NativeName();
@@ -129,7 +130,7 @@ int Pairscope::Run::sourcePass() {
         if (recompareRequested())
             return StatusComplete;
         const ComparisonFilePtr record = m_source.Item(i);
-        ComparisonFilePtr counterpart = m_destination.Counterpart(*record);
+        ComparisonFilePtr counterpart = m_destination.Counterpart(*record, m_source.KeyHash(i));
 
         if (m_readAhead)
             submitSource(i + readAheadWindow);

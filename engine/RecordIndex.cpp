@@ -1,30 +1,20 @@
 #include "engine/RecordIndex.h"
 
-#include <QHash>
-
-namespace {
-constexpr quint64 positionMask = 0xFFFFFFFFu;
+quint32 RecordIndex::hashOf(const ComparisonFile &record) {
+    const FolderRef &folder = record.Folder();
+    if (!folder)
+        return RecordKey::finish(RecordKey::Seed);
+    return RecordKey::finish(RecordKey::feedName(folder->relativeKeyHash(), record.NativeName()));
 }
 
-quint32 RecordIndex::hashOf(QStringView relativeKey) {
-    return quint32(qHash(relativeKey, 0x5eed));
-}
-
-qsizetype RecordIndex::find(QStringView key, quint32 hash,
-                            const std::vector<ComparisonFilePtr> &records) const {
-    if (m_slots.empty())
-        return -1;
-    const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-        const quint64 slot = m_slots[i];
-        if (slot == 0)
-            return -1;
-        if (quint32(slot >> 32) == hash) {
-            const qsizetype position = qsizetype(slot & positionMask) - 1;
-            if (records[std::size_t(position)]->RelativeKey() == key)
-                return position;
-        }
-    }
+bool RecordIndex::sameKey(const ComparisonFile &a, const ComparisonFile &b) {
+    const FolderRef &folderA = a.Folder();
+    const FolderRef &folderB = b.Folder();
+    // A record without a folder has the empty key, whatever its name.
+    if (!folderA || !folderB)
+        return a.RelativeKey() == b.RelativeKey();
+    return folderA->sameRelativeKey(*folderB) &&
+           RecordKey::namesEqual(a.NativeName(), b.NativeName());
 }
 
 void RecordIndex::insert(quint32 hash, qsizetype position) {

@@ -1,0 +1,60 @@
+#include "engine/RecordKey.h"
+
+#include "engine/PathHelpers.h"
+
+#include <QString>
+
+namespace {
+
+bool isAscii(const QByteArray &name) {
+    for (const char c : name) {
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return false;
+    }
+    return true;
+}
+
+constexpr char16_t asciiLower(unsigned char c) {
+    return c >= 'A' && c <= 'Z' ? char16_t(c + ('a' - 'A')) : char16_t(c);
+}
+
+QString nameKey(const QByteArray &name) {
+    return KeyFromNative(name).toLower();
+}
+
+} // namespace
+
+RecordKey::State RecordKey::feed(State state, QStringView text) {
+    for (const QChar c : text)
+        state = feed(state, c.unicode());
+    return state;
+}
+
+RecordKey::State RecordKey::feedName(State state, const QByteArray &name) {
+    if (!isAscii(name))
+        return feed(state, nameKey(name));
+    for (const char c : name)
+        state = feed(state, asciiLower(static_cast<unsigned char>(c)));
+    return state;
+}
+
+bool RecordKey::namesEqual(const QByteArray &a, const QByteArray &b) {
+    // The two names of a pair are nearly always spelt alike.
+    if (a == b)
+        return true;
+    const qsizetype common = qMin(a.size(), b.size());
+    for (qsizetype i = 0; i < common; ++i) {
+        const auto ca = static_cast<unsigned char>(a[i]);
+        const auto cb = static_cast<unsigned char>(b[i]);
+        // Up to here both keys have one code unit per byte; past a byte that is not ASCII the
+        // Unicode key decides (a Kelvin sign lower-cases to an ASCII "k").
+        if ((ca | cb) >= 0x80)
+            return nameKey(a) == nameKey(b);
+        if (asciiLower(ca) != asciiLower(cb))
+            return false;
+    }
+    if (a.size() == b.size())
+        return true;
+    // Every byte left over adds at least one code unit to the longer name's key.
+    return false;
+}

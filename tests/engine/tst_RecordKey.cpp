@@ -1,0 +1,104 @@
+#include "engine/ComparisonFileCollection.h"
+#include "engine/PathHelpers.h"
+#include "engine/RecordIndex.h"
+#include "engine/RecordKey.h"
+#include "support/TestTree.h"
+
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/** The key of a name as the text rule defines it: the reference for the fast paths. */
+QString referenceKey(const QByteArray &name) {
+    return KeyFromNative(name).toLower();
+}
+
+} // namespace
+
+class tst_RecordKey : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void namesAgainstTextKeys_data();
+    void namesAgainstTextKeys();
+    void recordsAcrossTrees();
+};
+
+void tst_RecordKey::namesAgainstTextKeys_data() {
+    QTest::addColumn<QByteArray>("a");
+    QTest::addColumn<QByteArray>("b");
+    QTest::newRow("same") << QByteArray("file.txt") << QByteArray("file.txt");
+    QTest::newRow("letter case") << QByteArray("File.TXT") << QByteArray("file.txt");
+    QTest::newRow("one letter apart") << QByteArray("file.txt") << QByteArray("file.txu");
+    QTest::newRow("prefix") << QByteArray("file") << QByteArray("file.txt");
+    QTest::newRow("punctuation is not a letter") << QByteArray("a@") << QByteArray("a`");
+    // A Kelvin sign lower-cases to an ASCII "k": a byte test alone would call these different.
+    QTest::newRow("Kelvin sign") << QByteArray("\xe2\x84\xaa.txt") << QByteArray("k.txt");
+    QTest::newRow("Kelvin sign after ASCII") << QByteArray("pac\xe2\x84\xaa") << QByteArray("PACK");
+    QTest::newRow("accented letters")
+        << QByteArray("\xc3\x89t\xc3\xa9") << QByteArray("\xc3\xa9t\xc3\xa9");
+    QTest::newRow("accent against ASCII") << QByteArray("\xc3\xa9") << QByteArray("e");
+    QTest::newRow("invalid bytes") << QByteArray("n\xfe") << QByteArray("n\xff");
+    // The escape of an invalid byte reads like the four characters that spell it.
+    QTest::newRow("escape against its spelling") << QByteArray("\xff") << QByteArray("\\xFF");
+    QTest::newRow("longer non-ASCII tail") << QByteArray("ab") << QByteArray("ab\xc3\xa9");
+}
+
+void tst_RecordKey::namesAgainstTextKeys() {
+    QFETCH(QByteArray, a);
+    QFETCH(QByteArray, b);
+    const bool equal = referenceKey(a) == referenceKey(b);
+    QCOMPARE(RecordKey::namesEqual(a, b), equal);
+    QCOMPARE(RecordKey::namesEqual(b, a), equal);
+    // Hashing a name must give what hashing its key as text gives, or look-ups by text fail.
+    for (const QByteArray &name : {a, b}) {
+        const RecordKey::State prefix = RecordKey::feed(RecordKey::Seed, u"sub/");
+        QCOMPARE(RecordKey::finish(RecordKey::feedName(prefix, name)),
+                 RecordKey::hash(QStringLiteral("sub/") + referenceKey(name)));
+    }
+}
+
+void tst_RecordKey::recordsAcrossTrees() {
+    // The same paths below two roots of different depth and letter case, one folder name not
+    // valid UTF-8: each record finds its counterpart, and the look-up by text agrees.
+    TestTree source;
+    TestTree destination;
+    QVERIFY(source.write(QStringLiteral("Sub/Deeper/File.txt"), "1"));
+    QVERIFY(destination.write(QStringLiteral("sub/DEEPER/file.TXT"), "2"));
+    QVERIFY(::mkdir(source.nativePath("d\xff").constData(), 0755) == 0);
+    QVERIFY(::mkdir(destination.nativePath("D\xff").constData(), 0755) == 0);
+    QVERIFY(source.writeNative("d\xff/n\xfe", "3"));
+    QVERIFY(destination.writeNative("D\xff/N\xfe", "4"));
+    QVERIFY(destination.writeNative("D\xff/N\xff", "5"));
+    ComparisonFileCollection sourceFiles;
+    ComparisonFileCollection destinationFiles;
+    sourceFiles.setRootFolder(source.root() + QStringLiteral("/"));
+    destinationFiles.setRootFolder(destination.root());
+    QCOMPARE(sourceFiles.Count(), 2);
+    QCOMPARE(destinationFiles.Count(), 3);
+
+    for (const ComparisonFilePtr &record : sourceFiles) {
+        QCOMPARE(RecordIndex::hashOf(*record), RecordKey::hash(record->RelativeKey()));
+        const ComparisonFilePtr counterpart = destinationFiles.Counterpart(*record);
+        QVERIFY2(counterpart, qPrintable(record->RelativePath()));
+        QCOMPARE(counterpart->RelativeKey(), record->RelativeKey());
+        QVERIFY(RecordIndex::sameKey(*record, *counterpart));
+        QCOMPARE(
+            destinationFiles.Item(destination.root() + QLatin1Char('/') + record->RelativeKey()),
+            counterpart);
+    }
+    QVERIFY(!RecordIndex::sameKey(*destinationFiles.Item(1), *destinationFiles.Item(2)));
+
+    // The temporary folders cannot remove names that are not valid UTF-8 themselves.
+    for (const QByteArray &path :
+         {source.nativePath("d\xff/n\xfe"), destination.nativePath("D\xff/N\xfe"),
+          destination.nativePath("D\xff/N\xff")})
+        ::unlink(path.constData());
+    ::rmdir(source.nativePath("d\xff").constData());
+    ::rmdir(destination.nativePath("D\xff").constData());
+}
+
+QTEST_GUILESS_MAIN(tst_RecordKey)
+#include "tst_RecordKey.moc"
