@@ -64,6 +64,10 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
 
     mnuHelp = bar->addMenu(QStringLiteral("&Help"));
     mnuHelpAbout = mnuHelp->addAction(QStringLiteral("&About"));
+
+    mnuBadItemPopup = new QMenu(bar);
+    mnuBadItemPopup1 = mnuBadItemPopup->addAction(QStringLiteral("No valid files selected"));
+    mnuBadItemPopup1->setEnabled(false);
 }
 
 QString MainMenuBar::compareCaption() {

@@ -65,4 +65,11 @@ public:
 
     QMenu *mnuHelp = nullptr;
     QAction *mnuHelpAbout = nullptr;
+
+    /**
+     * Never on the menu bar: the popup of a right-click in a listing with no selected row. Its
+     * single item, "No valid files selected", is grayed: it only tells.
+     */
+    QMenu *mnuBadItemPopup = nullptr;
+    QAction *mnuBadItemPopup1 = nullptr;
 };

@@ -3,12 +3,14 @@
 #include "ResultListing.h"
 #include "Startup.h"
 #include "StatusLine.h"
+#include "ToolsCommands.h"
 #include "frmProblems.h"
 
 #include "engine/ComparisonFileCollection.h"
 #include "engine/Pairscope.h"
 #include "settings/Options.h"
 #include "tools/ComparisonsCombo.h"
+#include "tools/DiffProgram.h"
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
 #include "views/ColumnLayout.h"
@@ -206,11 +208,6 @@ void frmMain::buildPanes() {
 
 void frmMain::connectMenus() {
     MainMenuBar &m = *menus;
-    // Items whose behaviour has not been built yet stay disabled rather than silent.
-    for (QAction *item : {m.mnuFileSelectDiff, m.mnuToolsOpenContainingFolder, m.mnuToolsDiff,
-                          m.mnuToolsCopyToSource, m.mnuToolsCopyToDest})
-        item->setEnabled(false);
-
     for (int i = 0; i < 2; ++i)
         connect(m.mnuFileSelectPath[i], &QAction::triggered, this,
                 [this, i] { m_folders[i]->Browse(); });
@@ -222,6 +219,7 @@ void frmMain::connectMenus() {
             [](bool checked) { Options::setIncludeSlack(checked); });
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
+    m_tools = std::make_unique<ToolsCommands>(this);
 
     for (QAction *item :
          {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
@@ -249,6 +247,7 @@ void frmMain::InitializeDisplay() {
     ApplyOrientation(Options::orientation());
     ApplyAlwaysOnTop(Options::alwaysOnTop());
     menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    LoadDiffProgram(menus->mnuToolsDiff);
     ApplyViewOptions();
     ColumnLayout::LoadLayout(lvwFiles[0], false, false);
     ColumnLayout::LoadLayout(lvwFiles[1], true, false);

@@ -29,6 +29,7 @@ class QPushButton;
 class QShortcut;
 class Splitter;
 class StatusLine;
+class ToolsCommands;
 class frmProblems;
 
 /**
@@ -182,6 +183,8 @@ private:
     std::unique_ptr<ResultListing> m_listing;
     /** Declared after the menus and released before them and the listings. */
     std::unique_ptr<EditCommands> m_edit;
+    /** The Tools menu, Select Diff Program and the listings' popup; released before m_edit. */
+    std::unique_ptr<ToolsCommands> m_tools;
     LinkedListings *m_linked = nullptr;
     ColumnPopup *m_columnPopup = nullptr;
     ComparisonsCombo *m_comparisons = nullptr;

@@ -1,0 +1,131 @@
+#include "ToolsCommands.h"
+
+#include "MainMenuBar.h"
+#include "frmMain.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "tools/DiffProgram.h"
+#include "tools/ListingPopup.h"
+#include "tools/ShellContextMenu.h"
+#include "tools/ShowInFolder.h"
+#include "tools/Synchronizer.h"
+#include "tools/ToolsMenuState.h"
+#include "views/ListView.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QTimer>
+
+ToolsCommands::ToolsCommands(frmMain *window)
+    : m_window(window)
+    , m_noFiles(std::make_unique<ComparisonFileCollection>()) {
+    const MainMenuBar &m = *window->menus;
+    connect(m.mnuTools, &QMenu::aboutToShow, this, &ToolsCommands::mnuTools_Click);
+    connect(m.mnuToolsOpenContainingFolder, &QAction::triggered, this,
+            &ToolsCommands::mnuToolsOpenContainingFolder_Click);
+    connect(m.mnuToolsDiff, &QAction::triggered, this, &ToolsCommands::mnuToolsDiff_Click);
+    connect(m.mnuToolsCopyToSource, &QAction::triggered, this,
+            &ToolsCommands::mnuToolsCopyToSource_Click);
+    connect(m.mnuToolsCopyToDest, &QAction::triggered, this,
+            &ToolsCommands::mnuToolsCopyToDest_Click);
+    connect(m.mnuFileSelectDiff, &QAction::triggered, this,
+            [this] { SelectDiffProgram(m_window, m_window->menus->mnuToolsDiff); });
+
+    for (int side = 0; side < 2; ++side) {
+        ListView *list = window->lvwFiles[size_t(side)];
+        // The menu key opens the popup as a right-click does.
+        list->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(list, &QWidget::customContextMenuRequested, this,
+                [this, list, side](const QPoint &position) {
+                    ShowListingPopup(side, list->viewport()->mapToGlobal(position));
+                });
+    }
+    mnuTools_Click();
+}
+
+ToolsCommands::~ToolsCommands() = default;
+
+const ComparisonFileCollection &ToolsCommands::collection(int side) const {
+    const auto &files = side == 0 ? m_window->colSourceFiles : m_window->colDestFiles;
+    return files ? *files : *m_noFiles;
+}
+
+void ToolsCommands::mnuTools_Click() {
+    const MainMenuBar &m = *m_window->menus;
+    m_side = m_window->ActiveSide();
+    const ListView *list = m_side < 0 ? nullptr : m_window->lvwFiles[size_t(m_side)];
+    const bool diffProgramSet = !m.mnuToolsDiff->data().toString().isEmpty();
+    const ToolsMenuState state =
+        ToolsMenuState::Compute(m_side, list ? list->SelectedCount() : 0, diffProgramSet);
+    const bool copyAllowed = !m_window->IsComparing();
+    m.mnuToolsOpenContainingFolder->setEnabled(state.openContainingFolder);
+    m.mnuToolsDiff->setEnabled(state.examineDifferences);
+    m.mnuToolsCopyToSource->setEnabled(state.copyToSource && copyAllowed);
+    m.mnuToolsCopyToDest->setEnabled(state.copyToDestination && copyAllowed);
+    m.mnuToolsOpenContainingFolder->setData(
+        list ? ShowInFolder::CommandForSelection(list, collection(m_side)) : QString());
+}
+
+void ToolsCommands::mnuToolsOpenContainingFolder_Click() {
+    ShowInFolder::OpenContainingFolder(
+        m_window->menus->mnuToolsOpenContainingFolder->data().toString());
+}
+
+void ToolsCommands::mnuToolsDiff_Click() {
+    if (m_side < 0)
+        return;
+    ExamineDifferences(m_window, m_window->menus->mnuToolsDiff->data().toString(),
+                       m_window->lvwFiles[size_t(m_side)], m_side, collection(0), collection(1));
+}
+
+void ToolsCommands::mnuToolsCopyToSource_Click() {
+    ShowSynchronizer(m_window, SyncDirection::ToSource, m_window->lvwFiles[1], collection(1),
+                     collection(0));
+}
+
+void ToolsCommands::mnuToolsCopyToDest_Click() {
+    ShowSynchronizer(m_window, SyncDirection::ToDestination, m_window->lvwFiles[0], collection(0),
+                     collection(1));
+}
+
+void ToolsCommands::ShowListingPopup(int side, const QPoint &globalPosition) {
+    const MainMenuBar &m = *m_window->menus;
+    // The previous popup goes first: a right-click never leaves two of them alive.
+    oContextMenu.reset();
+    oContextMenu =
+        ::ShowListingPopup(m_window->lvwFiles[size_t(side)], side, collection(side),
+                           !m.mnuToolsDiff->data().toString().isEmpty(), m.mnuBadItemPopup,
+                           m.mnuTools, globalPosition, [this](const QString &, int itemData) {
+                               // Run once the popup has closed and its stack has unwound, so that
+                               // the review dialog or a message box is not opened from inside the
+                               // menu's own event loop.
+                               QTimer::singleShot(0, this, [this, itemData] {
+                                   oContextMenu_MenuItemInvoked(itemData);
+                               });
+                           });
+}
+
+void ToolsCommands::oContextMenu_MenuItemInvoked(int itemData) {
+    mnuTools_Click();
+    const MainMenuBar &m = *m_window->menus;
+    switch (itemData) {
+    case ListingPopupItem::OpenContainingFolder:
+        if (m.mnuToolsOpenContainingFolder->isEnabled())
+            mnuToolsOpenContainingFolder_Click();
+        break;
+    case ListingPopupItem::CopyToSource:
+        if (m.mnuToolsCopyToSource->isEnabled())
+            mnuToolsCopyToSource_Click();
+        break;
+    case ListingPopupItem::CopyToDestination:
+        if (m.mnuToolsCopyToDest->isEnabled())
+            mnuToolsCopyToDest_Click();
+        break;
+    case ListingPopupItem::ExamineDifferences:
+        if (m.mnuToolsDiff->isEnabled())
+            mnuToolsDiff_Click();
+        break;
+    default:
+        break;
+    }
+}

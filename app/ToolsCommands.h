@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+
+class ComparisonFileCollection;
+class QPoint;
+class ShellContextMenu;
+class frmMain;
+
+/**
+ * The main window's file tools: the Tools menu (Open Containing Folder, Examine Differences,
+ * Copy to Source, Copy to Destination), File > Select Diff Program... and the right-click
+ * popup of both listings.
+ *
+ * The Tools items act on the listing that has the focus. Their enabled states, and the command
+ * of Open Containing Folder, are computed whenever the menu opens and again before a popup's
+ * own item runs, so that a command never acts on a selection it was not enabled for.
+ */
+class ToolsCommands : public QObject {
+    Q_OBJECT
+
+public:
+    /** Connects the Tools and File items of \a window's menus and both of its listings. */
+    explicit ToolsCommands(frmMain *window);
+    ~ToolsCommands() override;
+
+    /**
+     * Computes the four Tools items' enabled states for the focused listing and stores Open
+     * Containing Folder's command in its item's data. While a compare runs the two copy items
+     * stay disabled: a copy would change a tree the run is reading, from a listing that is
+     * not complete yet.
+     */
+    void mnuTools_Click();
+
+    /** Opens the file manager on the stored command's item; nothing when it is empty. */
+    void mnuToolsOpenContainingFolder_Click();
+    /** Starts the diff program on the focused listing's selected row and its counterpart. */
+    void mnuToolsDiff_Click();
+    /** Reviews, then copies the destination listing's selected files into the source tree. */
+    void mnuToolsCopyToSource_Click();
+    /** Reviews, then copies the source listing's selected files into the destination tree. */
+    void mnuToolsCopyToDest_Click();
+
+    /**
+     * The right-click in listing \a side at the global point \a globalPosition: "No valid files
+     * selected", the Tools menu, or the desktop's menu with the window's own items on top.
+     */
+    void ShowListingPopup(int side, const QPoint &globalPosition);
+    /**
+     * Runs the popup's own item \a itemData (a ListingPopupItem) after refreshing the Tools
+     * state, and only when the matching Tools item is enabled.
+     */
+    void oContextMenu_MenuItemInvoked(int itemData);
+
+private:
+    const ComparisonFileCollection &collection(int side) const;
+
+    frmMain *m_window;
+    /** The listing the Tools state was last computed for (-1: none had the focus). */
+    int m_side = -1;
+    /** The popup of the last right-click, kept until the next one. */
+    std::unique_ptr<ShellContextMenu> oContextMenu;
+    /** Stands in for a side that has no collection yet (before the first compare). */
+    std::unique_ptr<ComparisonFileCollection> m_noFiles;
+};
