@@ -5,6 +5,8 @@
 namespace {
 /** How many records the workers may read ahead of the pass. */
 constexpr int readAheadWindow = 512;
+/** Jobs queued at once: publishing takes a lock and may wake a thread, so not one by one. */
+constexpr qint64 publishBatch = 64;
 } // namespace
 
 Pairscope::Run::Run(Pairscope &engine, ComparisonFileCollection &source,
@@ -50,7 +52,17 @@ template <typename Emitter> void Pairscope::Run::notify(Emitter &&emitter) {
     // A handler that changed a collection may have changed what the prepared look-ups found.
     if (m_readAhead && (m_source.generation() != sourceGeneration ||
                         m_destination.generation() != destinationGeneration))
-        m_stale = m_readAhead->produced();
+        m_stale = m_readAhead->filled();
+}
+
+template <typename Fill> void Pairscope::Run::topUp(Fill &&fill) {
+    if (!m_readAhead)
+        return;
+    if (m_readAhead->space() < publishBatch && m_readAhead->queued() > 0)
+        return;
+    while (m_readAhead->space() > 0 && fill()) {
+    }
+    m_readAhead->publish();
 }
 
 void Pairscope::Run::startReadAhead() {
@@ -59,22 +71,40 @@ void Pairscope::Run::startReadAhead() {
     m_nextSubmit = 1;
     if (m_engine.m_workerCount > 0 && !m_engine.Cancelled())
         m_readAhead = std::make_unique<ReadAhead>(m_engine.m_workerCount, m_options, m_chunkSize,
-                                                  readAheadWindow);
+                                                  readAheadWindow, *m_engine.m_crc);
 }
 
-const ReadAhead::Job *Pairscope::Run::awaitJob(int position, bool &cancelled) {
-    // Jobs are submitted one per record of the pass, so record i has sequence i - 1.
-    const qint64 sequence = position - 1;
-    if (!m_readAhead || sequence >= m_readAhead->produced())
+const ReadAhead::Job *Pairscope::Run::awaitJob(int position, bool &cancelled, bool &stale) {
+    cancelled = false;
+    stale = false;
+    if (!m_readAhead)
         return nullptr;
-    const ReadAhead::Job *job = m_readAhead->wait(sequence, [this] { return idle(); });
-    cancelled = !job;
+    // Jobs of records the pass has moved past (their record changed its mind) are dropped.
+    const ReadAhead::Job *front = m_readAhead->front();
+    while (front && front->position < position) {
+        m_readAhead->release();
+        front = m_readAhead->front();
+    }
+    if (!front || front->position != position)
+        return nullptr;
+    const quint64 sourceGeneration = m_source.generation();
+    const quint64 destinationGeneration = m_destination.generation();
+    const ReadAhead::Job *job = m_readAhead->waitFront([this] { return idle(); });
+    // Events handled while waiting may have changed the collections too.
+    if (m_source.generation() != sourceGeneration ||
+        m_destination.generation() != destinationGeneration)
+        m_stale = m_readAhead->filled();
+    if (!job || m_engine.Cancelled()) {
+        cancelled = true;
+        return nullptr;
+    }
+    stale = m_readAhead->frontSequence() < m_stale;
     return job;
 }
 
-void Pairscope::Run::releaseJob(int position) {
-    if (m_readAhead && position - 1 < m_readAhead->produced())
-        m_readAhead->release(position - 1);
+void Pairscope::Run::releaseJob(const ReadAhead::Job *job) {
+    if (job)
+        m_readAhead->release();
 }
 
 int Pairscope::Run::execute() {
@@ -102,24 +132,25 @@ int Pairscope::Run::execute() {
     }
 }
 
-void Pairscope::Run::submitSource(int upTo) {
-    const int last = std::min(upTo, m_source.Count());
-    while (m_nextSubmit <= last && !m_readAhead->full()) {
-        ReadAhead::Job &job = m_readAhead->next();
-        job.sourceRecord = m_source.Item(m_nextSubmit);
-        if (job.sourceRecord->HasFileObject()) {
-            job.sourceFolder = job.sourceRecord->Folder();
-            job.sourceName = job.sourceRecord->NativeName();
-        }
-        job.destinationRecord =
-            m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit));
-        if (job.destinationRecord && job.destinationRecord->HasFileObject() && job.sourceFolder) {
-            job.destinationFolder = job.destinationRecord->Folder();
-            job.destinationName = job.destinationRecord->NativeName();
-        }
-        m_readAhead->submit();
-        ++m_nextSubmit;
+bool Pairscope::Run::fillSource() {
+    if (m_nextSubmit > m_source.Count())
+        return false;
+    ReadAhead::Job &job = m_readAhead->next();
+    job.position = m_nextSubmit;
+    job.sourceRecord = m_source.Item(m_nextSubmit);
+    if (job.sourceRecord->HasFileObject()) {
+        job.sourceFolder = job.sourceRecord->Folder();
+        job.sourceName = job.sourceRecord->NativeName();
     }
+    job.destinationRecord =
+        m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit));
+    if (job.destinationRecord && job.destinationRecord->HasFileObject() && job.sourceFolder) {
+        job.destinationFolder = job.destinationRecord->Folder();
+        job.destinationName = job.destinationRecord->NativeName();
+    }
+    m_readAhead->add();
+    ++m_nextSubmit;
+    return true;
 }
 
 int Pairscope::Run::sourcePass() {
@@ -130,18 +161,25 @@ int Pairscope::Run::sourcePass() {
         if (recompareRequested())
             return StatusComplete;
         const ComparisonFilePtr record = m_source.Item(i);
-        ComparisonFilePtr counterpart = m_destination.Counterpart(*record, m_source.KeyHash(i));
 
-        if (m_readAhead)
-            submitSource(i + readAheadWindow);
+        topUp([this] { return fillSource(); });
         bool cancelled = false;
-        const ReadAhead::Job *job = awaitJob(i, cancelled);
+        bool stale = false;
+        const ReadAhead::Job *job = awaitJob(i, cancelled, stale);
         if (cancelled)
             return StatusCancelled;
-        // Prepared for other records: judged from fresh reads instead.
-        if (job && i - 1 < m_stale &&
-            (job->sourceRecord != record || job->destinationRecord != counterpart))
-            job = nullptr;
+        ComparisonFilePtr counterpart;
+        if (job && !stale && job->sourceRecord == record) {
+            // Nothing has changed since the job was queued: its look-up holds.
+            counterpart = job->destinationRecord;
+        } else {
+            counterpart = m_destination.Counterpart(*record, m_source.KeyHash(i));
+            // Prepared for other records: judged from fresh reads instead.
+            if (job && (job->sourceRecord != record || job->destinationRecord != counterpart)) {
+                releaseJob(job);
+                job = nullptr;
+            }
+        }
 
         int code;
         const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
@@ -161,7 +199,7 @@ int Pairscope::Run::sourcePass() {
         record->setDifferenceCode(code);
         if (counterpart)
             counterpart->setDifferenceCode(code);
-        releaseJob(i);
+        releaseJob(job);
         notify([&] {
             Q_EMIT m_engine.FilesCompared(record, counterpart, code);
             Q_EMIT m_engine.CompareProgress(1, i, m_source.Count());
@@ -208,20 +246,22 @@ int Pairscope::Run::checksumTest(const ComparisonFilePtr &record, const FileStat
     return source.crc != destination.crc ? DifferenceCode::Checksum : 0;
 }
 
-void Pairscope::Run::submitDestination(int upTo) {
-    const int last = std::min(upTo, m_destination.Count());
-    while (m_nextSubmit <= last && !m_readAhead->full()) {
+bool Pairscope::Run::fillDestination() {
+    // Only unpaired records are read; the others are skipped by the pass.
+    for (; m_nextSubmit <= m_destination.Count(); ++m_nextSubmit) {
+        const ComparisonFilePtr &record = *(m_destination.begin() + (m_nextSubmit - 1));
+        if (record->DifferenceCode() != DifferenceCode::NotPaired || !record->HasFileObject())
+            continue;
         ReadAhead::Job &job = m_readAhead->next();
-        job.sourceRecord = m_destination.Item(m_nextSubmit);
-        // Only unpaired records are read; the others are skipped by the pass.
-        if (job.sourceRecord->DifferenceCode() == DifferenceCode::NotPaired &&
-            job.sourceRecord->HasFileObject()) {
-            job.sourceFolder = job.sourceRecord->Folder();
-            job.sourceName = job.sourceRecord->NativeName();
-        }
-        m_readAhead->submit();
+        job.position = m_nextSubmit;
+        job.sourceRecord = record;
+        job.sourceFolder = record->Folder();
+        job.sourceName = record->NativeName();
+        m_readAhead->add();
         ++m_nextSubmit;
+        return true;
     }
+    return false;
 }
 
 int Pairscope::Run::destinationPass() {
@@ -230,16 +270,19 @@ int Pairscope::Run::destinationPass() {
         if (const int s = status(); s != StatusComplete)
             return s;
         const ComparisonFilePtr record = m_destination.Item(i);
-        if (m_readAhead)
-            submitDestination(i + readAheadWindow);
-        bool cancelled = false;
-        const ReadAhead::Job *job = awaitJob(i, cancelled);
-        if (cancelled)
-            return StatusCancelled;
-        if (job && (job->sourceRecord != record || !job->sourceFolder))
-            job = nullptr;
         if (record->DifferenceCode() == DifferenceCode::NotPaired) {
+            topUp([this] { return fillDestination(); });
+            bool cancelled = false;
+            bool stale = false;
+            const ReadAhead::Job *job = awaitJob(i, cancelled, stale);
+            if (cancelled)
+                return StatusCancelled;
+            if (job && job->sourceRecord != record) {
+                releaseJob(job);
+                job = nullptr;
+            }
             const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
+            releaseJob(job);
             if (!stat.isValid()) {
                 m_destination.setNeedsRescan(true);
                 return StatusRescanNeeded;
@@ -248,14 +291,12 @@ int Pairscope::Run::destinationPass() {
                 m_source.AddMissingFile(record->FileObject(), m_destination.RootFolder(),
                                         DifferenceCode::SourceMissing, stat);
             record->setDifferenceCode(DifferenceCode::SourceMissing);
-            releaseJob(i);
             notify([&] {
                 Q_EMIT m_engine.FilesCompared(placeholder, record, DifferenceCode::SourceMissing);
                 Q_EMIT m_engine.CompareProgress(2, i, m_destination.Count());
             });
             continue;
         }
-        releaseJob(i);
         notify([&] { Q_EMIT m_engine.CompareProgress(2, i, m_destination.Count()); });
     }
     return StatusComplete;

@@ -35,12 +35,19 @@ private:
                      const ReadAhead::Job *job);
     /** Emits through \a emitter and notices when a handler changed a collection. */
     template <typename Emitter> void notify(Emitter &&emitter);
-    void submitSource(int upTo);
-    void submitDestination(int upTo);
+    /** Queues jobs for the pass while there is room, a batch at a time; \a fill adds one. */
+    template <typename Fill> void topUp(Fill &&fill);
+    bool fillSource();
+    bool fillDestination();
     void startReadAhead();
-    /** Waits for the prepared job of the record at \a position, if there is one. */
-    const ReadAhead::Job *awaitJob(int position, bool &cancelled);
-    void releaseJob(int position);
+    /**
+     * The prepared job of the record at \a position, waited for; null when there is none.
+     * \a cancelled tells a cancel during the wait apart; \a stale is set when the job was
+     * prepared before a change of the collections.
+     */
+    const ReadAhead::Job *awaitJob(int position, bool &cancelled, bool &stale);
+    /** Frees the job awaitJob() returned, if any. */
+    void releaseJob(const ReadAhead::Job *job);
     bool idle();
 
     Pairscope &m_engine;
@@ -49,7 +56,8 @@ private:
     PairTestOptions m_options;
     int m_chunkSize;
     std::unique_ptr<ReadAhead> m_readAhead;
-    /** Jobs below this sequence were prepared before a handler changed a collection. */
+    /** Jobs queued up to here were prepared before a handler changed a collection. */
     qint64 m_stale = 0;
+    /** Position of the next record to queue a job for. */
     int m_nextSubmit = 1;
 };

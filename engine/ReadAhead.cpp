@@ -1,35 +1,46 @@
 #include "engine/ReadAhead.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace {
 
-/** Jobs that gather before an idle worker is woken for them. */
-constexpr qint64 wakeBatch = 32;
-
 /**
- * A descriptor for the folder of a file, kept while consecutive files share it, so that a stat
- * or open resolves one name instead of a whole path.
+ * Most jobs a worker claims at once. Claiming costs a lock, so a worker takes several; but the
+ * caller consumes in order and waits for a job inside a claimed run, so runs stay short enough
+ * for the workers to interleave.
  */
-int folderFd(const FolderRef &folder, FolderRef &cached, int &fd) {
-    if (cached == folder)
-        return fd;
-    if (fd >= 0)
-        ::close(fd);
-    cached = folder;
-    fd = ::open(folder->nativePath().constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    return fd;
-}
+constexpr qint64 maximumClaim = 8;
 
 } // namespace
 
-ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window)
-    : m_ring(std::size_t(window))
+ReadAhead::FolderCache::~FolderCache() {
+    for (const int fd : fds) {
+        if (fd >= 0)
+            ::close(fd);
+    }
+}
+
+int ReadAhead::FolderCache::fd(int side, const FolderRef &folder) {
+    if (folders[side] == folder)
+        return fds[side];
+    if (fds[side] >= 0)
+        ::close(fds[side]);
+    folders[side] = folder;
+    fds[side] = ::open(folder->nativePath().constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return fds[side];
+}
+
+ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window,
+                     CRC32Object &callerCrc)
+    : m_ring(std::size_t(std::max(window, 1)))
     , m_options(options)
-    , m_chunkSize(chunkSize) {
-    for (int i = 0; i < workers; ++i)
+    , m_chunkSize(chunkSize)
+    , m_callerCrc(callerCrc)
+    , m_workerCount(std::max(workers, 0)) {
+    for (int i = 0; i < m_workerCount; ++i)
         m_threads.emplace_back([this] { work(); });
 }
 
@@ -40,13 +51,14 @@ ReadAhead::~ReadAhead() {
 }
 
 ReadAhead::Job &ReadAhead::next() {
-    Job &job = m_ring[std::size_t(m_produced % qint64(m_ring.size()))];
+    Job &job = slot(m_filled);
     job.sourceFolder = FolderRef();
     job.sourceName.clear();
     job.destinationFolder = FolderRef();
     job.destinationName.clear();
     job.sourceRecord.reset();
     job.destinationRecord.reset();
+    job.position = 0;
     job.sourceStat = FileStat();
     job.destinationStat = FileStat();
     job.sourceChecksum = {};
@@ -56,30 +68,52 @@ ReadAhead::Job &ReadAhead::next() {
     return job;
 }
 
-qint64 ReadAhead::submit() {
+void ReadAhead::publish() {
+    qint64 added;
     bool wake;
     {
         const std::lock_guard lock(m_mutex);
-        ++m_produced;
-        // Waking a thread is a system call: skip it when every worker is busy anyway, and
-        // let a few jobs gather first, so that a caller slower than the workers (one that
-        // lists every pair it compares) does not pay for a wake-up per job. A caller that
-        // waits for a job wakes the workers itself.
-        wake = m_idleWorkers > 0 && m_produced - m_claimed >= wakeBatch;
+        added = m_filled - m_published;
+        m_published = m_filled;
+        wake = added > 0 && m_idleWorkers > 0;
     }
-    if (wake)
+    // Waking a thread is a system call: only for workers that sleep, and all of them only when
+    // there is enough for all.
+    if (!wake)
+        return;
+    if (added > maximumClaim)
+        m_workAvailable.notify_all();
+    else
         m_workAvailable.notify_one();
-    return m_produced - 1;
 }
 
-ReadAhead::Job *ReadAhead::wait(qint64 sequence, const std::function<bool()> &idle) {
-    Job &job = m_ring[std::size_t(sequence % qint64(m_ring.size()))];
+ReadAhead::Job *ReadAhead::front() {
+    return m_consumed < m_filled ? &slot(m_consumed) : nullptr;
+}
+
+ReadAhead::Job *ReadAhead::waitFront(const std::function<bool()> &idle) {
+    Job &job = slot(m_consumed);
+    if (job.done.load(std::memory_order_acquire))
+        return &job;
+    bool runHere = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_published = m_filled;
+        // Jobs are claimed in order, so the front is unclaimed exactly when nothing past the
+        // consumed ones is.
+        if (m_claimed == m_consumed) {
+            m_claimed = m_consumed + 1;
+            runHere = true;
+        }
+    }
+    if (runHere) {
+        process(job, m_callerCrc, m_callerFolders);
+        job.done.store(true, std::memory_order_release);
+        return &job;
+    }
     while (!job.done.load(std::memory_order_acquire)) {
         {
             std::unique_lock lock(m_mutex);
-            // Jobs held back to make up a batch are wanted now.
-            if (m_idleWorkers > 0 && m_claimed < m_produced)
-                m_workAvailable.notify_all();
             m_callerWaiting.store(true);
             m_jobDone.wait_for(lock, std::chrono::milliseconds(5),
                                [&job] { return job.done.load(std::memory_order_seq_cst); });
@@ -93,10 +127,9 @@ ReadAhead::Job *ReadAhead::wait(qint64 sequence, const std::function<bool()> &id
     return &job;
 }
 
-void ReadAhead::release(qint64 sequence) {
-    Q_ASSERT(sequence == m_consumed);
-    const std::lock_guard lock(m_mutex);
-    m_consumed = sequence + 1;
+void ReadAhead::release() {
+    Q_ASSERT(m_consumed < m_filled);
+    ++m_consumed;
 }
 
 void ReadAhead::stop() {
@@ -116,47 +149,54 @@ void ReadAhead::work() {
         if (m_stop.load(std::memory_order_relaxed))
             crc.Cancel();
     });
-    FolderRef folders[2];
-    int fds[2] = {-1, -1};
+    FolderCache folders;
+    std::unique_lock lock(m_mutex);
     for (;;) {
-        Job *job;
-        {
-            std::unique_lock lock(m_mutex);
+        if (m_stop.load(std::memory_order_relaxed))
+            break;
+        if (m_claimed >= m_published) {
             ++m_idleWorkers;
             m_workAvailable.wait(lock, [this] {
-                return m_stop.load(std::memory_order_relaxed) || m_claimed < m_produced;
+                return m_stop.load(std::memory_order_relaxed) || m_claimed < m_published;
             });
             --m_idleWorkers;
-            if (m_stop.load(std::memory_order_relaxed))
-                break;
-            job = &m_ring[std::size_t(m_claimed % qint64(m_ring.size()))];
-            ++m_claimed;
+            continue;
         }
-        process(*job, crc, folders, fds);
-        // Both sides use sequentially consistent order: either the caller sees the job done
-        // before it sleeps, or the worker sees the caller waiting and wakes it.
-        job->done.store(true, std::memory_order_seq_cst);
-        if (m_callerWaiting.load(std::memory_order_seq_cst)) {
-            { const std::lock_guard lock(m_mutex); }
-            m_jobDone.notify_all();
+        // A share of what is waiting, so that the other workers get some too.
+        const qint64 begin = m_claimed;
+        const qint64 count =
+            std::clamp<qint64>((m_published - begin) / m_workerCount, 1, maximumClaim);
+        m_claimed = begin + count;
+        lock.unlock();
+        for (qint64 sequence = begin; sequence < begin + count; ++sequence) {
+            Job &job = slot(sequence);
+            process(job, crc, folders);
+            finish(job);
         }
-    }
-    for (const int fd : fds) {
-        if (fd >= 0)
-            ::close(fd);
+        lock.lock();
     }
 }
 
-void ReadAhead::process(Job &job, CRC32Object &crc, FolderRef (&folders)[2], int (&fds)[2]) {
+void ReadAhead::finish(Job &job) {
+    // Both sides use sequentially consistent order: either the caller sees the job done
+    // before it sleeps, or the worker sees the caller waiting and wakes it.
+    job.done.store(true, std::memory_order_seq_cst);
+    if (m_callerWaiting.load(std::memory_order_seq_cst)) {
+        { const std::lock_guard lock(m_mutex); }
+        m_jobDone.notify_all();
+    }
+}
+
+void ReadAhead::process(Job &job, CRC32Object &crc, FolderCache &folders) {
     if (!job.sourceFolder)
         return;
-    const int sourceFd = folderFd(job.sourceFolder, folders[0], fds[0]);
+    const int sourceFd = folders.fd(0, job.sourceFolder);
     job.sourceStat = sourceFd >= 0
                          ? FileStat::read(sourceFd, job.sourceName.constData())
                          : FileStat::read(job.sourceFolder->childNativePath(job.sourceName));
     if (!job.destinationFolder)
         return;
-    const int destinationFd = folderFd(job.destinationFolder, folders[1], fds[1]);
+    const int destinationFd = folders.fd(1, job.destinationFolder);
     job.destinationStat =
         destinationFd >= 0
             ? FileStat::read(destinationFd, job.destinationName.constData())

@@ -15,14 +15,19 @@
 /**
  * Worker threads that read ahead of the compare passes: the statx of both files of the pairs
  * the caller will judge next and, for pairs that will need them, their checksums. The caller
- * submits jobs in the order it will consume them and takes each result in that order, so
- * every decision, event and its order stays on the caller's thread.
+ * queues jobs in the order it will consume them and takes each result in that order, so every
+ * decision, event and its order stays on the caller's thread.
+ *
+ * Jobs are handed over in batches: the caller fills many slots and publishes them with one
+ * lock, and a worker claims several at a time, so that neither side takes a lock or wakes a
+ * thread per file. A job that no worker has claimed yet when the caller needs it is done on
+ * the caller's thread at once rather than waited for.
  */
 class ReadAhead {
 public:
     /** One pair (or one file) to read. Fields marked "caller" are never touched by workers. */
     struct Job {
-        // Set by the caller before the job is queued.
+        // Set by the caller before the job is published.
         FolderRef sourceFolder;
         QByteArray sourceName;
         FolderRef destinationFolder;
@@ -30,7 +35,9 @@ public:
         /** caller: the records the job was made for, to check them again when consumed. */
         ComparisonFilePtr sourceRecord;
         ComparisonFilePtr destinationRecord;
-        // Written by a worker.
+        /** caller: the 1-based position in the pass of the record the job was made for. */
+        int position = 0;
+        // Written by whoever runs the job.
         FileStat sourceStat;
         FileStat destinationStat;
         CRC32Object::Result sourceChecksum;
@@ -39,44 +46,76 @@ public:
         std::atomic<bool> done{false};
     };
 
-    ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window);
+    /**
+     * \a workers threads, at most \a window jobs queued; checksums read in chunks of
+     * \a chunkSize bytes. \a callerCrc takes the checksums of jobs the caller runs itself, so
+     * that they yield and cancel as the caller's own.
+     */
+    ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window,
+              CRC32Object &callerCrc);
     ~ReadAhead();
     ReadAhead(const ReadAhead &) = delete;
     ReadAhead &operator=(const ReadAhead &) = delete;
 
-    /** True when no more jobs may be queued until the oldest is released. */
-    bool full() const { return m_produced - m_consumed >= qint64(m_ring.size()); }
-    /** The slot for the next job; fill it, then call submit(). */
+    /** Sequence number of the next job next() hands out (jobs are counted from 0). */
+    qint64 filled() const { return m_filled; }
+    /** Sequence number of front(). */
+    qint64 frontSequence() const { return m_consumed; }
+    /** Jobs queued (published or not) and not yet released. */
+    qint64 queued() const { return m_filled - m_consumed; }
+    /** Free slots for jobs. */
+    qint64 space() const { return qint64(m_ring.size()) - queued(); }
+    /** The slot for the next job, emptied; fill it, then call add(). Needs space(). */
     Job &next();
-    /** Queues the job filled in next(); returns its sequence number. */
-    qint64 submit();
-    /** Sequence number the next submit() will get. */
-    qint64 produced() const { return m_produced; }
+    /** Counts the job filled in next(); it waits for publish(). */
+    void add() { ++m_filled; }
+    /** Hands every added job to the workers at once, waking those asleep. */
+    void publish();
+
+    /** The oldest job not yet released, or null when none is queued. */
+    Job *front();
     /**
-     * Waits for job \a sequence, calling \a idle every few milliseconds; returns null when
-     * \a idle reports that the wait should end (a cancel).
+     * Waits for front() to be done, calling \a idle every few milliseconds; returns null when
+     * \a idle reports that the wait should end (a cancel). Runs the job here when no worker
+     * has taken it.
      */
-    Job *wait(qint64 sequence, const std::function<bool()> &idle);
-    /** Frees the oldest job's slot (it must be \a sequence). */
-    void release(qint64 sequence);
+    Job *waitFront(const std::function<bool()> &idle);
+    /** Frees the slot of front(). */
+    void release();
     /** Stops the workers promptly, abandoning running checksums. Caller's thread or not. */
     void stop();
 
 private:
+    /** A descriptor of the folder last used for each side, so a stat resolves one name. */
+    struct FolderCache {
+        FolderRef folders[2];
+        int fds[2] = {-1, -1};
+        ~FolderCache();
+        int fd(int side, const FolderRef &folder);
+    };
+
+    Job &slot(qint64 sequence) { return m_ring[std::size_t(sequence % qint64(m_ring.size()))]; }
     void work();
-    void process(Job &job, CRC32Object &crc, FolderRef (&folders)[2], int (&fds)[2]);
+    void process(Job &job, CRC32Object &crc, FolderCache &cache);
+    void finish(Job &job);
 
     std::vector<Job> m_ring;
     std::vector<std::thread> m_threads;
     PairTestOptions m_options;
     int m_chunkSize;
+    CRC32Object &m_callerCrc;
+    const int m_workerCount;
+    FolderCache m_callerFolders;
     std::mutex m_mutex;
     std::condition_variable m_workAvailable;
     std::condition_variable m_jobDone;
-    qint64 m_produced = 0;
-    qint64 m_claimed = 0;
+    // Caller only.
+    qint64 m_filled = 0;
     qint64 m_consumed = 0;
-    /** Workers asleep for want of jobs; a submit wakes one only then. */
+    // Under m_mutex.
+    qint64 m_published = 0;
+    qint64 m_claimed = 0;
+    /** Workers asleep for want of jobs; a publish wakes them only then. */
     int m_idleWorkers = 0;
     /** The caller sleeps on a job; a finished job wakes it only then. */
     std::atomic<bool> m_callerWaiting{false};

@@ -90,6 +90,7 @@ private Q_SLOTS:
     void datesDiffer();
     void pairingAndEvents_data();
     void pairingAndEvents();
+    void workersMatchSequentialRun_data();
     void workersMatchSequentialRun();
     void vanishedFile_data();
     void vanishedFile();
@@ -235,32 +236,60 @@ void tst_Pairscope::pairingAndEvents() {
     QVERIFY(!f.engine.InProgress());
 }
 
+void tst_Pairscope::workersMatchSequentialRun_data() {
+    QTest::addColumn<int>("files");
+    QTest::addColumn<bool>("meddle");
+    QTest::newRow("fewer files than the read-ahead holds") << 400 << false;
+    // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
+    QTest::newRow("many more") << 3000 << false;
+    // A handler adds placeholders for later records: the look-ups prepared ahead no longer hold.
+    QTest::newRow("a handler changes the collections") << 3000 << true;
+}
+
 void tst_Pairscope::workersMatchSequentialRun() {
-    Fixture sequential(0);
+    QFETCH(int, files);
+    QFETCH(bool, meddle);
+    Fixture f(0);
     auto *random = QRandomGenerator::global();
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < files; ++i) {
         const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
         const int kind = int(random->bounded(6));
         const QByteArray content = QByteArray::number(i).repeated(int(random->bounded(1, 50)));
         if (kind != 0)
-            QVERIFY(sequential.source.write(name, content));
+            QVERIFY(f.source.write(name, content));
         if (kind != 1)
-            QVERIFY(sequential.destination.write(name, kind == 2 ? content + "!" : content));
+            QVERIFY(f.destination.write(name, kind == 2 ? content + "!" : content));
         if (kind == 3) {
-            QVERIFY(sequential.destination.write(name, QByteArray(content).replace('1', '2')));
-            QVERIFY(sequential.destination.setTimes(name, baseTime + i));
+            QVERIFY(f.destination.write(name, QByteArray(content).replace('1', '2')));
+            QVERIFY(f.destination.setTimes(name, baseTime + i));
         }
         if (kind == 4)
-            QVERIFY(sequential.source.setTimes(name, baseTime - i));
+            QVERIFY(f.source.setTimes(name, baseTime - i));
     }
-    sequential.walk();
+    f.walk();
+    bool meddled = false;
+    if (meddle) {
+        connect(&f.engine, &Pairscope::CompareProgress, this, [&](int pass, int current, int) {
+            if (meddled || pass != 1 || current != f.sourceFiles.Count() / 3)
+                return;
+            meddled = true;
+            for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
+                const ComparisonFilePtr record = f.sourceFiles.Item(i);
+                if (!f.destinationFiles.Counterpart(*record))
+                    f.destinationFiles.AddMissingFile(record->FileObject(),
+                                                      f.sourceFiles.RootFolder(), 3);
+            }
+        });
+    }
     for (const bool crcLast : {false, true}) {
-        QCOMPARE(sequential.compare(63, true, crcLast), int(Pairscope::StatusComplete));
-        const QStringList expected = sequential.events;
-        sequential.engine.setWorkerCount(2);
-        QCOMPARE(sequential.compare(63, true, crcLast), int(Pairscope::StatusComplete));
-        QCOMPARE(sequential.events, expected);
-        sequential.engine.setWorkerCount(0);
+        meddled = false;
+        f.engine.setWorkerCount(0);
+        QCOMPARE(f.compare(63, true, crcLast), int(Pairscope::StatusComplete));
+        const QStringList expected = f.events;
+        meddled = false;
+        f.engine.setWorkerCount(2);
+        QCOMPARE(f.compare(63, true, crcLast), int(Pairscope::StatusComplete));
+        QCOMPARE(f.events, expected);
     }
 }
 
