@@ -38,6 +38,28 @@ QString longTimeFormatWithoutZone(const QLocale &locale) {
     return result.simplified();
 }
 
+/** The locale's date and time formats, worked out once per locale rather than once per row. */
+struct DateFormats {
+    QLocale locale;
+    QString date;
+    QString time;
+    bool ready = false;
+};
+
+const DateFormats &dateFormats() {
+    // Kept for the life of the thread and never destroyed: the locale's own data may already be
+    // gone when thread-local objects are torn down at exit.
+    thread_local DateFormats &cached = *new DateFormats;
+    const QLocale current;
+    if (!cached.ready || cached.locale != current) {
+        cached.locale = current;
+        cached.date = current.dateFormat(QLocale::ShortFormat);
+        cached.time = longTimeFormatWithoutZone(current);
+        cached.ready = true;
+    }
+    return cached;
+}
+
 /** The date a date column shows: 5 modified, 6 created, 7 accessed. */
 FileTime dateOfColumn(const ComparisonFile &file, int columnType) {
     switch (columnType) {
@@ -275,12 +297,13 @@ QString ComparisonFile::ColumnString(int columnType, bool ShowFullPath) const {
 }
 
 QString ComparisonFile::DateString(const FileTime &date) {
-    if (date.isNull())
+    QDate day;
+    QTime time;
+    if (!date.toLocal(&day, &time))
         return {};
-    const QLocale locale;
-    const QDateTime dateTime = date.toDateTime();
-    return locale.toString(dateTime.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
-           locale.toString(dateTime.time(), longTimeFormatWithoutZone(locale));
+    const DateFormats &formats = dateFormats();
+    return formats.locale.toString(day, formats.date) + QLatin1Char(' ') +
+           formats.locale.toString(time, formats.time);
 }
 
 QString ComparisonFile::AttributeString(int attributes) {

@@ -28,6 +28,12 @@ public:
 
     /** Local time, millisecond precision; invalid for "no date". */
     QDateTime toDateTime() const;
+    /**
+     * The local calendar date and time of day (whole seconds) and the offset from UTC in
+     * seconds, without building a QDateTime: listings convert every row, and this is the cheap
+     * way. False for "no date" or a time the C library cannot convert.
+     */
+    bool toLocal(QDate *date, QTime *time, qint64 *offsetFromUtc = nullptr) const;
     /** Days since 1899-12-30 in local time, the fraction being the time of day; 0 for "no date". */
     double toOleDate() const;
 
