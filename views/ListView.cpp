@@ -390,6 +390,11 @@ int ListView::ItemTop(int row) const {
 }
 
 void ListView::ScrollVertically(int pixels) {
+    // Nothing to move: rows still waiting for their batch stay there. The scroll follower
+    // asks for this every few milliseconds while a compare lists rows, and handing each
+    // few rows over at once would relayout and repaint the whole list as often.
+    if (pixels == 0)
+        return;
     m_model->flush();
     executeDelayedItemsLayout();
     if (m_model->rowCount() == 0)
