@@ -63,6 +63,9 @@ bool StatusLine::textClickable() const {
 }
 
 void StatusLine::paintPending() {
+    // Whichever paints first, a late text or the timer, the other must wait a whole interval
+    // again: a timer left running would paint a second text a moment later.
+    m_flush.stop();
     if (!m_hasPending)
         return;
     m_hasPending = false;

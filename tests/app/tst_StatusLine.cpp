@@ -1,0 +1,108 @@
+#include "app/StatusLine.h"
+#include "app/StatusText.h"
+
+#include <QElapsedTimer>
+#include <QProgressBar>
+#include <QTest>
+
+#include <vector>
+
+/**
+ * The status line paints progress texts at most every StatusLine::paintIntervalMs however
+ * fast they come, and always shows the last one in the end.
+ */
+class tst_StatusLine : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void progressTextsThrottled_data();
+    void progressTextsThrottled();
+    void finalTextShownAtOnce();
+};
+
+namespace {
+
+/** Every change of the shown text, with the time it was seen. */
+struct ShownTexts {
+    explicit ShownTexts(const StatusLine &line)
+        : text(line.findChild<StatusText *>()) {
+        clock.start();
+    }
+    void look() {
+        if (text->text() != last) {
+            last = text->text();
+            changesMs.push_back(clock.elapsed());
+        }
+    }
+    /** The shortest time between two changes after the first; -1 with fewer than three. */
+    qint64 shortestGapMs() const {
+        qint64 shortest = -1;
+        for (size_t i = 2; i < changesMs.size(); ++i) {
+            const qint64 gap = changesMs[i] - changesMs[i - 1];
+            if (shortest < 0 || gap < shortest)
+                shortest = gap;
+        }
+        return shortest;
+    }
+
+    const StatusText *text;
+    QString last;
+    std::vector<qint64> changesMs;
+    QElapsedTimer clock;
+};
+
+} // namespace
+
+void tst_StatusLine::progressTextsThrottled_data() {
+    // How long the caller works between two turns of the event loop: a turn every text, and
+    // turns rarer than the paint interval, where a text arrives after the timer was due but
+    // before the timer could run.
+    QTest::addColumn<int>("workMs");
+    QTest::newRow("event loop after every text") << 0;
+    QTest::newRow("event loop every 10 ms") << 10;
+    QTest::newRow("event loop later than the interval") << StatusLine::paintIntervalMs + 5;
+}
+
+void tst_StatusLine::progressTextsThrottled() {
+    QFETCH(int, workMs);
+    StatusLine line;
+    line.show();
+    ShownTexts shown(line);
+    QElapsedTimer running;
+    running.start();
+    QElapsedTimer sinceTurn;
+    sinceTurn.start();
+    int n = 0;
+    while (running.elapsed() < 12 * StatusLine::paintIntervalMs) {
+        line.UpdateStatus(QStringLiteral("Building source file list (%1)").arg(++n), true, -1);
+        shown.look();
+        if (sinceTurn.elapsed() >= workMs) {
+            QCoreApplication::processEvents();
+            shown.look();
+            sinceTurn.start();
+        }
+    }
+    QVERIFY2(shown.changesMs.size() >= 3, "too few texts painted to judge");
+    // Timers may fire a little early; a second paint right after the first is the fault.
+    QVERIFY2(shown.shortestGapMs() >= StatusLine::paintIntervalMs * 4 / 5,
+             qPrintable(QStringLiteral("two texts %1 ms apart").arg(shown.shortestGapMs())));
+
+    QTest::qWait(StatusLine::paintIntervalMs * 2);
+    shown.look();
+    QCOMPARE(shown.last, QStringLiteral("  Building source file list (%1)").arg(n));
+}
+
+void tst_StatusLine::finalTextShownAtOnce() {
+    StatusLine line;
+    line.show();
+    line.UpdateStatus(QStringLiteral("Comparing files - pass 1  (1 of 2)"), true, 50);
+    line.UpdateStatus(QStringLiteral("Comparing files - pass 1  (2 of 2)"), true, 100);
+    line.UpdateStatus(QStringLiteral("Compare complete."), false, -1);
+    QCOMPARE(line.findChild<StatusText *>()->text(), QStringLiteral("  Compare complete."));
+    QVERIFY(!line.ProgressBar1()->isVisibleTo(&line));
+    // The progress text still pending must not overwrite the final one later.
+    QTest::qWait(StatusLine::paintIntervalMs * 2);
+    QCOMPARE(line.findChild<StatusText *>()->text(), QStringLiteral("  Compare complete."));
+}
+
+QTEST_MAIN(tst_StatusLine)
+#include "tst_StatusLine.moc"
