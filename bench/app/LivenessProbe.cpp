@@ -34,6 +34,8 @@ void LivenessProbe::start() {
     m_gapsMs.clear();
     m_paintIntervalsMs.clear();
     m_phases.clear();
+    m_maxGapMs = 0;
+    m_maxGapPhase.clear();
     m_watchedPaints = 0;
     m_painted = false;
     m_lastPaintNs = -1;
@@ -53,9 +55,14 @@ void LivenessProbe::tick() {
     if (!m_running)
         return;
     const qint64 now = m_clock.nsecsElapsed();
-    m_gapsMs.push_back(double(now - m_lastTickNs) / 1e6);
+    const double gap = double(now - m_lastTickNs) / 1e6;
+    m_gapsMs.push_back(gap);
     m_lastTickNs = now;
     notePhase(now);
+    if (gap > m_maxGapMs) {
+        m_maxGapMs = gap;
+        m_maxGapPhase = m_phases.empty() ? QString() : m_phases.back().name;
+    }
 }
 
 void LivenessProbe::notePhase(qint64 now) {

@@ -35,6 +35,8 @@ public:
     int turns() const { return int(m_gapsMs.size()); }
     /** The largest gap between two turns, in ms: how long a click or a scroll could wait. */
     double maxGapMs() const;
+    /** The stage (see phases()) shown when the largest gap ended. */
+    QString maxGapPhase() const { return m_maxGapPhase; }
     /** The gap that \a fraction of the turns came within (0.99: the 99th percentile), in ms. */
     double gapPercentileMs(double fraction) const;
     /** Paints of the status text that showed a text other than the paint before. */
@@ -72,4 +74,6 @@ private:
     std::vector<double> m_gapsMs;
     std::vector<double> m_paintIntervalsMs;
     std::vector<Phase> m_phases;
+    double m_maxGapMs = 0;
+    QString m_maxGapPhase;
 };

@@ -130,6 +130,7 @@ void printLiveness(const LivenessProbe &probe) {
     std::printf("list_paints %d\n", probe.watchedPaints());
     std::printf("loop_turns %d\nloop_gap_max_ms %.1f\nloop_gap_p99_ms %.1f\n", probe.turns(),
                 probe.maxGapMs(), probe.gapPercentileMs(0.99));
+    std::printf("loop_gap_max_during %s\n", qPrintable(probe.maxGapPhase()));
     std::printf("status_paints %d\nstatus_paint_interval_min_ms %.1f\n"
                 "status_paint_interval_median_ms %.1f\n",
                 probe.textPaints(), probe.minPaintIntervalMs(), probe.medianPaintIntervalMs());
