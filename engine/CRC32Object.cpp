@@ -86,7 +86,7 @@ CRC32Object::Result CRC32Object::Checksum(int dirFd, const QByteArray &name,
     }
     if (known.size == 0)
         return {Status::Ok, 0, 0};
-    return readRegular(dirFd, name.constData());
+    return readRegular(dirFd, name.constData(), known.size);
 }
 
 quint32 CRC32Object::update(quint32 crc, const void *data, std::size_t size) {
@@ -99,21 +99,27 @@ bool CRC32Object::yieldAndTest() {
     return !m_cancel.load(std::memory_order_relaxed);
 }
 
-CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name) {
+CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, qint64 knownSize) {
     const FdGuard fd(openForReading(dirFd, name));
     if (fd.get() < 0)
         return {Status::Failed, 0, errno};
-    ::posix_fadvise(fd.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-
     const std::size_t chunk = std::size_t(m_chunkSize);
+    // A file read in one chunk gains nothing from a larger read-ahead window; a system call
+    // per small file does cost.
+    if (knownSize > qint64(chunk))
+        ::posix_fadvise(fd.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+
     if (m_buffer.size() != chunk) {
         m_buffer.clear();
         m_buffer.shrink_to_fit();
         m_buffer.resize(chunk);
     }
     quint32 crc = 0;
+    qint64 total = 0;
     for (;;) {
-        // A chunk is exactly ChunkSize bytes except the last: short reads are topped up.
+        // A chunk is exactly ChunkSize bytes except the last: short reads are topped up. A
+        // short read that ends at the size the file had when it was looked at is taken as the
+        // end without asking again, as that read would only return nothing.
         std::size_t filled = 0;
         while (filled < chunk) {
             const ssize_t n = ::read(fd.get(), m_buffer.data() + filled, chunk - filled);
@@ -125,7 +131,10 @@ CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name) {
             if (n == 0)
                 break;
             filled += std::size_t(n);
+            if (filled < chunk && total + qint64(filled) == knownSize)
+                break;
         }
+        total += qint64(filled);
         crc = update(crc, m_buffer.data(), filled);
         if (!yieldAndTest())
             return {Status::Cancelled, 0, 0};

@@ -81,7 +81,7 @@ public:
     void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
 private:
-    Result readRegular(int dirFd, const char *name);
+    Result readRegular(int dirFd, const char *name, qint64 knownSize);
     Result readLink(int dirFd, const char *name, qint64 knownSize);
     bool yieldAndTest();
 
