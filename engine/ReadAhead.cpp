@@ -93,34 +93,31 @@ ReadAhead::Job *ReadAhead::front() {
 
 ReadAhead::Job *ReadAhead::waitFront(const std::function<bool()> &idle) {
     Job &job = slot(m_consumed);
-    if (job.done.load(std::memory_order_acquire))
-        return &job;
-    bool runHere = false;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_published = m_filled;
-        // Jobs are claimed in order, so the front is unclaimed exactly when nothing past the
-        // consumed ones is.
-        if (m_claimed == m_consumed) {
-            m_claimed = m_consumed + 1;
-            runHere = true;
-        }
-    }
-    if (runHere) {
-        process(job, m_callerCrc, m_callerFolders);
-        job.done.store(true, std::memory_order_release);
-        return &job;
-    }
     while (!job.done.load(std::memory_order_acquire)) {
+        // Rather than sleep while a worker finishes the front, the caller takes on the oldest
+        // job nobody has claimed (the front itself when no worker has reached it).
+        Job *unclaimed = nullptr;
         {
             std::unique_lock lock(m_mutex);
-            m_callerWaiting.store(true);
-            m_jobDone.wait_for(lock, std::chrono::milliseconds(5),
-                               [&job] { return job.done.load(std::memory_order_seq_cst); });
-            m_callerWaiting.store(false);
+            m_published = m_filled;
+            if (m_claimed < m_published) {
+                unclaimed = &slot(m_claimed);
+                ++m_claimed;
+            } else {
+                m_callerWaiting.store(true);
+                m_jobDone.wait_for(lock, std::chrono::milliseconds(5),
+                                   [&job] { return job.done.load(std::memory_order_seq_cst); });
+                m_callerWaiting.store(false);
+            }
         }
-        if (job.done.load(std::memory_order_acquire))
+        if (unclaimed) {
+            process(*unclaimed, m_callerCrc, m_callerFolders);
+            unclaimed->done.store(true, std::memory_order_release);
+            if (unclaimed == &job)
+                break;
+        } else if (job.done.load(std::memory_order_acquire)) {
             break;
+        }
         if (!idle())
             return nullptr;
     }

@@ -20,8 +20,8 @@
  *
  * Jobs are handed over in batches: the caller fills many slots and publishes them with one
  * lock, and a worker claims several at a time, so that neither side takes a lock or wakes a
- * thread per file. A job that no worker has claimed yet when the caller needs it is done on
- * the caller's thread at once rather than waited for.
+ * thread per file. While the caller waits for a job, it runs jobs that no worker has claimed
+ * yet (the one it waits for, if no worker has reached it) instead of sleeping.
  */
 class ReadAhead {
 public:
@@ -75,9 +75,9 @@ public:
     /** The oldest job not yet released, or null when none is queued. */
     Job *front();
     /**
-     * Waits for front() to be done, calling \a idle every few milliseconds; returns null when
-     * \a idle reports that the wait should end (a cancel). Runs the job here when no worker
-     * has taken it.
+     * Waits for front() to be done, running unclaimed jobs meanwhile and calling \a idle after
+     * each and every few milliseconds; returns null when \a idle reports that the wait should
+     * end (a cancel).
      */
     Job *waitFront(const std::function<bool()> &idle);
     /** Frees the slot of front(). */
