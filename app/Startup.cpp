@@ -149,8 +149,10 @@ std::array<QString, 2> FoldersFromArguments(const QStringList &arguments) {
     std::array<QString, 2> folders;
     for (int side = 0; side < 2 && side < arguments.size(); ++side) {
         const QFileInfo info(arguments[side]);
+        // A folder named relative to the shell's working folder is kept absolute, so that the
+        // recent list still names it when the program is next started elsewhere.
         if (!arguments[side].isEmpty() && info.isDir())
-            folders[side] = arguments[side];
+            folders[side] = QDir::cleanPath(info.absoluteFilePath());
     }
     return folders;
 }

@@ -7,6 +7,7 @@
 #include "support/TestTree.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QPointer>
 #include <QScreen>
 #include <QTest>
@@ -81,6 +82,14 @@ void tst_Startup::foldersFromArguments() {
     const std::array<QString, 2> folders = FoldersFromArguments(arguments);
     QCOMPARE(folders[0], source.isEmpty() ? QString() : tree.path(source));
     QCOMPARE(folders[1], destination.isEmpty() ? QString() : tree.path(destination));
+
+    // Named from the working folder, a folder still enters the path box absolute.
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(tree.root()));
+    const std::array<QString, 2> relative = FoldersFromArguments({"./dst/", "src"});
+    QDir::setCurrent(before);
+    QCOMPARE(relative[0], tree.path("dst"));
+    QCOMPARE(relative[1], tree.path("src"));
 }
 
 void tst_Startup::defaultPlacement_data() {
