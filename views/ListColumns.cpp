@@ -27,7 +27,7 @@ constexpr std::array<ColumnSpec, ColumnTypeCount> Columns{{
     {"Difference", 200, 0},
 }};
 
-const ColumnSpec *spec(int type) {
+const ColumnSpec *columnDefinition(int type) {
     return type >= 1 && type <= ColumnTypeCount ? &Columns[size_t(type - 1)] : nullptr;
 }
 
@@ -42,17 +42,17 @@ int ColumnTypeFromKey(const QString &key) {
 }
 
 QString ColumnCaption(int type) {
-    const ColumnSpec *column = spec(type);
+    const ColumnSpec *column = columnDefinition(type);
     return column ? QString::fromLatin1(column->caption) : QString();
 }
 
 int DefaultColumnWidth(int type) {
-    const ColumnSpec *column = spec(type);
+    const ColumnSpec *column = columnDefinition(type);
     return column ? column->width : 0;
 }
 
 int DefaultColumnPosition(int type) {
-    const ColumnSpec *column = spec(type);
+    const ColumnSpec *column = columnDefinition(type);
     return column ? column->position : 0;
 }
 

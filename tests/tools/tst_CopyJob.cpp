@@ -394,7 +394,7 @@ void tst_CopyJob::overwrittenFileGoesToTheTrash() {
     QCOMPARE(observer.asked, QList<QByteArray>{target});
     QCOMPARE(readNative(target), QByteArray("new text"));
 
-    // The trash as the freedesktop.org specification lays it out: the file under files/, its
+    // The desktop trash layout: the file under files/, its
     // original path in info/<name>.trashinfo.
     const QByteArray escaped = QByteArray(target).toPercentEncoding("/");
     QString trashedName;
