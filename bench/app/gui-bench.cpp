@@ -15,12 +15,16 @@
 //       system would post it, so the time until the event loop takes it counts
 //   gui-bench make-tree FOLDER FILES [PER-FOLDER]
 //       FILES empty files in folders of PER-FOLDER (default 1000) below FOLDER
+//   gui-bench shots [-c BITS] OUTPUT SOURCE DESTINATION
+//       pictures (PNG) of the window after a compare, one for each look of the listings a
+//       user can choose (see ListingShots), written to the folder OUTPUT
 //
 // BITS is the comparison set (1 sizes, 2 modified, 4 created, 8 accessed, 16 attributes,
 // 32 checksums); it must be one the combo offers by default: 3, 2, 0 or 31 (default 3).
 // Every run uses a settings profile of its own in a temporary folder. Output is one
 // "name value..." line per figure, for the script to read.
 #include "BenchWindow.h"
+#include "ListingShots.h"
 #include "LivenessProbe.h"
 
 #include "app/StatusText.h"
@@ -54,7 +58,8 @@ int usage() {
     std::fprintf(stderr, "usage: gui-bench compare [--all-files] [-c BITS] SOURCE DESTINATION\n"
                          "       gui-bench listings [-r ROUNDS] SOURCE DESTINATION\n"
                          "       gui-bench cancel [--key] [--after MS]... SOURCE DESTINATION\n"
-                         "       gui-bench make-tree FOLDER FILES [PER-FOLDER]\n");
+                         "       gui-bench make-tree FOLDER FILES [PER-FOLDER]\n"
+                         "       gui-bench shots [-c BITS] OUTPUT SOURCE DESTINATION\n");
     return 2;
 }
 
@@ -65,6 +70,7 @@ struct Arguments {
     int comparisons = 3;
     int rounds = 5;
     std::vector<int> after;
+    QString output;
     QString source;
     QString destination;
 };
@@ -88,6 +94,9 @@ bool parse(int argc, char **argv, Arguments &arguments) {
         else
             folders << QDir(QFile::decodeName(argv[i])).absolutePath();
     }
+    // Screenshots name the folder for their pictures first.
+    if (std::strcmp(argv[1], "shots") == 0 && !folders.isEmpty())
+        arguments.output = folders.takeFirst();
     if (folders.size() != 2)
         return false;
     arguments.source = folders[0];
@@ -308,5 +317,8 @@ int main(int argc, char **argv) {
         return listingsMode(arguments);
     if (mode == "cancel")
         return cancelMode(arguments);
+    if (mode == "shots")
+        return ListingShots(arguments.output, arguments.comparisons)
+            .grab(arguments.source, arguments.destination);
     return usage();
 }
