@@ -81,6 +81,8 @@ public:
     ComparisonFilePtr Counterpart(const ComparisonFile &other, quint32 keyHash) const;
     /** RecordIndex::hashOf() of the record at 1-based \a position, kept from its insertion. */
     quint32 KeyHash(int position) const { return m_hashes[std::size_t(position - 1)]; }
+    /** Starts fetching the index slot of a key hash into the cache, for a look-up soon. */
+    void prefetchKey(quint32 keyHash) const { m_index.prefetch(keyHash); }
     int Count() const { return int(m_records.size()); }
 
     /** Insertion order. Do not add or remove records while iterating. */
@@ -105,10 +107,15 @@ Q_SIGNALS:
 
 private:
     void walk(const QByteArray &rootNative, const QString &asGiven);
-    void addFileRecord(const FolderRef &folder, QByteArray name, bool restarted);
+    /** Adds the files of one folder; false when a cancel or rescan stopped it. */
+    bool addFileRecords(const FolderRef &folder, std::vector<QByteArray> &names, bool restarted);
+    void addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash, bool restarted);
     void addProblem(CollectionProblem problem, bool restarted);
-    /** Adds \a record under its key; false (and nothing added) when the key is taken. */
-    bool insert(const ComparisonFilePtr &record, qsizetype *existing = nullptr);
+    /**
+     * Adds \a record under its key, whose hash is \a hash; false (and nothing added) when the
+     * key is taken, with its holder's position in \a existing.
+     */
+    bool insert(const ComparisonFilePtr &record, quint32 hash, qsizetype *existing = nullptr);
     /** Position of the record with the same key as \a other (whose key hash is \a hash), or -1. */
     qsizetype find(const ComparisonFile &other, quint32 hash) const;
     void resetRecords();
@@ -116,6 +123,8 @@ private:
 
     std::vector<ComparisonFilePtr> m_records;
     std::vector<quint32> m_hashes;
+    /** Key hashes of the names of the folder being added. */
+    std::vector<quint32> m_pendingHashes;
     RecordIndex m_index;
     QHash<QByteArray, FolderRef> m_placeholderFolders;
     QList<CollectionProblem> m_problems;

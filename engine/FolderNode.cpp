@@ -25,6 +25,20 @@ FolderNode::FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QStrin
     m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, relativeKey());
 }
 
+FolderNode::FolderNode(const FolderNode &parent, const QByteArray &name)
+    : m_nativePath(parent.childNativePath(name))
+    , m_displayPath(DisplayFromNative(m_nativePath))
+    , m_rootKeyLength(parent.m_rootKeyLength)
+    , m_rootPath(parent.m_rootPath)
+    , m_rootNativeLength(parent.m_rootNativeLength) {
+    // Keys are made name by name, so the parent's key is this key's beginning.
+    m_keyPath.reserve(parent.m_keyPath.size() + name.size() + 1);
+    m_keyPath += parent.m_keyPath;
+    RecordKey::appendName(m_keyPath, name);
+    m_keyPath += QLatin1Char('/');
+    m_relativeKeyHash = RecordKey::feed(RecordKey::feedName(parent.m_relativeKeyHash, name), u'/');
+}
+
 QByteArray FolderNode::relativeNativePath() const {
     if (m_rootNativeLength >= m_nativePath.size())
         return {};

@@ -22,6 +22,8 @@ public:
      * folder as the collection was given it.
      */
     FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath);
+    /** The subfolder \a name of \a parent, in the same tree. */
+    FolderNode(const FolderNode &parent, const QByteArray &name);
 
     FolderNode(const FolderNode &) = delete;
     FolderNode &operator=(const FolderNode &) = delete;
@@ -95,6 +97,10 @@ public:
     static FolderRef make(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath) {
         return FolderRef(
             new FolderNode(std::move(nativePath), rootNativeLength, std::move(rootPath)));
+    }
+    /** Creates the node of the subfolder \a name of \a parent. */
+    static FolderRef makeChild(const FolderRef &parent, const QByteArray &name) {
+        return FolderRef(new FolderNode(*parent, name));
     }
 
     FolderNode *get() const { return m_node; }

@@ -142,6 +142,10 @@ bool Pairscope::Run::fillSource() {
         job.sourceFolder = job.sourceRecord->Folder();
         job.sourceName = job.sourceRecord->NativeName();
     }
+    // The index slot of a look-up a few records on is fetched into the cache meanwhile.
+    constexpr int lookAhead = 8;
+    if (m_nextSubmit + lookAhead <= m_source.Count())
+        m_destination.prefetchKey(m_source.KeyHash(m_nextSubmit + lookAhead));
     job.destinationRecord =
         m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit));
     if (job.destinationRecord && job.destinationRecord->HasFileObject() && job.sourceFolder) {

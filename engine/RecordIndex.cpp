@@ -4,7 +4,11 @@ quint32 RecordIndex::hashOf(const ComparisonFile &record) {
     const FolderRef &folder = record.Folder();
     if (!folder)
         return RecordKey::finish(RecordKey::Seed);
-    return RecordKey::finish(RecordKey::feedName(folder->relativeKeyHash(), record.NativeName()));
+    return hashOf(*folder, record.NativeName());
+}
+
+quint32 RecordIndex::hashOf(const FolderNode &folder, const QByteArray &name) {
+    return RecordKey::finish(RecordKey::feedName(folder.relativeKeyHash(), name));
 }
 
 bool RecordIndex::sameKey(const ComparisonFile &a, const ComparisonFile &b) {

@@ -16,6 +16,8 @@ class RecordIndex {
 public:
     /** RecordKey::hash() of \a record's RelativeKey(), found without building the key. */
     static quint32 hashOf(const ComparisonFile &record);
+    /** The same for a file \a name in \a folder, without a record. */
+    static quint32 hashOf(const FolderNode &folder, const QByteArray &name);
     /** True when both records have the same RelativeKey(), found without building them. */
     static bool sameKey(const ComparisonFile &a, const ComparisonFile &b);
 
@@ -36,6 +38,11 @@ public:
                     return position;
             }
         }
+    }
+    /** Starts fetching the first slot of \a hash into the cache. */
+    void prefetch(quint32 hash) const {
+        if (!m_slots.empty())
+            __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
     }
     /** Adds a position; the caller has made sure the key is not present. */
     void insert(quint32 hash, qsizetype position);

@@ -38,6 +38,18 @@ RecordKey::State RecordKey::feedName(State state, const QByteArray &name) {
     return state;
 }
 
+void RecordKey::appendName(QString &key, const QByteArray &name) {
+    if (!isAscii(name)) {
+        key += nameKey(name);
+        return;
+    }
+    const qsizetype start = key.size();
+    key.resize(start + name.size());
+    char16_t *out = reinterpret_cast<char16_t *>(key.data()) + start;
+    for (const char c : name)
+        *out++ = asciiLower(static_cast<unsigned char>(c));
+}
+
 bool RecordKey::namesEqual(const QByteArray &a, const QByteArray &b) {
     // The two names of a pair are nearly always spelt alike.
     if (a == b)

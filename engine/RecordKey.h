@@ -24,6 +24,9 @@ inline State feed(State state, char16_t unit) {
 State feed(State state, QStringView text);
 /** Feeds the key form of the native name \a name (lower case, invalid bytes escaped). */
 State feedName(State state, const QByteArray &name);
+/** Appends the key form of the native name \a name to \a key. */
+void appendName(QString &key, const QByteArray &name);
+
 /** The 32-bit hash of a fed key. */
 inline quint32 finish(State state) {
     state ^= state >> 29;

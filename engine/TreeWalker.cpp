@@ -5,6 +5,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,8 +17,9 @@ TreeWalker::TreeWalker(Callbacks callbacks)
     : m_callbacks(std::move(callbacks))
     , m_buffer(listingBufferSize) {}
 
-bool TreeWalker::list(const QByteArray &nativePath, bool isRoot, std::vector<Entry> &entries) {
-    entries.clear();
+bool TreeWalker::list(const QByteArray &nativePath, bool isRoot) {
+    m_names.clear();
+    m_entries.clear();
     // The root may be given through a link; below it a link is a file and never entered.
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW);
     const int fd = ::open(nativePath.constData(), flags);
@@ -50,28 +52,29 @@ bool TreeWalker::list(const QByteArray &nativePath, bool isRoot, std::vector<Ent
                     continue;
                 folder = S_ISDIR(st.st_mode);
             }
-            entries.push_back({QByteArray(name, qsizetype(std::strlen(name))), folder});
+            const std::size_t length = std::strlen(name);
+            m_entries.push_back({quint32(m_names.size()), quint32(length), folder});
+            m_names.insert(m_names.end(), name, name + length);
         }
     }
     ::close(fd);
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry &a, const Entry &b) { return a.name < b.name; });
+    // Byte order: names are compared as unsigned bytes, the shorter first on a common start.
+    const char *names = m_names.data();
+    std::sort(m_entries.begin(), m_entries.end(), [names](const Entry &a, const Entry &b) {
+        return std::string_view(names + a.offset, a.length) <
+               std::string_view(names + b.offset, b.length);
+    });
     return true;
 }
 
-bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<Entry> &entries,
-                            std::vector<QByteArray> &subfolders) {
+bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders) {
     subfolders.clear();
-    for (Entry &entry : entries) {
-        if (entry.folder) {
-            subfolders.push_back(std::move(entry.name));
-            continue;
-        }
-        if (m_callbacks.stop())
-            return false;
-        m_callbacks.file(folder, std::move(entry.name));
+    m_files.clear();
+    for (const Entry &entry : m_entries) {
+        QByteArray name(m_names.data() + entry.offset, qsizetype(entry.length));
+        (entry.folder ? subfolders : m_files).push_back(std::move(name));
     }
-    return true;
+    return m_files.empty() || m_callbacks.files(folder, m_files);
 }
 
 void TreeWalker::walk(const FolderRef &root) {
@@ -80,12 +83,10 @@ void TreeWalker::walk(const FolderRef &root) {
         std::vector<QByteArray> subfolders;
         std::size_t next = 0;
     };
-    std::vector<Entry> entries;
     std::vector<Frame> stack;
 
     stack.push_back({root, {}, 0});
-    if (!list(root->nativePath(), true, entries) ||
-        !visitFiles(root, entries, stack.back().subfolders))
+    if (!list(root->nativePath(), true) || !visitFiles(root, stack.back().subfolders))
         return;
 
     while (!stack.empty()) {
@@ -97,12 +98,11 @@ void TreeWalker::walk(const FolderRef &root) {
         // Between levels the flags are tested too, so a stop also skips the subfolders.
         if (m_callbacks.stop())
             return;
-        const QByteArray path = top.folder->childNativePath(top.subfolders[top.next++]);
-        FolderRef child = FolderRef::make(path, root->nativePath().size(), root->rootPath());
+        FolderRef child = FolderRef::makeChild(top.folder, top.subfolders[top.next++]);
         Frame frame{child, {}, 0};
-        if (!list(path, false, entries))
+        if (!list(child->nativePath(), false))
             continue;
-        if (!visitFiles(child, entries, frame.subfolders))
+        if (!visitFiles(child, frame.subfolders))
             return;
         stack.push_back(std::move(frame));
     }

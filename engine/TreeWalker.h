@@ -16,10 +16,14 @@
 class TreeWalker {
 public:
     struct Callbacks {
-        /** Asked before every file; true stops the whole walk. */
+        /** Asked between folders; true stops the whole walk. */
         std::function<bool()> stop;
-        /** One file (anything that is not a folder) of \a folder. */
-        std::function<void(const FolderRef &folder, QByteArray name)> file;
+        /**
+         * The files (anything that is not a folder) of \a folder, in order; returns false
+         * when the walk is to stop there (the callee tests its stop condition before each).
+         * Not called for a folder without files.
+         */
+        std::function<bool(const FolderRef &folder, std::vector<QByteArray> &names)> files;
         /** A folder that could not be opened or listed, with the errno. */
         std::function<void(const QByteArray &nativePath, int error)> unreadable;
     };
@@ -30,17 +34,25 @@ public:
     void walk(const FolderRef &root);
 
 private:
+    /** One name of a listing: where its bytes are in m_names. */
     struct Entry {
-        QByteArray name;
+        quint32 offset;
+        quint32 length;
         bool folder;
     };
 
-    /** Lists a folder sorted, or returns false (after reporting) when it cannot be read. */
-    bool list(const QByteArray &nativePath, bool isRoot, std::vector<Entry> &entries);
-    /** Reports the files of a listing; returns the subfolder names, or false when stopped. */
-    bool visitFiles(const FolderRef &folder, std::vector<Entry> &entries,
-                    std::vector<QByteArray> &subfolders);
+    /**
+     * Lists a folder into m_entries, sorted, or returns false (after reporting) when it
+     * cannot be read.
+     */
+    bool list(const QByteArray &nativePath, bool isRoot);
+    /** Reports the files of the listing; returns the subfolder names, or false when stopped. */
+    bool visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders);
 
     Callbacks m_callbacks;
     std::vector<char> m_buffer;
+    /** The names of the folder being listed, one after another (no terminators). */
+    std::vector<char> m_names;
+    std::vector<Entry> m_entries;
+    std::vector<QByteArray> m_files;
 };

@@ -23,6 +23,8 @@ class tst_RecordKey : public QObject {
 private Q_SLOTS:
     void namesAgainstTextKeys_data();
     void namesAgainstTextKeys();
+    void folderKeysNameByName_data();
+    void folderKeysNameByName();
     void recordsAcrossTrees();
 };
 
@@ -58,6 +60,35 @@ void tst_RecordKey::namesAgainstTextKeys() {
         QCOMPARE(RecordKey::finish(RecordKey::feedName(prefix, name)),
                  RecordKey::hash(QStringLiteral("sub/") + referenceKey(name)));
     }
+}
+
+void tst_RecordKey::folderKeysNameByName_data() {
+    QTest::addColumn<QByteArray>("root");
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("ASCII") << QByteArray("/Data") << QByteArray("Sub");
+    QTest::newRow("root of the file system") << QByteArray("/") << QByteArray("Sub");
+    QTest::newRow("accented") << QByteArray("/Data") << QByteArray("\xc3\x89t\xc3\xa9");
+    QTest::newRow("Kelvin sign") << QByteArray("/Data") << QByteArray("\xe2\x84\xaa");
+    QTest::newRow("invalid byte") << QByteArray("/Data") << QByteArray("D\xff");
+    QTest::newRow("root not UTF-8") << QByteArray("/D\xe2\x82") << QByteArray("x");
+}
+
+void tst_RecordKey::folderKeysNameByName() {
+    // A subfolder's node is built from its parent's; it must equal one built from its path.
+    QFETCH(QByteArray, root);
+    QFETCH(QByteArray, name);
+    const QString rootText = DisplayFromNative(root);
+    const FolderRef rootNode = FolderRef::make(root, root.size(), rootText);
+    const FolderRef child = FolderRef::makeChild(FolderRef::makeChild(rootNode, name), "Inner");
+    const QByteArray path = root + (root.endsWith('/') ? "" : "/") + name + "/Inner";
+    const FolderRef whole = FolderRef::make(path, root.size(), rootText);
+    QCOMPARE(child->nativePath(), whole->nativePath());
+    QCOMPARE(child->displayPath(), whole->displayPath());
+    QCOMPARE(child->keyPath(), whole->keyPath());
+    QCOMPARE(child->relativeKey(), whole->relativeKey());
+    QCOMPARE(child->relativeKeyHash(), whole->relativeKeyHash());
+    QCOMPARE(child->relativeNativePath(), whole->relativeNativePath());
+    QCOMPARE(child->rootPath(), rootText);
 }
 
 void tst_RecordKey::recordsAcrossTrees() {
