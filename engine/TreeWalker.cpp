@@ -53,16 +53,26 @@ bool TreeWalker::list(const QByteArray &nativePath, bool isRoot) {
                 folder = S_ISDIR(st.st_mode);
             }
             const std::size_t length = std::strlen(name);
-            m_entries.push_back({quint32(m_names.size()), quint32(length), folder});
+            quint64 prefix = 0;
+            for (std::size_t i = 0; i < 8; ++i)
+                prefix = (prefix << 8) | (i < length ? static_cast<unsigned char>(name[i]) : 0u);
+            m_entries.push_back({prefix, quint32(m_names.size()), quint32(length), folder});
             m_names.insert(m_names.end(), name, name + length);
         }
     }
     ::close(fd);
     // Byte order: names are compared as unsigned bytes, the shorter first on a common start.
+    // Most names differ within their first eight bytes, which compare as one number (a name
+    // holds no zero byte, so the padding orders a shorter name first).
     const char *names = m_names.data();
     std::sort(m_entries.begin(), m_entries.end(), [names](const Entry &a, const Entry &b) {
-        return std::string_view(names + a.offset, a.length) <
-               std::string_view(names + b.offset, b.length);
+        if (a.prefix != b.prefix)
+            return a.prefix < b.prefix;
+        const auto tail = [names](const Entry &e) {
+            return e.length <= 8 ? std::string_view()
+                                 : std::string_view(names + e.offset + 8, e.length - 8);
+        };
+        return tail(a) < tail(b);
     });
     return true;
 }

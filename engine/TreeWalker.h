@@ -36,6 +36,8 @@ public:
 private:
     /** One name of a listing: where its bytes are in m_names. */
     struct Entry {
+        /** The first eight bytes, big-endian and zero-padded: they order like the bytes. */
+        quint64 prefix;
         quint32 offset;
         quint32 length;
         bool folder;
