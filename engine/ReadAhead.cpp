@@ -16,21 +16,26 @@ constexpr qint64 maximumClaim = 8;
 
 } // namespace
 
-ReadAhead::FolderCache::~FolderCache() {
-    for (const int fd : fds) {
-        if (fd >= 0)
-            ::close(fd);
+ReadAhead::FolderFd *ReadAhead::acquireFolder(int side, const FolderRef &folder) {
+    if (!folder)
+        return nullptr;
+    if (m_lastFolder[side] != folder) {
+        releaseFolder(m_lastFolderFd[side]);
+        m_lastFolder[side] = folder;
+        m_lastFolderFd[side] = new FolderFd{
+            ::open(folder->nativePath().constData(), O_PATH | O_DIRECTORY | O_CLOEXEC), 1};
     }
+    ++m_lastFolderFd[side]->users;
+    return m_lastFolderFd[side];
 }
 
-int ReadAhead::FolderCache::fd(int side, const FolderRef &folder) {
-    if (folders[side] == folder)
-        return fds[side];
-    if (fds[side] >= 0)
-        ::close(fds[side]);
-    folders[side] = folder;
-    fds[side] = ::open(folder->nativePath().constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    return fds[side];
+void ReadAhead::releaseFolder(FolderFd *&folderFd) {
+    if (folderFd && --folderFd->users == 0) {
+        if (folderFd->fd >= 0)
+            ::close(folderFd->fd);
+        delete folderFd;
+    }
+    folderFd = nullptr;
 }
 
 ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window,
@@ -48,6 +53,12 @@ ReadAhead::~ReadAhead() {
     stop();
     for (std::thread &thread : m_threads)
         thread.join();
+    for (Job &job : m_ring) {
+        releaseFolder(job.sourceFd);
+        releaseFolder(job.destinationFd);
+    }
+    for (FolderFd *&folderFd : m_lastFolderFd)
+        releaseFolder(folderFd);
 }
 
 ReadAhead::Job &ReadAhead::next() {
@@ -59,6 +70,8 @@ ReadAhead::Job &ReadAhead::next() {
     job.sourceRecord.reset();
     job.destinationRecord.reset();
     job.position = 0;
+    releaseFolder(job.sourceFd);
+    releaseFolder(job.destinationFd);
     job.sourceStat = FileStat();
     job.destinationStat = FileStat();
     job.sourceChecksum = {};
@@ -66,6 +79,13 @@ ReadAhead::Job &ReadAhead::next() {
     job.checksummed = false;
     job.done.store(false, std::memory_order_relaxed);
     return job;
+}
+
+void ReadAhead::add() {
+    Job &job = slot(m_filled);
+    job.sourceFd = acquireFolder(0, job.sourceFolder);
+    job.destinationFd = acquireFolder(1, job.destinationFolder);
+    ++m_filled;
 }
 
 void ReadAhead::publish() {
@@ -111,7 +131,7 @@ ReadAhead::Job *ReadAhead::waitFront(const std::function<bool()> &idle) {
             }
         }
         if (unclaimed) {
-            process(*unclaimed, m_callerCrc, m_callerFolders);
+            process(*unclaimed, m_callerCrc);
             unclaimed->done.store(true, std::memory_order_release);
             if (unclaimed == &job)
                 break;
@@ -146,7 +166,6 @@ void ReadAhead::work() {
         if (m_stop.load(std::memory_order_relaxed))
             crc.Cancel();
     });
-    FolderCache folders;
     std::unique_lock lock(m_mutex);
     for (;;) {
         if (m_stop.load(std::memory_order_relaxed))
@@ -167,7 +186,7 @@ void ReadAhead::work() {
         lock.unlock();
         for (qint64 sequence = begin; sequence < begin + count; ++sequence) {
             Job &job = slot(sequence);
-            process(job, crc, folders);
+            process(job, crc);
             finish(job);
         }
         lock.lock();
@@ -184,16 +203,16 @@ void ReadAhead::finish(Job &job) {
     }
 }
 
-void ReadAhead::process(Job &job, CRC32Object &crc, FolderCache &folders) {
+void ReadAhead::process(Job &job, CRC32Object &crc) {
     if (!job.sourceFolder)
         return;
-    const int sourceFd = folders.fd(0, job.sourceFolder);
+    const int sourceFd = job.sourceFd ? job.sourceFd->fd : -1;
     job.sourceStat = sourceFd >= 0
                          ? FileStat::read(sourceFd, job.sourceName.constData())
                          : FileStat::read(job.sourceFolder->childNativePath(job.sourceName));
     if (!job.destinationFolder)
         return;
-    const int destinationFd = folders.fd(1, job.destinationFolder);
+    const int destinationFd = job.destinationFd ? job.destinationFd->fd : -1;
     job.destinationStat =
         destinationFd >= 0
             ? FileStat::read(destinationFd, job.destinationName.constData())

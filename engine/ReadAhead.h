@@ -25,6 +25,15 @@
  */
 class ReadAhead {
 public:
+    /**
+     * A descriptor of a folder, opened once for all the jobs in it, so that a stat or open
+     * resolves one name instead of a whole path. Only the caller counts its users.
+     */
+    struct FolderFd {
+        int fd = -1;
+        int users = 0;
+    };
+
     /** One pair (or one file) to read. Fields marked "caller" are never touched by workers. */
     struct Job {
         // Set by the caller before the job is published.
@@ -37,6 +46,9 @@ public:
         ComparisonFilePtr destinationRecord;
         /** caller: the 1-based position in the pass of the record the job was made for. */
         int position = 0;
+        /** Set by add(): the folders' descriptors (null when there is no folder). */
+        FolderFd *sourceFd = nullptr;
+        FolderFd *destinationFd = nullptr;
         // Written by whoever runs the job.
         FileStat sourceStat;
         FileStat destinationStat;
@@ -68,7 +80,7 @@ public:
     /** The slot for the next job, emptied; fill it, then call add(). Needs space(). */
     Job &next();
     /** Counts the job filled in next(); it waits for publish(). */
-    void add() { ++m_filled; }
+    void add();
     /** Hands every added job to the workers at once, waking those asleep. */
     void publish();
 
@@ -86,17 +98,12 @@ public:
     void stop();
 
 private:
-    /** A descriptor of the folder last used for each side, so a stat resolves one name. */
-    struct FolderCache {
-        FolderRef folders[2];
-        int fds[2] = {-1, -1};
-        ~FolderCache();
-        int fd(int side, const FolderRef &folder);
-    };
-
     Job &slot(qint64 sequence) { return m_ring[std::size_t(sequence % qint64(m_ring.size()))]; }
     void work();
-    void process(Job &job, CRC32Object &crc, FolderCache &cache);
+    void process(Job &job, CRC32Object &crc);
+    /** A use of the descriptor of \a folder, opened when it differs from the last one. */
+    FolderFd *acquireFolder(int side, const FolderRef &folder);
+    static void releaseFolder(FolderFd *&folderFd);
     void finish(Job &job);
 
     std::vector<Job> m_ring;
@@ -105,7 +112,9 @@ private:
     int m_chunkSize;
     CRC32Object &m_callerCrc;
     const int m_workerCount;
-    FolderCache m_callerFolders;
+    /** The descriptor of the last folder of each side, kept for the jobs that follow. */
+    FolderFd *m_lastFolderFd[2] = {nullptr, nullptr};
+    FolderRef m_lastFolder[2];
     std::mutex m_mutex;
     std::condition_variable m_workAvailable;
     std::condition_variable m_jobDone;
