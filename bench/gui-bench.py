@@ -93,6 +93,7 @@ def run(cmd, cwd=None):
     for line in out.splitlines():
         name, _, value = line.partition(" ")
         values.setdefault(name, []).append(value)
+    values["process_cpu_s"] = [str(usage.ru_utime + usage.ru_stime)]
     return wall, usage.ru_maxrss, os.waitstatus_to_exitcode(status), values
 
 
@@ -145,6 +146,10 @@ def compare_part(a, gui, cli, path):
     print(f"ratio gui / cli:         {ratio('gui', 'cli'):.2f}   (target <= 1.5)")
     print(f"ratio gui-all / cli:     {ratio('gui-all', 'cli'):.2f}   (target <= 2)")
     print(f"ratio gui-all / cli-all: {ratio('gui-all', 'cli-all'):.2f}")
+    # On a machine shared with other work a single busy thread gets a smaller share of the CPUs
+    # than a program that spreads its work over several; the processes' CPU time shows that.
+    cpu = {n: statistics.median(first(x["values"], "process_cpu_s") for x in res[n]) for n in names}
+    print("process CPU s (median): " + ", ".join(f"{n} {cpu[n]:.2f}" for n in names))
     for base in ("cli", "cli-all"):
         print(f"peak memory gui-all {peak_mb('gui-all'):.0f} MB; 2 x {base} + 100 MB = "
               f"{2 * peak_mb(base) + 100:.0f} MB")
