@@ -1,6 +1,5 @@
-#include "SettingsProfile.h"
-
 #include "settings/RecentLists.h"
+#include "support/TestProfile.h"
 
 #include <QTest>
 
@@ -11,7 +10,6 @@ class tst_RecentLists : public QObject {
 private Q_SLOTS:
     void initTestCase();
     void init();
-    void emptyStore();
     void foldersRoundTrip();
     void foldersKeepSixAndClearTheRest();
     void sidesAreSeparate();
@@ -22,7 +20,7 @@ private Q_SLOTS:
     void loadSelections();
 
 private:
-    SettingsProfile m_profile;
+    TestProfile m_profile;
 };
 
 void tst_RecentLists::initTestCase() {
@@ -31,13 +29,6 @@ void tst_RecentLists::initTestCase() {
 
 void tst_RecentLists::init() {
     m_profile.clear();
-}
-
-void tst_RecentLists::emptyStore() {
-    QCOMPARE(RecentLists::loadFolders(Side::Source).folders, QStringList());
-    QCOMPARE(RecentLists::loadFolders(Side::Destination).last, -1);
-    QCOMPARE(RecentLists::loadSelections().values, QList<int>());
-    QCOMPARE(RecentLists::loadSelections().last, -1);
 }
 
 void tst_RecentLists::foldersRoundTrip() {
@@ -80,7 +71,6 @@ void tst_RecentLists::loadFolders_data() {
     QTest::addColumn<int>("last");
     QTest::newRow("gaps skipped") << QByteArray("Item2=/b\nItem5=/e\nLast=1\n")
                                   << QStringList{"/b", "/e"} << 1;
-    QTest::newRow("unquoted comma") << QByteArray("Item1=/a,b\n") << QStringList{"/a,b"} << -1;
     QTest::newRow("seventh ignored")
         << QByteArray("Item1=/a\nItem7=/g\nLast=x\n") << QStringList{"/a"} << 0;
     QTest::newRow("megabyte path skipped")
@@ -118,7 +108,6 @@ void tst_RecentLists::loadSelections_data() {
                              << QList<int>{3, 0, 2};
     QTest::newRow("no comparison set")
         << QByteArray("Item1=64\nItem2=-2\nItem3=99999999999\n") << QList<int>{};
-    QTest::newRow("duplicates kept") << QByteArray("Item1=3\nItem2=3\n") << QList<int>{3, 3};
 }
 
 void tst_RecentLists::loadSelections() {

@@ -27,26 +27,15 @@ void tst_SettingsText::lenientNumber_data() {
     QTest::addColumn<double>("expected");
     // The fallback is 7, so a row expecting 7 proves the fallback was taken.
     QTest::newRow("plain") << "640" << 640.0;
-    QTest::newRow("leading blanks") << "  \t12" << 12.0;
     QTest::newRow("trailing text") << "12px" << 12.0;
     QTest::newRow("decimal") << "87.5" << 87.5;
-    QTest::newRow("leading point") << ".5" << 0.5;
-    QTest::newRow("negative") << "-3" << -3.0;
-    QTest::newRow("plus sign") << "+3" << 3.0;
     QTest::newRow("exponent") << "1.5e3" << 1500.0;
     QTest::newRow("exponent without digits") << "2e" << 2.0;
-    QTest::newRow("exponent sign without digits") << "2e+x" << 2.0;
     QTest::newRow("letters") << "abc" << 0.0;
-    QTest::newRow("empty") << "" << 0.0;
-    QTest::newRow("sign only") << "-" << 0.0;
-    QTest::newRow("point only") << "." << 0.0;
     QTest::newRow("decimal comma stops") << "1,5" << 1.0;
     QTest::newRow("beyond 32 bits") << "2147483648" << 7.0;
-    QTest::newRow("below 32 bits") << "-2147483649" << 7.0;
     QTest::newRow("32-bit edge") << "-2147483648" << -2147483648.0;
     QTest::newRow("overflowing exponent") << "1e999" << 7.0;
-    QTest::newRow("many digits") << QString(100000, QLatin1Char('9')) << 7.0;
-    QTest::newRow("arabic digits are text") << QString::fromUtf8("\u0661\u0662") << 0.0;
 }
 
 void tst_SettingsText::lenientNumber() {
@@ -60,9 +49,6 @@ void tst_SettingsText::lenientInteger_data() {
     QTest::addColumn<int>("expected");
     QTest::newRow("half rounds to even, down") << "2.5" << 2;
     QTest::newRow("half rounds to even, up") << "3.5" << 4;
-    QTest::newRow("negative half") << "-0.5" << 0;
-    QTest::newRow("above half") << "2.51" << 3;
-    QTest::newRow("largest") << "2147483647" << 2147483647;
     QTest::newRow("rounds past the range") << "2147483647.6" << -1;
     QTest::newRow("empty slot") << "-1" << -1;
 }
@@ -78,14 +64,8 @@ void tst_SettingsText::strictInteger_data() {
     QTest::addColumn<int>("expected");
     QTest::newRow("plain") << "4096" << 4096;
     QTest::newRow("blanks around") << " 4096 " << 4096;
-    QTest::newRow("signed") << "-12" << -12;
-    QTest::newRow("plus") << "+12" << 12;
     QTest::newRow("trailing text") << "4096kb" << 99;
     QTest::newRow("decimal") << "4096.0" << 99;
-    QTest::newRow("exponent") << "4e3" << 99;
-    QTest::newRow("sign only") << "-" << 99;
-    QTest::newRow("empty") << "" << 99;
-    QTest::newRow("hex") << "0x400" << 99;
     QTest::newRow("beyond 32 bits") << "4294967296" << 99;
     QTest::newRow("32-bit edge") << "2147483647" << 2147483647;
 }
@@ -102,15 +82,11 @@ void tst_SettingsText::toBoolean_data() {
     QTest::addColumn<bool>("expected");
     QTest::newRow("True") << "True" << false << true;
     QTest::newRow("upper case") << "FALSE" << true << false;
-    QTest::newRow("lower case") << "true" << false << true;
     QTest::newRow("blanks") << " False " << true << false;
     QTest::newRow("zero") << "0" << true << false;
     QTest::newRow("minus one") << "-1" << false << true;
-    QTest::newRow("fraction") << "0.5" << false << true;
-    QTest::newRow("yes is nonsense") << "yes" << true << true;
     QTest::newRow("nonsense keeps fallback false") << "Truth" << false << false;
     QTest::newRow("number then text") << "1x" << false << false;
-    QTest::newRow("empty") << "" << true << true;
 }
 
 void tst_SettingsText::toBoolean() {
@@ -123,10 +99,8 @@ void tst_SettingsText::toBoolean() {
 void tst_SettingsText::floatText_data() {
     QTest::addColumn<float>("value");
     QTest::addColumn<QString>("text");
-    QTest::newRow("whole") << 200.0f << "200";
     QTest::newRow("half") << 87.5f << "87.5";
     QTest::newRow("tenth, not its double") << 0.1f << "0.1";
-    QTest::newRow("negative") << -12.25f << "-12.25";
     QTest::newRow("not finite") << std::numeric_limits<float>::infinity() << "0";
 }
 
