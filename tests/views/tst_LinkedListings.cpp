@@ -69,7 +69,6 @@ private Q_SLOTS:
     void selectionFollowsTheFile_data();
     void selectionFollowsTheFile();
     void selectionIsNotMirroredBack();
-    void notMirroredWhenUnlinked();
     void focusFollowsThePosition_data();
     void focusFollowsThePosition();
     void followerScrollsWithTheLeader_data();
@@ -126,14 +125,6 @@ void tst_LinkedListings::selectionIsNotMirroredBack() {
     w.lists[0]->Item(2).setSelected(true);
     QCOMPARE(sourceChanges.count(), 1);
     QCOMPARE(w.selected(1), QStringList{"b"});
-}
-
-void tst_LinkedListings::notMirroredWhenUnlinked() {
-    Window w;
-    w.add(0, QStringLiteral("a"));
-    w.add(1, QStringLiteral("a"));
-    w.lists[0]->Item(1).setSelected(true);
-    QCOMPARE(w.selected(1), QStringList());
 }
 
 void tst_LinkedListings::focusFollowsThePosition_data() {

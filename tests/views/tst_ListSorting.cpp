@@ -42,7 +42,6 @@ private Q_SLOTS:
     void sameHeaderTogglesOtherHeaderAscends();
     void destinationHeaderSortsWithTheSourceCollection_data();
     void destinationHeaderSortsWithTheSourceCollection();
-    void noHeaderIsAnError();
 
 private:
     void fill(ListView &list, const ComparisonFileCollection &files);
@@ -92,7 +91,6 @@ void tst_ListSorting::byValue_data() {
     QTest::newRow("size ascending") << 3 << true << QStringList{"b.bin", "a.bin", "c.bin"};
     QTest::newRow("size descending") << 3 << false << QStringList{"c.bin", "a.bin", "b.bin"};
     QTest::newRow("modified ascending") << 5 << true << QStringList{"c.bin", "a.bin", "b.bin"};
-    QTest::newRow("name") << 1 << false << QStringList{"c.bin", "b.bin", "a.bin"};
 }
 
 void tst_ListSorting::byValue() {
@@ -156,13 +154,6 @@ void tst_ListSorting::destinationHeaderSortsWithTheSourceCollection() {
     QCOMPARE(names(m_lists[1]), asText);
     const QStringList unsorted{"a.bin", "b.bin", "c.bin"};
     QCOMPARE(names(m_lists[0]), linked ? asText : unsorted);
-}
-
-void tst_ListSorting::noHeaderIsAnError() {
-    m_lists[0].setSortKey(2);
-    QVERIFY(!SortListView(&m_lists[0], &m_sourceFiles, nullptr, false));
-    QCOMPARE(m_lists[0].SortKey(), 2);
-    QCOMPARE(m_lists[0].SortOrder(), Qt::AscendingOrder);
 }
 
 QTEST_MAIN(tst_ListSorting)

@@ -14,7 +14,6 @@ class tst_frmSplash : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
-    void loadsTransparent();
     void fades_data();
     void fades();
     void earlyFadeOutWithRealTimers();
@@ -22,22 +21,6 @@ private Q_SLOTS:
 
 void tst_frmSplash::initTestCase() {
     QStandardPaths::setTestModeEnabled(true);
-}
-
-void tst_frmSplash::loadsTransparent() {
-    QPointer<frmSplash> splash = new frmSplash;
-    QCOMPARE(splash->Alpha(), 0);
-    QCOMPARE(splash->windowOpacity(), 0.0);
-    QVERIFY(!splash->tmrIn->isActive());
-    QVERIFY(!splash->tmrOut->isActive());
-    QCOMPARE(splash->tmrIn->interval(), 25);
-    QCOMPARE(splash->tmrOut->interval(), 25);
-    QCOMPARE(splash->lblVersion->text(), VersionText());
-    QCOMPARE(splash->lblHint->text(), QStringLiteral("Hold SHIFT to reset window location."));
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QVERIFY(qAbs(splash->geometry().center().x() - screen.center().x()) <= 1);
-    QVERIFY(qAbs(splash->geometry().center().y() - screen.center().y()) <= 1);
-    delete splash;
 }
 
 void tst_frmSplash::fades_data() {
@@ -48,7 +31,6 @@ void tst_frmSplash::fades_data() {
     QTest::addColumn<bool>("closed");
 
     QTest::newRow("fade in") << "Iiiiiii" << QList<int>{64, 128, 192, 255} << false;
-    QTest::newRow("no ticks before FadeIn") << "iiIi" << QList<int>{64} << false;
     QTest::newRow("full fade in and out")
         << "IiiiiOoooooooooo" << QList<int>{64, 128, 192, 255, 223, 191, 159, 127, 95, 63, 31}
         << true;
@@ -59,10 +41,6 @@ void tst_frmSplash::fades_data() {
         << "IiOioioioioioooooooo" << QList<int>{64,  128, 96,  160, 128, 192, 160, 224, 192,
                                                 255, 223, 191, 159, 127, 95,  63,  31}
         << true;
-    QTest::newRow("fade-out ticking first after an early call")
-        << "IiiOoioioioiooooooo" << QList<int>{64,  128, 96,  160, 128, 192, 160, 224, 192,
-                                               255, 223, 191, 159, 127, 95,  63,  31}
-        << false;
     QTest::newRow("fade-out before any fade-in step closes at once")
         << "IOoi" << QList<int>{} << true;
 }
