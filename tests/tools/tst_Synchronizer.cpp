@@ -1,7 +1,6 @@
-#include "DesktopProfile.h"
-#include "ModalWatcher.h"
-
 #include "engine/ComparisonFileCollection.h"
+#include "support/ModalWatcher.h"
+#include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/CopyProgressDialog.h"
 #include "tools/Synchronizer.h"
@@ -64,20 +63,17 @@ private Q_SLOTS:
     void targetIsTheCounterpartOrBelowTheOtherRoot();
     void rootIsReplacedOnceAtTheStart();
     void addToSynchronizerSkipsPlaceholders();
-    void iconsAreSharedByTypeButNotByPrograms();
     void nothingQualifyingSaysNoFilesToCopy();
-    void reviewListsSelectedFilesAndCopiesInShownOrder();
     void cancelCopiesNothingAndPromptIsRemembered();
     void headerClickSortsAndTogglesOrder();
     void summaryNamesEveryFileNotCopied();
 
 private:
-    std::unique_ptr<DesktopProfile> m_profile;
+    TestProfile m_profile;
     QWidget m_owner;
 };
 
 void tst_Synchronizer::initTestCase() {
-    m_profile = std::make_unique<DesktopProfile>();
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     m_owner.resize(640, 480);
     m_owner.show();
@@ -86,7 +82,6 @@ void tst_Synchronizer::initTestCase() {
 void tst_Synchronizer::countText_data() {
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("text");
-    QTest::newRow("one") << 1 << QStringLiteral("  1 files to copy.");
     QTest::newRow("thousands") << 1234 << QStringLiteral("  1,234 files to copy.");
     QTest::newRow("millions") << 1234567 << QStringLiteral("  1,234,567 files to copy.");
 }
@@ -129,39 +124,32 @@ void tst_Synchronizer::rootIsReplacedOnceAtTheStart() {
 
 void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
     Sides s;
-    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
-    QVERIFY(s.tree.write(QStringLiteral("dst/b.txt"), "b"));
+    for (const char *name : {"one/a.txt", "two/b.txt", "one/x.exe", "two/y.exe"})
+        QVERIFY(s.tree.write(QStringLiteral("src/") + QLatin1String(name), "data"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/c.txt"), "c"));
     s.walk();
-    const ComparisonFilePtr b = *s.destination.begin();
+    const ComparisonFilePtr c = *s.destination.begin();
     const ComparisonFilePtr placeholder =
-        s.source.AddMissingFile(b->FileObject(), s.destination.RootFolder(), 2);
+        s.source.AddMissingFile(c->FileObject(), s.destination.RootFolder(), 2);
     QVERIFY(placeholder);
     ListView review;
     ImageList images;
     QVERIFY(!AddToSynchronizer(placeholder, &review, &images));
-    const ListItem row = AddToSynchronizer(*s.source.begin(), &review, &images);
-    QVERIFY(row);
-    QCOMPARE(row.Key(), s.tree.path(QStringLiteral("src/a.txt")).toLower());
-    QCOMPARE(row.Text(), QStringLiteral("a.txt"));
-    QCOMPARE(row.SubItems(1), s.tree.path(QStringLiteral("src")));
-    QVERIFY(row.SmallIcon() >= 1);
-    QVERIFY(!AddToSynchronizer(*s.source.begin(), &review, &images)); // the key is listed
-    QCOMPARE(review.ItemCount(), 1);
-}
-
-void tst_Synchronizer::iconsAreSharedByTypeButNotByPrograms() {
-    Sides s;
-    for (const char *name : {"one/a.txt", "two/b.txt", "one/x.exe", "two/y.exe"})
-        QVERIFY(s.tree.write(QStringLiteral("src/") + QLatin1String(name), "data"));
-    s.walk();
-    ListView review;
-    ImageList images;
     QMap<QString, int> icons;
     for (const ComparisonFilePtr &file : s.source) {
+        if (file == placeholder)
+            continue;
         const ListItem row = AddToSynchronizer(file, &review, &images);
         QVERIFY(row);
         icons.insert(row.Text(), row.SmallIcon());
     }
+    const ListItem a = review.Item(1);
+    QCOMPARE(a.Key(), s.tree.path(QStringLiteral("src/one/a.txt")).toLower());
+    QCOMPARE(a.Text(), QStringLiteral("a.txt"));
+    QCOMPARE(a.SubItems(1), s.tree.path(QStringLiteral("src/one")));
+    QVERIFY(!AddToSynchronizer(a.Record(), &review, &images)); // the key is listed
+    QCOMPARE(review.ItemCount(), 4);
+    // Documents share their type's icon; each program has its own.
     QCOMPARE(icons.value(QStringLiteral("a.txt")), icons.value(QStringLiteral("b.txt")));
     QVERIFY(icons.value(QStringLiteral("x.exe")) != icons.value(QStringLiteral("y.exe")));
     QCOMPARE(images.Count(), 3);
@@ -181,58 +169,6 @@ void tst_Synchronizer::nothingQualifyingSaysNoFilesToCopy() {
     ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
     QCOMPARE(watcher.texts(), QStringList{QStringLiteral("No files to copy.")});
     QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
-}
-
-void tst_Synchronizer::reviewListsSelectedFilesAndCopiesInShownOrder() {
-    Sides s;
-    QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "new a"));
-    QVERIFY(s.tree.write(QStringLiteral("src/deep/er/b.txt"), "new b"));
-    QVERIFY(s.tree.write(QStringLiteral("src/not selected.txt"), "c"));
-    QVERIFY(s.tree.write(QStringLiteral("dst/a.txt"), "old a"));
-    s.walk();
-    s.list(s.source);
-    s.select({QStringLiteral("a.txt"), QStringLiteral("b.txt")});
-
-    QStringList captions;
-    QList<QStringList> rows;
-    QString status;
-    bool promptChecked = false;
-    ModalWatcher watcher([&](QWidget *modal) {
-        auto *form = qobject_cast<frmSynchronizer *>(modal);
-        if (!form)
-            return false;
-        captions << form->windowTitle() << form->cmdOK->text();
-        for (int i = 1; i <= form->lvwFiles->ItemCount(); ++i) {
-            const ListItem row = form->lvwFiles->Item(i);
-            rows.append({row.Text(), row.SubItems(1), row.SubItems(2), row.SubItems(3),
-                         row.Tag().toString()});
-        }
-        status = form->StatusText();
-        promptChecked = form->chkPrompt->isChecked();
-        form->chkPrompt->setChecked(false); // overwrite without the question
-        form->cmdOK->click();
-        return true;
-    });
-    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
-    QCOMPARE(watcher.texts(), QStringList());
-    QCOMPARE(captions,
-             (QStringList{QStringLiteral("copy to destination"), QStringLiteral("&Copy")}));
-    QCOMPARE(status, QStringLiteral("  2 files to copy."));
-    QVERIFY(promptChecked);
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(rows[0], (QStringList{QStringLiteral("a.txt"), s.tree.path(QStringLiteral("src")),
-                                   QStringLiteral("Copy (overwrite)"),
-                                   s.tree.path(QStringLiteral("dst/a.txt")), QStringLiteral("2")}));
-    QCOMPARE(rows[1],
-             (QStringList{QStringLiteral("b.txt"), s.tree.path(QStringLiteral("src/deep/er")),
-                          QStringLiteral("Copy (new)"),
-                          s.tree.path(QStringLiteral("dst/deep/er/b.txt")), QStringLiteral("2")}));
-    QCOMPARE(s.read(QStringLiteral("dst/a.txt")), QByteArray("new a"));
-    QCOMPARE(s.read(QStringLiteral("dst/deep/er/b.txt")), QByteArray("new b"));
-    QCOMPARE(s.read(QStringLiteral("dst/not selected.txt")), QByteArray("<missing>"));
-    // Nothing is refreshed: the listing and the collections stay as they were.
-    QCOMPARE(s.destination.Count(), 1);
-    QCOMPARE(s.listing.ItemCount(), 3);
 }
 
 void tst_Synchronizer::cancelCopiesNothingAndPromptIsRemembered() {
