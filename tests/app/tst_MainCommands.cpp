@@ -1,11 +1,12 @@
-#include "AppProfile.h"
-
 #include "app/StatusLine.h"
 #include "app/frmMain.h"
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
 #include "settings/RecentLists.h"
 #include "settings/SettingsStore.h"
+#include "support/ComparedWindow.h"
+#include "support/ModalWatcher.h"
+#include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/GeneralHelpers.h"
 #include "views/ListColumns.h"
@@ -37,14 +38,16 @@ private Q_SLOTS:
     void resetOptionsDeclined_data();
     void resetOptionsDeclined();
     void resetOptionsAccepted();
-    void resetOptionsDisabledDuringRun();
 
     void accessKeys_data();
     void accessKeys();
-    void enterComparesEscapeCancels();
+
+    void linkItemRecopiesColumns();
+    void placeholdersRebuiltWhenSwitching_data();
+    void placeholdersRebuiltWhenSwitching();
 
 private:
-    std::unique_ptr<AppProfile> m_profile;
+    TestProfile m_profile;
 };
 
 namespace {
@@ -54,30 +57,23 @@ namespace {
  * so the listings start unlinked unless the store says otherwise: a selection stays where
  * it was made.
  */
-struct Window {
-    explicit Window(int rows = 3) {
-        if (!SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")))
-            Options::setLinkListings(false);
-        window.InitializeDisplay();
-        window.resize(900, 600);
-        window.show();
+struct Window : ComparedWindow {
+    explicit Window(int rows = 3)
+        : ComparedWindow(unlinked()) {
         window.activateWindow();
         for (int side = 0; side < 2; ++side) {
             for (int i = 0; i < rows; ++i)
-                window.lvwFiles[side]->AddItem(QStringLiteral("/side%1/f%2").arg(side).arg(i),
-                                               QStringLiteral("f%1").arg(i));
-            window.lvwFiles[side]->flushRows();
+                list(side)->AddItem(QStringLiteral("/side%1/f%2").arg(side).arg(i),
+                                    QStringLiteral("f%1").arg(i));
+            list(side)->flushRows();
         }
     }
-
-    bool focus(QWidget *widget) {
-        widget->setFocus(Qt::OtherFocusReason);
-        return QTest::qWaitFor([widget] { return widget->hasFocus(); });
+    static QString unlinked() {
+        if (!SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")))
+            Options::setLinkListings(false);
+        return {};
     }
-
     QWidget *named(const QString &name) { return window.findChild<QWidget *>(name); }
-
-    frmMain window;
 };
 
 /** What a question box showed and how it was answered. */
@@ -89,35 +85,45 @@ struct Question {
 };
 
 /**
- * While it lives, answers the first modal message box that opens: \a key pressed on it, or a
- * click on \a button when \a key is 0.
+ * While it lives, answers the first message box that opens: \a key pressed on it, or a click
+ * on \a button when \a key is 0.
  */
-class BoxAnswer {
-public:
-    explicit BoxAnswer(QMessageBox::StandardButton button, int key = 0) {
-        m_poll.setInterval(5);
-        QObject::connect(&m_poll, &QTimer::timeout, [this, button, key] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box)
-                return;
-            m_poll.stop();
-            seen.shown = true;
-            seen.text = box->text();
-            seen.icon = box->icon();
-            seen.defaultButton = box->standardButton(box->defaultButton());
+struct BoxAnswer {
+    explicit BoxAnswer(QMessageBox::StandardButton button, int key = 0)
+        : watcher([this, button, key](QWidget *shown) {
+            auto *box = qobject_cast<QMessageBox *>(shown);
+            if (!box || seen.shown)
+                return false;
+            seen = {box->text(), box->icon(), box->standardButton(box->defaultButton()), true};
             if (key)
                 QTest::keyClick(box, Qt::Key(key));
             else
                 box->button(button)->click();
-        });
-        m_poll.start();
-    }
+            return true;
+        }) {}
 
     Question seen;
-
-private:
-    QTimer m_poll;
+    ModalWatcher watcher;
 };
+
+/**
+ * Three pairs that differ in size, in three folders, and one file on each side alone:
+ * "p/b", "q/a", "r/c" on both sides, "p/s-only" in the source, "q/d-only" in the destination.
+ */
+struct LinkedTrees {
+    bool write() {
+        return tree.write("src/p/b", "1") && tree.write("src/q/a", "22") &&
+               tree.write("src/r/c", "333") && tree.write("src/p/s-only", "4444") &&
+               tree.write("dst/p/b", "55555") && tree.write("dst/q/a", "6") &&
+               tree.write("dst/r/c", "77") && tree.write("dst/q/d-only", "8");
+    }
+    TestTree tree;
+};
+
+void setLinked(ComparedWindow &w, bool linked) {
+    if (w.window.menus->mnuViewLink->isChecked() != linked)
+        w.window.menus->mnuViewLink->trigger();
+}
 
 /** The shown columns of \a list in display order, as "key width". */
 QStringList shownColumns(const ListView *list) {
@@ -161,12 +167,11 @@ void storeNonDefaults(const TestTree &tree) {
 } // namespace
 
 void tst_MainCommands::initTestCase() {
-    m_profile = std::make_unique<AppProfile>();
-    QVERIFY(m_profile->isValid());
+    QVERIFY(m_profile.isValid());
 }
 
 void tst_MainCommands::init() {
-    QFile::remove(SettingsStore::fileName());
+    m_profile.clear();
 }
 
 void tst_MainCommands::editMenuEnabling_data() {
@@ -176,11 +181,8 @@ void tst_MainCommands::editMenuEnabling_data() {
     QTest::addColumn<bool>("clearSelections");
 
     QTest::newRow("folder combo") << "cboSelectPath0" << 0 << false << false;
-    QTest::newRow("comparisons combo") << "cboComparisons" << 0 << false << false;
-    QTest::newRow("Compare button") << "cmdCompare" << 0 << false << false;
     QTest::newRow("list 1, nothing selected") << "lvwFiles1" << 0 << true << false;
     QTest::newRow("list 0, one row selected") << "lvwFiles0" << 1 << true << true;
-    QTest::newRow("list 1, every row selected") << "lvwFiles1" << 3 << true << true;
 }
 
 void tst_MainCommands::editMenuEnabling() {
@@ -218,7 +220,6 @@ void tst_MainCommands::editCommandsActOnTheFocusedList_data() {
     QTest::addColumn<int>("selected1");
 
     QTest::newRow("menu, list 0") << "lvwFiles0" << false << 500 << 0;
-    QTest::newRow("menu, list 1") << "lvwFiles1" << false << 0 << 500;
     QTest::newRow("Ctrl+A, list 1") << "lvwFiles1" << true << 0 << 500;
     QTest::newRow("Ctrl+A in a combo selects its text, not rows")
         << "cboSelectPath0" << true << 0 << 0;
@@ -268,7 +269,6 @@ void tst_MainCommands::resetOptionsDeclined_data() {
     QTest::addColumn<int>("key");
 
     QTest::newRow("No") << int(QMessageBox::No) << 0;
-    QTest::newRow("Enter takes the default answer") << 0 << int(Qt::Key_Return);
     QTest::newRow("Escape") << 0 << int(Qt::Key_Escape);
 }
 
@@ -361,54 +361,21 @@ void tst_MainCommands::resetOptionsAccepted() {
              QStringLiteral("200"));
 }
 
-void tst_MainCommands::resetOptionsDisabledDuringRun() {
-    TestTree tree;
-    for (int i = 0; i < 50; ++i)
-        QVERIFY(tree.write(QStringLiteral("src/f%1").arg(i), "x"));
-    QVERIFY(tree.mkdir("dst"));
-    Window w(0);
-    w.window.cboSelectPath[0]->setEditText(tree.path("src"));
-    w.window.cboSelectPath[1]->setEditText(tree.path("dst"));
-    bool enabledDuringRun = true;
-    QTimer poll;
-    poll.setInterval(0);
-    connect(&poll, &QTimer::timeout, this, [&] {
-        if (!w.window.IsComparing())
-            return;
-        poll.stop();
-        enabledDuringRun = w.window.menus->mnuFileOptions->isEnabled();
-    });
-    poll.start();
-    w.window.cmdCompare->click();
-    QVERIFY(!enabledDuringRun);
-    QVERIFY(w.window.menus->mnuFileOptions->isEnabled());
-}
-
 void tst_MainCommands::accessKeys_data() {
     QTest::addColumn<int>("menuKey");
     QTest::addColumn<QString>("keys"); // pressed in the open menu; '\n' is Enter
     QTest::addColumn<QString>("item");
 
-    QTest::newRow("File, Include Slack") << int(Qt::Key_F) << "2"
-                                         << "mnuFileIncludeSlack";
-    QTest::newRow("File, Clear Display") << int(Qt::Key_F) << "l"
-                                         << "mnuFileClear";
     QTest::newRow("File, Reset Options") << int(Qt::Key_F) << "r"
-                                         << "mnuFileOptions";
+                                         << "&Reset Options";
     QTest::newRow("Edit, Select All") << int(Qt::Key_E) << "a"
-                                      << "mnuEditSelectAll";
-    QTest::newRow("View, Show Full Path") << int(Qt::Key_V) << "f"
-                                          << "mnuViewFullPath";
-    QTest::newRow("View, Horizontal") << int(Qt::Key_V) << "h"
-                                      << "mnuViewOrientation0";
+                                      << "Select &All";
     // Link and Show All share their key: a menu opened from the keyboard marks its first item
     // (Link), and each press of the key moves the mark on to the next item with that key.
     QTest::newRow("View, Show All (shared key)") << int(Qt::Key_V) << "l\n"
-                                                 << "mnuViewAllFiles";
+                                                 << "Show A&ll Files";
     QTest::newRow("View, Link (shared key)") << int(Qt::Key_V) << "ll\n"
-                                             << "mnuViewLink";
-    QTest::newRow("View, Always On Top") << int(Qt::Key_V) << "a"
-                                         << "mnuViewAlwaysOnTop";
+                                             << "&Link File Listings";
 }
 
 void tst_MainCommands::accessKeys() {
@@ -420,23 +387,10 @@ void tst_MainCommands::accessKeys() {
     QVERIFY(QTest::qWaitForWindowActive(&w.window));
     QVERIFY(w.focus(w.window.lvwFiles[0]));
     const MainMenuBar &m = *w.window.menus;
-    const QHash<QString, QAction *> items = {
-        {"mnuFileIncludeSlack", m.mnuFileIncludeSlack},
-        {"mnuFileClear", m.mnuFileClear},
-        {"mnuFileOptions", m.mnuFileOptions},
-        {"mnuEditSelectAll", m.mnuEditSelectAll},
-        {"mnuViewFullPath", m.mnuViewFullPath},
-        {"mnuViewOrientation0", m.mnuViewOrientation[0]},
-        {"mnuViewLink", m.mnuViewLink},
-        {"mnuViewAllFiles", m.mnuViewAllFiles},
-        {"mnuViewAlwaysOnTop", m.mnuViewAlwaysOnTop},
-    };
-    QAction *action = items.value(item);
-    QVERIFY(action);
-    QList<QAction *> triggered;
+    QStringList triggered;
     for (QMenu *menu : {m.mnuFile, m.mnuEdit, m.mnuView}) {
         connect(menu, &QMenu::triggered, this,
-                [&triggered](QAction *chosen) { triggered << chosen; });
+                [&triggered](QAction *chosen) { triggered << chosen->text(); });
     }
     // Reset Options asks first; the answer No keeps the test's profile as it is.
     BoxAnswer answer(QMessageBox::No);
@@ -451,51 +405,68 @@ void tst_MainCommands::accessKeys() {
         else
             QTest::keyClick(popup, c.toLatin1());
     }
-    QTRY_COMPARE(triggered, QList<QAction *>{action});
+    QTRY_COMPARE(triggered, QStringList{item});
     QTRY_VERIFY(!QApplication::activePopupWidget());
 }
 
-void tst_MainCommands::enterComparesEscapeCancels() {
-    TestTree tree;
-    for (int i = 0; i < 300; ++i)
-        QVERIFY(tree.write(QStringLiteral("src/d%1/f%2").arg(i / 30).arg(i), "x"));
-    QVERIFY(tree.write("dst/f", "x"));
-    Window w(0);
-    QVERIFY(QTest::qWaitForWindowActive(&w.window));
-    w.window.cboSelectPath[0]->setEditText(tree.path("src"));
-    w.window.cboSelectPath[1]->setEditText(tree.path("dst"));
-    QVERIFY(w.focus(w.window.lvwFiles[0]));
+void tst_MainCommands::linkItemRecopiesColumns() {
+    LinkedTrees trees;
+    QVERIFY(trees.write());
+    ComparedWindow w(trees.tree.path("src"), trees.tree.path("dst"));
+    w.compare();
+    ListView *destination = w.list(1);
+    const int sizeSub = destination->ColumnByKey(ColumnKey(3))->SubItemIndex();
+    const QString sizeText = w.item(1, QStringLiteral("p/b")).SubItems(sizeSub);
+    QCOMPARE(sizeText, QStringLiteral("5 bytes"));
 
-    // Esc is pressed from inside the source walk, at its 100th file.
-    int cancelledAt = 0;
-    QTimer poll;
-    poll.setInterval(0);
-    connect(&poll, &QTimer::timeout, this, [&] {
-        ComparisonFileCollection *source = w.window.colSourceFiles.get();
-        if (!source)
-            return;
-        poll.stop();
-        connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
-            if (count != 100 || cancelledAt)
-                return;
-            cancelledAt = count;
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-        });
-    });
-    poll.start();
-    // Esc while idle does nothing.
-    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Escape);
-    QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Ready"));
-    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Return);
-    QTRY_COMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare cancelled."));
-    QCOMPARE(cancelledAt, 100);
-    QCOMPARE(w.window.colSourceFiles->Count(), 100);
+    setLinked(w, false);
+    QCOMPARE(SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")),
+             QStringLiteral("False"));
+    // Unlinked, the destination list loses two columns and keeps them lost.
+    for (int type : {9, 3})
+        destination->RemoveColumnAt(destination->ColumnByKey(ColumnKey(type))->Index());
+    QCOMPARE(destination->ColumnCount(), 4);
+    QCOMPARE(w.list(0)->ColumnCount(), 6);
 
-    // Enter again runs the compare to its end.
-    QTest::keyClick(w.window.lvwFiles[0], Qt::Key_Return);
-    QTRY_COMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
-    // Every source file, and the placeholder of the destination's own file.
-    QCOMPARE(w.window.colSourceFiles->Count(), 301);
+    setLinked(w, true);
+    QCOMPARE(SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")),
+             QStringLiteral("True"));
+    QCOMPARE(destination->ColumnCount(), 6);
+    // Copied columns arrive as narrow as their default positions: "Difference" 0, "Size" 3.
+    QCOMPARE(destination->ColumnByKey(ColumnKey(9))->Width(), 0.0f);
+    const ColumnHeader *size = destination->ColumnByKey(ColumnKey(3));
+    QCOMPARE(size->Width(), 3.0f);
+    // And their texts are filled in at once.
+    QCOMPARE(w.item(1, QStringLiteral("p/b")).SubItems(size->SubItemIndex()), sizeText);
+}
+
+void tst_MainCommands::placeholdersRebuiltWhenSwitching_data() {
+    QTest::addColumn<bool>("placeholders");
+    QTest::addColumn<bool>("switchOn"); // the direction of the switch
+
+    QTest::newRow("placeholders, switched on") << true << true;
+    QTest::newRow("placeholders, switched off") << true << false;
+    QTest::newRow("no placeholders, switched on") << false << true;
+}
+
+void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
+    QFETCH(bool, placeholders);
+    QFETCH(bool, switchOn);
+
+    LinkedTrees trees;
+    QVERIFY(trees.write());
+    Options::setUseMissingPlaceholders(placeholders);
+    ComparedWindow w(trees.tree.path("src"), trees.tree.path("dst"));
+    w.compare();
+    const int rows = placeholders ? 5 : 4;
+    QCOMPARE(w.rows(0).size(), rows);
+    if (switchOn)
+        setLinked(w, false);
+    // Cleared, the lists show whether the switch rebuilt them from the collections.
+    w.window.menus->mnuFileClear->trigger();
+    setLinked(w, switchOn);
+    QCOMPARE(w.rows(0).size(), placeholders ? rows : 0);
+    QCOMPARE(w.rows(1).size(), placeholders ? rows : 0);
 }
 
 QTEST_MAIN(tst_MainCommands)

