@@ -46,11 +46,10 @@ private Q_SLOTS:
     void storedLayouts_data();
     void storedLayouts();
     void matchColumns();
-    void popupShowAllHideAll();
+    void popupCommands();
     void popupAppliesToTheClickedListOrBoth_data();
     void popupAppliesToTheClickedListOrBoth();
     void reShownColumnGetsTheDefaultWidth();
-    void resetLayout();
 
 private:
     TestProfile m_profile;
@@ -156,7 +155,7 @@ void tst_ColumnLayout::matchColumns() {
     QCOMPARE(other.ColumnByKey(QStringLiteral("#3"))->Alignment(), Qt::Alignment(Qt::AlignRight));
 }
 
-void tst_ColumnLayout::popupShowAllHideAll() {
+void tst_ColumnLayout::popupCommands() {
     ListView source;
     ListView destination;
     LinkedListings listings(&source, &destination, nullptr);
@@ -171,6 +170,14 @@ void tst_ColumnLayout::popupShowAllHideAll() {
     popup.hideAllAction()->trigger();
     QCOMPARE(source.ColumnCount(), 1);
     QCOMPARE(source.Column(1)->Key(), QStringLiteral("#1"));
+
+    // Reset Layout on the destination's header, unlinked: only that list gets the defaults.
+    ColumnLayout::LoadLayout(&destination, true, true);
+    destination.RemoveColumnAt(2);
+    popup.Open(&destination, QPoint());
+    popup.resetLayoutAction()->trigger();
+    QCOMPARE(layout(destination), DefaultLayout);
+    QCOMPARE(source.ColumnCount(), 1);
     popup.menu()->hide();
 }
 
@@ -229,22 +236,6 @@ void tst_ColumnLayout::reShownColumnGetsTheDefaultWidth() {
     QCOMPARE(size->Position(), source.ColumnCount() - 1);
     QCOMPARE(size->Alignment(), Qt::Alignment(Qt::AlignLeft));
     QCOMPARE(stored(QStringLiteral("Width3")), QStringLiteral("40"));
-    popup.menu()->hide();
-}
-
-void tst_ColumnLayout::resetLayout() {
-    ListView source;
-    ListView destination;
-    LinkedListings listings(&source, &destination, nullptr);
-    ColumnPopup popup(&listings, nullptr);
-    ColumnLayout::LoadLayout(&source, false, true);
-    ColumnLayout::LoadLayout(&destination, true, true);
-    destination.RemoveColumnAt(2);
-    source.RemoveColumnAt(2);
-    popup.Open(&destination, QPoint());
-    popup.resetLayoutAction()->trigger();
-    QCOMPARE(layout(destination), DefaultLayout);
-    QCOMPARE(source.ColumnCount(), 5);
     popup.menu()->hide();
 }
 

@@ -15,13 +15,11 @@ namespace {
 class RecordingEdge : public DrawEdge {
 public:
     QStringList calls;
-    QList<QRect> rects;
     QList<int> modifiers;
 
 protected:
     void drawSides(QPainter &painter, QRect &rect, int edge, int flags) override {
         calls << QStringLiteral("%1:%2").arg(edge).arg(flags & SideMask);
-        rects << rect;
         modifiers << (flags & ~SideMask);
         DrawEdge::drawSides(painter, rect, edge, flags);
     }
@@ -36,7 +34,6 @@ private Q_SLOTS:
     void grouping_data();
     void grouping();
     void edgeProperty();
-    void adjustShrinksTheSharedRectangle();
     void adjust_data();
     void adjust();
 };
@@ -93,20 +90,6 @@ void tst_DrawEdge::edgeProperty() {
     QCOMPARE(edge.EdgeLeft(), Sunken);
     edge.setEdge(Etched);
     QCOMPARE(edge.Edge(), Etched);
-}
-
-void tst_DrawEdge::adjustShrinksTheSharedRectangle() {
-    RecordingEdge edge;
-    edge.resize(40, 20);
-    edge.setFlags(Adjust);
-    edge.setEdgeLeft(Raised);
-    edge.setEdgeRight(Raised);
-    edge.setEdgeTop(RaisedOuter);
-    edge.setEdgeBottom(RaisedOuter);
-    edge.rects.clear();
-    edge.Refresh();
-    // The two-line sides go first, so the one-line sides are drawn inside them.
-    QCOMPARE(edge.rects, (QList<QRect>{QRect(0, 0, 40, 20), QRect(2, 0, 36, 20)}));
 }
 
 void tst_DrawEdge::adjust_data() {

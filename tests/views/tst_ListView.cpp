@@ -43,8 +43,6 @@ private Q_SLOTS:
     void sortedByDisplayedText_data();
     void sortedByDisplayedText();
     void sortKeepsSelectionAndFocus();
-    void selectedItem();
-    void setSelectedRows();
     void boldRowsFollowTheTag();
 };
 
@@ -252,42 +250,6 @@ void tst_ListView::sortKeepsSelectionAndFocus() {
     QVERIFY(list.ItemByKey(QStringLiteral("k4")).Selected());
     QCOMPARE(list.SelectedCount(), 2);
     QCOMPARE(list.Item(list.FocusedRow() + 1).Key(), QStringLiteral("k4"));
-}
-
-void tst_ListView::selectedItem() {
-    ListView list;
-    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
-    fill(list, 5);
-    QVERIFY(!list.SelectedItem());
-    list.Item(4).setSelected(true);
-    list.Item(2).setSelected(true);
-    list.SetFocusedRow(0);
-    // The focused row is not selected: the first selected row stands in.
-    QCOMPARE(list.SelectedItem().Key(), QStringLiteral("k1"));
-    list.SetFocusedRow(3);
-    QCOMPARE(list.SelectedItem().Key(), QStringLiteral("k3"));
-    list.ClearSelections();
-    QCOMPARE(list.SelectedCount(), 0);
-    list.SelectAll();
-    QCOMPARE(list.SelectedCount(), 5);
-}
-
-void tst_ListView::setSelectedRows() {
-    ListView list;
-    list.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
-    fill(list, 8);
-    QSignalSpy changed(list.selectionModel(), &QItemSelectionModel::selectionChanged);
-    const std::vector<bool> wanted{true, true, false, true, false, false, true, true};
-    list.SetSelectedRows(wanted);
-    QCOMPARE(list.SelectedRows(), wanted);
-    // The same selection again changes nothing and says nothing.
-    const qsizetype signals = changed.count();
-    list.SetSelectedRows(wanted);
-    QCOMPARE(changed.count(), signals);
-    // A short array clears the rows it does not reach.
-    list.SetSelectedRows({false, true});
-    QCOMPARE(list.SelectedRows(),
-             (std::vector<bool>{false, true, false, false, false, false, false, false}));
 }
 
 void tst_ListView::boldRowsFollowTheTag() {
