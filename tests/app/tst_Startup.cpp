@@ -25,7 +25,6 @@ private Q_SLOTS:
 
     void shiftSampling_data();
     void shiftSampling();
-    void argumentsFillThePathBoxes();
     void desktopEntry();
     void closingLeavesNoWindow();
 
@@ -168,19 +167,6 @@ void tst_Startup::shiftSampling() {
     QTRY_VERIFY(!window);
     // The stored placement is not erased by a reset.
     QCOMPARE(Options::windowRect({}), (Options::WindowRect{10, 20, 700, 500}));
-}
-
-void tst_Startup::argumentsFillThePathBoxes() {
-    TestTree tree;
-    QVERIFY(tree.mkdir("dst"));
-    ScriptedStartup script({}, m_profile.dataHome() + QStringLiteral("/applications"));
-    Startup startup(script.env);
-    QPointer<frmMain> window = startup.Main({tree.path("missing"), tree.path("dst")});
-    QVERIFY(window);
-    QCOMPARE(window->cboSelectPath[0]->currentText(), QString());
-    QCOMPARE(window->cboSelectPath[1]->currentText(), tree.path("dst"));
-    window->close();
-    QTRY_VERIFY(!window);
 }
 
 void tst_Startup::desktopEntry() {
