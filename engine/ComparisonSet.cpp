@@ -2,8 +2,7 @@
 
 using namespace ComparisonBits;
 
-QString ComparisonDescription(int comparisons, bool doCRCLast)
-{
+QString ComparisonDescription(int comparisons, bool doCRCLast) {
     const auto has = [comparisons](int bit) { return (comparisons & bit) != 0; };
     QString text;
     if (has(Sizes))

@@ -27,18 +27,9 @@ frmEnterFolder::frmEnterFolder(QWidget *parent)
     lblFolder->setBuddy(cboFolder);
     cmdOK->setDefault(true);
 
-    // The combo sits 4 pixels right of its label and ends 6 pixels before the browse button.
-    auto *row = new QHBoxLayout;
-    row->setSpacing(0);
-    row->addWidget(lblFolder);
-    row->addSpacing(4);
-    row->addWidget(cboFolder, 1);
-    row->addSpacing(6);
-    row->addWidget(cmdBrowse);
-
-    auto *buttons = new QDialogButtonBox(this);
-    buttons->addButton(cmdOK, QDialogButtonBox::AcceptRole);
-    buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+    // The box sits 4 pixels right of its label and ends 6 pixels before the browse button.
+    QBoxLayout *row = PathRow(lblFolder, cboFolder, cmdBrowse);
+    QDialogButtonBox *buttons = OkCancelButtons(cmdOK, cmdCancel);
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(row);
@@ -46,8 +37,6 @@ frmEnterFolder::frmEnterFolder(QWidget *parent)
     layout->addWidget(buttons);
     setSizeGripEnabled(false);
 
-    connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(cmdBrowse, &QPushButton::clicked, this, &frmEnterFolder::Browse);
 
     m_drops = new PathDropFilter(

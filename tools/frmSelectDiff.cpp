@@ -33,17 +33,8 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     cmdOK->setDefault(true);
 
     // The box sits 4 pixels right of its label and ends 6 pixels before the browse button.
-    auto *row = new QHBoxLayout;
-    row->setSpacing(0);
-    row->addWidget(lblProgram);
-    row->addSpacing(4);
-    row->addWidget(txtDiff, 1);
-    row->addSpacing(6);
-    row->addWidget(cmdBrowse);
-
-    auto *buttons = new QDialogButtonBox(this);
-    buttons->addButton(cmdOK, QDialogButtonBox::AcceptRole);
-    buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+    QBoxLayout *row = PathRow(lblProgram, txtDiff, cmdBrowse);
+    QDialogButtonBox *buttons = OkCancelButtons(cmdOK, cmdCancel);
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(row);
@@ -53,8 +44,6 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     layout->addWidget(buttons);
     setSizeGripEnabled(false);
 
-    connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(cmdBrowse, &QPushButton::clicked, this, &frmSelectDiff::Browse);
 
     m_drops = new PathDropFilter(

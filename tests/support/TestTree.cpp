@@ -11,28 +11,23 @@
 
 TestTree::TestTree() = default;
 
-QString TestTree::root() const
-{
+QString TestTree::root() const {
     return m_dir.path();
 }
 
-QString TestTree::path(const QString &relative) const
-{
+QString TestTree::path(const QString &relative) const {
     return m_dir.path() + QLatin1Char('/') + relative;
 }
 
-QByteArray TestTree::nativePath(const QByteArray &relative) const
-{
+QByteArray TestTree::nativePath(const QByteArray &relative) const {
     return QFile::encodeName(m_dir.path()) + '/' + relative;
 }
 
-bool TestTree::write(const QString &relative, const QByteArray &content)
-{
+bool TestTree::write(const QString &relative, const QByteArray &content) {
     return writeNative(QFile::encodeName(relative), content);
 }
 
-bool TestTree::writeNative(const QByteArray &relative, const QByteArray &content)
-{
+bool TestTree::writeNative(const QByteArray &relative, const QByteArray &content) {
     const QByteArray full = nativePath(relative);
     const qsizetype slash = full.lastIndexOf('/');
     QDir().mkpath(QFile::decodeName(full.left(slash)));
@@ -51,20 +46,17 @@ bool TestTree::writeNative(const QByteArray &relative, const QByteArray &content
     return ::close(fd) == 0;
 }
 
-bool TestTree::mkdir(const QString &relative)
-{
+bool TestTree::mkdir(const QString &relative) {
     return QDir().mkpath(path(relative));
 }
 
-bool TestTree::setTimes(const QString &relative, time_t seconds, long nanoseconds)
-{
+bool TestTree::setTimes(const QString &relative, time_t seconds, long nanoseconds) {
     const timespec times[2] = {{seconds, nanoseconds}, {seconds, nanoseconds}};
     return ::utimensat(AT_FDCWD, QFile::encodeName(path(relative)).constData(), times,
                        AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool canDropPrivileges()
-{
+bool canDropPrivileges() {
     QProcess p;
     p.start(QStringLiteral("setpriv"),
             {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),

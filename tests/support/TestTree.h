@@ -10,8 +10,7 @@
  * A real folder tree in a temporary folder, removed afterwards. Paths are relative to the
  * tree's root; parent folders are created as needed.
  */
-class TestTree
-{
+class TestTree {
 public:
     TestTree();
 
