@@ -38,3 +38,14 @@ function(pairscope_tests layer)
       TIMEOUT 300)
   endforeach()
 endfunction()
+
+# pairscope_benchmarks(LIBS...): every .cpp in the current folder becomes one benchmark program
+# linked to LIBS. Benchmarks are built but never run as tests.
+function(pairscope_benchmarks)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(src IN LISTS sources)
+    get_filename_component(name ${src} NAME_WE)
+    add_executable(${name} ${src})
+    target_link_libraries(${name} PRIVATE ${ARGN})
+  endforeach()
+endfunction()
