@@ -5,6 +5,7 @@
 #include "engine/PathHelpers.h"
 #include "views/AddToListview.h"
 #include "views/ListColumns.h"
+#include "views/ListModel.h"
 #include "views/ListView.h"
 
 ResultListing::ResultListing(std::array<ListView *, 2> lists, ImageList *icons)
@@ -41,7 +42,11 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
         const ComparisonFilePtr &record = records[side];
         if (!record)
             continue;
-        const bool valid = record->HasFileObject() && IsValidFileObject(record->FileObject());
+        // The engine loaded the record's details from the statx the pair was just judged on:
+        // that answers whether the file exists without another look at the disk.
+        const bool valid = record->HasFileObject() &&
+                           (record->DetailsLoaded() ? record->Kind() != FileKind::Missing
+                                                    : IsValidFileObject(record->FileObject()));
         if (valid || view.missingPlaceholders)
             add(side, record, view.fullPath);
     }
@@ -69,11 +74,18 @@ void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
 void ResultListing::UpdateListView(int side, const ComparisonFileCollection *files, bool fullPath) {
     ListView *list = m_lists[size_t(side)];
     if (files) {
+        list->listModel()->setFullPathTexts(fullPath);
         for (int i = 1, count = list->ItemCount(); i <= count; ++i) {
             ListItem item = list->Item(i);
             const ComparisonFilePtr record = files->Item(item.Key());
             if (!record)
                 continue;
+            // A row reading its texts from this record shows every column as it is now, once
+            // texts set by hand since are dropped.
+            if (record == item.Record() && list->listModel()->row(i - 1)->textsFromRecord) {
+                item.setRecord(record, true);
+                continue;
+            }
             for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c) {
                 const ColumnHeader *header = list->Column(c);
                 if (header->SubItemIndex() != 0)

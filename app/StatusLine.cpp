@@ -1,5 +1,6 @@
 #include "StatusLine.h"
 
+#include "CoarseClock.h"
 #include "StatusText.h"
 
 #include <QProgressBar>
@@ -31,10 +32,25 @@ void StatusLine::UpdateStatus(const QString &statusText, bool isProgressMessage,
     if (!isProgressMessage) {
         m_flush.stop();
         m_hasPending = false;
+        m_makePending = nullptr;
         showProgressPanel(false);
         m_text->setText(shown);
         return;
     }
+    showPercentage(completionPercentage);
+    m_pending = shown;
+    m_makePending = nullptr;
+    schedulePending();
+}
+
+void StatusLine::UpdateProgress(const std::function<QString()> &makeText,
+                                int completionPercentage) {
+    showPercentage(completionPercentage);
+    m_makePending = makeText;
+    schedulePending();
+}
+
+void StatusLine::showPercentage(int completionPercentage) {
     if (completionPercentage == -1) {
         showProgressPanel(false);
     } else {
@@ -42,16 +58,24 @@ void StatusLine::UpdateStatus(const QString &statusText, bool isProgressMessage,
         if (m_progress->value() != completionPercentage)
             m_progress->setValue(completionPercentage);
     }
-    m_pending = shown;
+}
+
+void StatusLine::schedulePending() {
     m_hasPending = true;
-    if (!m_sincePaint.isValid() || m_sincePaint.elapsed() >= paintIntervalMs)
+    const qint64 sincePaint =
+        m_lastPaintMs < 0 ? paintIntervalMs : coarseMilliseconds() - m_lastPaintMs;
+    if (sincePaint >= paintIntervalMs)
         paintPending();
     else if (!m_flush.isActive())
-        m_flush.start(int(paintIntervalMs - m_sincePaint.elapsed()));
+        m_flush.start(int(paintIntervalMs - sincePaint));
+}
+
+QString StatusLine::pendingText() const {
+    return m_makePending ? QStringLiteral("  ") + m_makePending() : m_pending;
 }
 
 QString StatusLine::shownText() const {
-    return m_hasPending ? m_pending : m_text->text();
+    return m_hasPending ? pendingText() : m_text->text();
 }
 
 void StatusLine::setTextClickable(bool clickable) {
@@ -69,8 +93,8 @@ void StatusLine::paintPending() {
     if (!m_hasPending)
         return;
     m_hasPending = false;
-    m_text->setText(m_pending);
-    m_sincePaint.start();
+    m_text->setText(pendingText());
+    m_lastPaintMs = coarseMilliseconds();
 }
 
 void StatusLine::showProgressPanel(bool show) {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QStatusBar>
 #include <QTimer>
+
+#include <functional>
 
 class QProgressBar;
 class StatusText;
@@ -27,6 +28,12 @@ public:
      */
     void UpdateStatus(const QString &statusText, bool isProgressMessage, int completionPercentage);
 
+    /**
+     * The same for a progress text made by \a makeText, which is called only when the text is
+     * painted: a run reporting every file then formats a text per paint, not per file.
+     */
+    void UpdateProgress(const std::function<QString()> &makeText, int completionPercentage);
+
     /** The text shown now, with its two leading blanks (a pending progress text counts). */
     QString shownText() const;
     /** The progress bar; visible only while a percentage is shown. */
@@ -45,11 +52,17 @@ Q_SIGNALS:
 private:
     void paintPending();
     void showProgressPanel(bool show);
+    void showPercentage(int completionPercentage);
+    void schedulePending();
+    QString pendingText() const;
 
     StatusText *m_text = nullptr;
     QProgressBar *m_progress = nullptr;
     QString m_pending;
+    /** When set, makes the pending text in place of m_pending. */
+    std::function<QString()> m_makePending;
     bool m_hasPending = false;
-    QElapsedTimer m_sincePaint;
+    /** When a progress text was last painted (coarseMilliseconds()); -1 before the first. */
+    qint64 m_lastPaintMs = -1;
     QTimer m_flush;
 };

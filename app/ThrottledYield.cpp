@@ -1,14 +1,16 @@
 #include "ThrottledYield.h"
 
+#include "CoarseClock.h"
+
 #include <QCoreApplication>
 
 void ThrottledYield::operator()() {
-    if (m_since.isValid() && m_since.elapsed() < intervalMs)
+    if (m_lastRunMs >= 0 && coarseMilliseconds() - m_lastRunMs < intervalMs)
         return;
     now();
 }
 
 void ThrottledYield::now() {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
-    m_since.start();
+    m_lastRunMs = coarseMilliseconds();
 }

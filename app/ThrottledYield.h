@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include <QtGlobal>
 
 /**
  * Lets the event loop run from inside long work, at most once every intervalMs: the engine
@@ -19,5 +19,6 @@ public:
     void now();
 
 private:
-    QElapsedTimer m_since;
+    /** When the event loop last ran (coarseMilliseconds()); -1 before the first time. */
+    qint64 m_lastRunMs = -1;
 };

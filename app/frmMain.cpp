@@ -8,6 +8,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "engine/Pairscope.h"
+#include "engine/TypeNameCache.h"
 #include "settings/Options.h"
 #include "tools/ComparisonsCombo.h"
 #include "tools/DiffProgram.h"
@@ -39,6 +40,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
+#include <QThreadPool>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -107,6 +109,10 @@ frmMain::frmMain(QWidget *parent)
     m_placementSaver.setSingleShot(true);
     m_placementSaver.setInterval(400);
     connect(&m_placementSaver, &QTimer::timeout, this, &frmMain::SavePosition);
+
+    // The type names of the listings come from the MIME database, whose patterns take a
+    // moment to read: that is done while the user picks folders, not during the first compare.
+    QThreadPool::globalInstance()->start([] { TypeNameCache::prepare(); });
 }
 
 frmMain::~frmMain() = default;
@@ -506,6 +512,8 @@ bool frmMain::RunAttempts() {
         colSourceFiles = std::make_unique<ComparisonFileCollection>();
         colDestFiles = std::make_unique<ComparisonFileCollection>();
         oPairscope = std::make_unique<Pairscope>();
+        // Rows are filled from the statx each pair was judged on.
+        oPairscope->setLoadDetails(true);
         colSourceFiles->setYieldHook(hook);
         colDestFiles->setYieldHook(hook);
         oPairscope->setYieldHook(hook);
@@ -528,18 +536,28 @@ bool frmMain::RunAttempts() {
             return false;
 
         // Each walk returns once it has finished or was cancelled; the source tree is always
-        // walked completely before the destination tree is begun.
+        // walked completely before the destination tree is begun. Both trees are read from
+        // the disk ahead, each on a thread of its own, while records are made here.
+        colSourceFiles->prepareRootFolder(cboSelectPath[0]->currentText());
+        colDestFiles->prepareRootFolder(cboSelectPath[1]->currentText());
         colSourceFiles->setRootFolder(cboSelectPath[0]->currentText());
         if (m_closeRequested)
             return false;
-        if (colSourceFiles->Cancelled())
+        if (colSourceFiles->Cancelled()) {
+            colDestFiles->Clear(); // stops reading the destination ahead
             break;
+        }
         colDestFiles->setRootFolder(cboSelectPath[1]->currentText());
         if (m_closeRequested)
             return false;
         if (colDestFiles->Cancelled())
             break;
 
+        // With every file listed, each list gets a row per record of its side at least.
+        if (menus->mnuViewAllFiles->isChecked()) {
+            lvwFiles[0]->ReserveItems(colSourceFiles->Count());
+            lvwFiles[1]->ReserveItems(colDestFiles->Count());
+        }
         const int comparisons = m_comparisons->Comparisons();
         result = oPairscope->Compare(*colSourceFiles, *colDestFiles, qMax(comparisons, 0),
                                      menus->mnuFileIncludeSlack->isChecked(), Options::doCRCLast(),
@@ -550,24 +568,37 @@ bool frmMain::RunAttempts() {
     return true;
 }
 
+void frmMain::UpdateProgress(const std::function<QString()> &makeText, int completionPercentage) {
+    StatusBar1->UpdateProgress(makeText, completionPercentage);
+    m_yield();
+}
+
 void frmMain::colSourceFiles_FileAdded(int FileCount) {
-    UpdateStatus(QStringLiteral("Building source file list (%1)").arg(FileCount), true, -1, true);
+    UpdateProgress(
+        [FileCount] { return QStringLiteral("Building source file list (%1)").arg(FileCount); },
+        -1);
 }
 
 void frmMain::colDestFiles_FileAdded(int FileCount) {
-    UpdateStatus(QStringLiteral("Building destination file list (%1)").arg(FileCount), true, -1,
-                 true);
+    UpdateProgress(
+        [FileCount] {
+            return QStringLiteral("Building destination file list (%1)").arg(FileCount);
+        },
+        -1);
 }
 
 void frmMain::oPairscope_CompareProgress(int Pass, int CurrentFile, int TotalFiles) {
     if (CurrentFile != -1) {
         const int percentage =
             TotalFiles == 0 ? -1 : int(std::lrint(double(CurrentFile) / TotalFiles * 100.0));
-        UpdateStatus(QStringLiteral("Comparing files - pass %1  (%2 of %3)")
-                         .arg(Pass)
-                         .arg(CurrentFile)
-                         .arg(TotalFiles),
-                     true, percentage, true);
+        UpdateProgress(
+            [Pass, CurrentFile, TotalFiles] {
+                return QStringLiteral("Comparing files - pass %1  (%2 of %3)")
+                    .arg(Pass)
+                    .arg(CurrentFile)
+                    .arg(TotalFiles);
+            },
+            percentage);
     } else if (TotalFiles != -1) {
         UpdateStatus(QStringLiteral("Analyzing files"), true, -1, true);
     } else {

@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include <array>
+#include <functional>
 #include <memory>
 
 class ComparisonFileCollection;
@@ -67,6 +68,8 @@ public:
      */
     void UpdateStatus(const QString &statusText, bool isProgressMessage, int completionPercentage,
                       bool yield);
+    /** A progress text made only when painted (StatusLine::UpdateProgress); lets events run. */
+    void UpdateProgress(const std::function<QString()> &makeText, int completionPercentage);
 
     /**
      * Lays the panes out for a stored orientation value (1 stacked, 2 side by side) and

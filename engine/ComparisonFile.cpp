@@ -16,9 +16,32 @@ struct ComparisonFile::Details {
     FileTime accessed;
     // The type name depends on the name alone, so it is found only when first asked for.
     std::optional<QString> type;
-    std::optional<QString> name;
-    std::optional<QString> path;
-    std::optional<QString> parentFolder;
+    // Display forms set by hand are rare; every listed record carries details, so they live
+    // apart.
+    struct DisplayForms {
+        std::optional<QString> name;
+        std::optional<QString> path;
+        std::optional<QString> parentFolder;
+    };
+    std::unique_ptr<DisplayForms> display;
+
+    Details() = default;
+    Details(const Details &other)
+        : size(other.size)
+        , attributes(other.attributes)
+        , mode(other.mode)
+        , kind(other.kind)
+        , created(other.created)
+        , modified(other.modified)
+        , accessed(other.accessed)
+        , type(other.type)
+        , display(other.display ? std::make_unique<DisplayForms>(*other.display) : nullptr) {}
+
+    DisplayForms &displayForms() {
+        if (!display)
+            display = std::make_unique<DisplayForms>();
+        return *display;
+    }
 };
 
 namespace {
@@ -130,35 +153,35 @@ void ComparisonFile::setLocation(FolderRef folder, QByteArray name) {
 }
 
 QString ComparisonFile::Name() const {
-    if (m_details && m_details->name)
-        return *m_details->name;
+    if (m_details && m_details->display && m_details->display->name)
+        return *m_details->display->name;
     return DisplayFromNative(m_name);
 }
 
 void ComparisonFile::setName(const QString &name) {
-    details().name = name;
+    details().displayForms().name = name;
 }
 
 QString ComparisonFile::Path() const {
-    if (m_details && m_details->path)
-        return *m_details->path;
+    if (m_details && m_details->display && m_details->display->path)
+        return *m_details->display->path;
     return m_folder ? DisplayFromNative(m_folder->childNativePath(m_name)) : QString();
 }
 
 void ComparisonFile::setPath(const QString &path) {
-    details().path = path;
+    details().displayForms().path = path;
 }
 
 QString ComparisonFile::ParentFolder() const {
-    if (m_details && m_details->parentFolder)
-        return *m_details->parentFolder;
+    if (m_details && m_details->display && m_details->display->parentFolder)
+        return *m_details->display->parentFolder;
     if (!m_folder)
         return {};
     return m_parentTrailing ? AddBackslash(m_folder->displayPath()) : m_folder->displayPath();
 }
 
 void ComparisonFile::setParentFolder(const QString &folder) {
-    details().parentFolder = folder;
+    details().displayForms().parentFolder = folder;
 }
 
 qint64 ComparisonFile::Size() const {
@@ -349,8 +372,8 @@ QString ComparisonFile::DifferenceText(int code) {
 }
 
 QString ComparisonFile::Key() const {
-    if (m_details && m_details->path)
-        return m_details->path->toLower();
+    if (m_details && m_details->display && m_details->display->path)
+        return m_details->display->path->toLower();
     if (!m_folder)
         return {};
     return m_folder->keyPath() + KeyFromNative(m_name).toLower();

@@ -1,6 +1,7 @@
 #include "engine/ComparisonFileCollection.h"
 
 #include "engine/PathHelpers.h"
+#include "engine/TreeListing.h"
 #include "engine/TreeWalker.h"
 
 #include <cstring>
@@ -37,23 +38,59 @@ void ComparisonFileCollection::setRootFolderNative(const QByteArray &folder) {
     walk(folder, DisplayFromNative(folder));
 }
 
+namespace {
+
+bool isFolder(const QByteArray &native) {
+    struct stat st;
+    return !native.isEmpty() && ::stat(native.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+} // namespace
+
+void ComparisonFileCollection::prepareRootFolder(const QString &folder) {
+    m_prepared.reset();
+    const QByteArray native = NativeFromPath(folder);
+    if (!isFolder(native))
+        return;
+    const QByteArray root = normalizedRoot(native);
+    m_prepared = std::make_unique<TreeListing>(FolderRef::make(root, root.size(), folder));
+}
+
 void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString &asGiven) {
     // A root that is not an existing folder changes nothing, as if it had not been set.
-    struct stat st;
-    if (rootNative.isEmpty() || ::stat(rootNative.constData(), &st) != 0 || !S_ISDIR(st.st_mode))
+    if (!isFolder(rootNative))
         return;
     m_rootFolder = asGiven;
     m_rootNative = normalizedRoot(rootNative);
     m_cancelled = false;
     m_inProgress = true;
     resetRecords();
-    m_rootNode = FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
+    std::unique_ptr<TreeListing> listing = std::move(m_prepared);
+    if (listing && (listing->root()->nativePath() != m_rootNative ||
+                    listing->root()->rootPath() != m_rootFolder))
+        listing.reset();
+    m_rootNode = listing ? listing->root()
+                         : FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
 
     bool restarted = false;
+    if (listing) {
+        const bool listed = takeListing(*listing);
+        listing.reset();
+        if (listed || !m_needsRescan) {
+            m_inProgress = false;
+            return;
+        }
+        // A rescan asked for meanwhile walks the tree again, as it would restart a walk.
+        restarted = true;
+    }
+
     TreeWalker walker({
         [this] { return m_cancelled || m_needsRescan; },
         [this, &restarted](const FolderRef &folder, std::vector<QByteArray> &names) {
-            return addFileRecords(folder, names, restarted);
+            m_pendingHashes.clear();
+            for (const QByteArray &name : names)
+                m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
+            return addFileRecords(folder, names, m_pendingHashes, restarted);
         },
         [this, &restarted](const QByteArray &path, int error) {
             addProblem({CollectionProblem::Kind::UnreadableFolder, DisplayFromNative(path), path,
@@ -74,22 +111,43 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
     m_inProgress = false;
 }
 
+bool ComparisonFileCollection::takeListing(TreeListing &listing) {
+    const auto idle = [this] {
+        if (m_yield)
+            m_yield();
+        return !m_cancelled && !m_needsRescan;
+    };
+    TreeListing::Batch batch;
+    while (listing.take(batch, idle)) {
+        // Between folders, as a walk of its own would test it.
+        if (m_cancelled || m_needsRescan)
+            return false;
+        if (batch.error != 0) {
+            addProblem({CollectionProblem::Kind::UnreadableFolder,
+                        DisplayFromNative(batch.unreadablePath), batch.unreadablePath,
+                        errorText(batch.error)},
+                       false);
+        } else if (!addFileRecords(batch.folder, batch.names, batch.hashes, false)) {
+            return false;
+        }
+    }
+    return !m_cancelled && !m_needsRescan;
+}
+
 bool ComparisonFileCollection::addFileRecords(const FolderRef &folder,
-                                              std::vector<QByteArray> &names, bool restarted) {
+                                              std::vector<QByteArray> &names,
+                                              const std::vector<quint32> &hashes, bool restarted) {
     // The keys are hashed ahead, so that the index slot of a name a few places on can be
     // fetched into the cache while this one is added: a slot is otherwise a cache miss.
     constexpr std::size_t lookAhead = 8;
-    m_pendingHashes.clear();
-    for (const QByteArray &name : names)
-        m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
     for (std::size_t i = 0; i < std::min(lookAhead, names.size()); ++i)
-        m_index.prefetch(m_pendingHashes[i]);
+        m_index.prefetch(hashes[i]);
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (m_cancelled || m_needsRescan)
             return false;
         if (i + lookAhead < names.size())
-            m_index.prefetch(m_pendingHashes[i + lookAhead]);
-        addFileRecord(folder, std::move(names[i]), m_pendingHashes[i], restarted);
+            m_index.prefetch(hashes[i + lookAhead]);
+        addFileRecord(folder, std::move(names[i]), hashes[i], restarted);
     }
     return true;
 }
@@ -223,6 +281,7 @@ void ComparisonFileCollection::RemoveMissingFiles() {
 }
 
 void ComparisonFileCollection::Clear() {
+    m_prepared.reset();
     resetRecords();
     m_rootFolder.clear();
     m_rootNative.clear();

@@ -22,6 +22,8 @@
  * Everything runs on the caller's thread; the yield hook is called after each file so that
  * Cancel() can arrive from an event handler.
  */
+class TreeListing;
+
 class ComparisonFileCollection : public QObject {
     Q_OBJECT
 public:
@@ -54,6 +56,13 @@ public:
     void setRootFolder(const QString &folder);
     /** Same for a folder given as bytes (a path that is not valid UTF-8). */
     void setRootFolderNative(const QByteArray &folder);
+    /**
+     * Starts reading the tree below \a folder on a thread of its own; the next
+     * setRootFolder() of the same folder takes what it has read instead of reading the disk
+     * itself. Events and results are those of a walk started then. Nothing is read when the
+     * folder does not exist.
+     */
+    void prepareRootFolder(const QString &folder);
     /** The root's native path, without a trailing separator (except for "/"). */
     QByteArray RootFolderNative() const;
 
@@ -107,8 +116,14 @@ Q_SIGNALS:
 
 private:
     void walk(const QByteArray &rootNative, const QString &asGiven);
-    /** Adds the files of one folder; false when a cancel or rescan stopped it. */
-    bool addFileRecords(const FolderRef &folder, std::vector<QByteArray> &names, bool restarted);
+    /** Takes the walk from \a listing; false when a cancel or rescan stopped it. */
+    bool takeListing(TreeListing &listing);
+    /**
+     * Adds the files of one folder, whose key hashes are \a hashes; false when a cancel or
+     * rescan stopped it.
+     */
+    bool addFileRecords(const FolderRef &folder, std::vector<QByteArray> &names,
+                        const std::vector<quint32> &hashes, bool restarted);
     void addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash, bool restarted);
     void addProblem(CollectionProblem problem, bool restarted);
     /**
@@ -131,6 +146,8 @@ private:
     QString m_rootFolder;
     QByteArray m_rootNative;
     FolderRef m_rootNode;
+    /** A listing started by prepareRootFolder(), not yet taken. */
+    std::unique_ptr<TreeListing> m_prepared;
     YieldHook m_yield;
     quint64 m_generation = 0;
     bool m_needsRescan = false;

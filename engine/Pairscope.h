@@ -75,6 +75,14 @@ public:
      */
     void setWorkerCount(int count) { m_workerCount = count < 0 ? 0 : count; }
     int workerCount() const { return m_workerCount; }
+    /**
+     * When set, every record of a decided pair has its details loaded (DetailsLoaded()) from
+     * the very statx the pair was judged on before FilesCompared is emitted, so that a
+     * listing needs no second look at the disk. Off by default: a run that only reports
+     * difference codes is spared the memory.
+     */
+    void setLoadDetails(bool load) { m_loadDetails = load; }
+    bool loadDetails() const { return m_loadDetails; }
 
 Q_SIGNALS:
     /**
@@ -96,4 +104,5 @@ private:
     std::atomic<bool> m_cancelled{false};
     bool m_inProgress = false;
     int m_workerCount;
+    bool m_loadDetails = false;
 };

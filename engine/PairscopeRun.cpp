@@ -187,6 +187,7 @@ int Pairscope::Run::sourcePass() {
 
         int code;
         const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
+        FileStat counterpartStat;
         if (!counterpart) {
             if (!stat.isValid()) {
                 m_source.setNeedsRescan(true);
@@ -198,11 +199,17 @@ int Pairscope::Run::sourcePass() {
         } else if (!stat.isValid()) {
             code = DifferenceCode::SourceMissing;
         } else {
-            code = judge(record, counterpart, job);
+            counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
+            code = judge(record, stat, counterpart, counterpartStat, job);
         }
         record->setDifferenceCode(code);
         if (counterpart)
             counterpart->setDifferenceCode(code);
+        if (m_engine.m_loadDetails) {
+            record->UpdateDetails(stat);
+            if (counterpart && counterpartStat.isValid())
+                counterpart->UpdateDetails(counterpartStat);
+        }
         releaseJob(job);
         notify([&] {
             Q_EMIT m_engine.FilesCompared(record, counterpart, code);
@@ -212,10 +219,9 @@ int Pairscope::Run::sourcePass() {
     return StatusComplete;
 }
 
-int Pairscope::Run::judge(const ComparisonFilePtr &record, const ComparisonFilePtr &counterpart,
+int Pairscope::Run::judge(const ComparisonFilePtr &record, const FileStat &stat,
+                          const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
                           const ReadAhead::Job *job) {
-    const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
-    const FileStat counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
     return comparePair(stat, counterpartStat, m_options, [&] {
         return checksumTest(record, stat, counterpart, counterpartStat, job);
     });
@@ -291,6 +297,8 @@ int Pairscope::Run::destinationPass() {
                 m_destination.setNeedsRescan(true);
                 return StatusRescanNeeded;
             }
+            if (m_engine.m_loadDetails)
+                record->UpdateDetails(stat);
             const ComparisonFilePtr placeholder =
                 m_source.AddMissingFile(record->FileObject(), m_destination.RootFolder(),
                                         DifferenceCode::SourceMissing, stat);

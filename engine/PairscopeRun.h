@@ -28,7 +28,8 @@ private:
     /** Pass 1: returns a Status, StatusComplete also when abandoned for a recompare. */
     int sourcePass();
     int destinationPass();
-    int judge(const ComparisonFilePtr &record, const ComparisonFilePtr &counterpart,
+    int judge(const ComparisonFilePtr &record, const FileStat &stat,
+              const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
               const ReadAhead::Job *job);
     int checksumTest(const ComparisonFilePtr &record, const FileStat &stat,
                      const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,

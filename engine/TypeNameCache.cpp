@@ -77,7 +77,17 @@ private:
 
 } // namespace
 
+namespace {
+Cache &cache() {
+    static Cache instance;
+    return instance;
+}
+} // namespace
+
 QString TypeNameCache::typeOf(const QString &fileName) {
-    static Cache cache;
-    return cache.typeOf(fileName);
+    return cache().typeOf(fileName);
+}
+
+void TypeNameCache::prepare() {
+    cache();
 }

@@ -18,4 +18,10 @@ class TypeNameCache {
 public:
     /** The type description of a regular file called \a fileName (a name, not a path). */
     static QString typeOf(const QString &fileName);
+    /**
+     * Reads the MIME database's patterns now (tens of milliseconds) rather than at the first
+     * typeOf(): a window calls it on a worker thread at start so that its first compare
+     * does not wait for it.
+     */
+    static void prepare();
 };

@@ -2,8 +2,8 @@
 
 #include "views/FileIconCache.h"
 #include "views/ImageList.h"
-#include "views/ListColumns.h"
 #include "views/ListHelpers.h"
+#include "views/ListModel.h"
 #include "views/ListView.h"
 
 QString RecordIconKey(const ComparisonFile &record) {
@@ -22,25 +22,19 @@ ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageLis
                        bool showFullPath) {
     if (!record->DetailsLoaded())
         record->UpdateDetails();
-    ListItem item = GetOrAddListItem(list, record->Key(), record->Name());
+    // The row keeps no texts of its own: they are read from the record when painted, which
+    // keeps a listing of a large compare small and quick to build.
+    ListItem item = GetOrAddListItem(list, record->Key(), QString());
     if (!item)
         return item;
     item.setTag(record->DifferenceCode());
-    item.setRecord(record);
-
-    for (int i = 1; i <= list->ColumnCount(); ++i) {
-        const ColumnHeader *column = list->Column(i);
-        const int type = ColumnTypeFromKey(column->Key());
-        // The first column created shows the item text, the name.
-        if (type < 2 || type > ColumnTypeCount || column->SubItemIndex() == 0)
-            continue;
-        item.setSubItems(column->SubItemIndex(), record->ColumnString(type, showFullPath));
-    }
+    list->listModel()->setFullPathTexts(showFullPath);
+    item.setRecord(record, true);
 
     if (images) {
         const QString key = RecordIconKey(*record);
         // A placeholder's file does not exist on this side: there is no icon to fetch.
-        if (record->HasFileObject())
+        if (record->HasFileObject() && FileIconCache::ImageIndexOfKey(images, key) <= 0)
             FileIconCache::AddFileIcon(images, record->NativePath(), key);
         if (!list->SmallIcons())
             list->setSmallIcons(images);

@@ -10,8 +10,9 @@ class ListView;
  * Shows \a record as a row of a result listing, or brings its existing row up to date: the
  * row's key is the record's key (its lower-cased path) and its text the file name; its tag
  * is the difference code, and it carries the record so that tools reach the file's real
- * path. Every column after the first gets the record's text for its type (the folder column
- * its full path when \a showFullPath is set). With \a images, the row shows the file's icon
+ * path. Every column after the first shows the record's text for its type (the folder columns
+ * of the whole list their full paths when \a showFullPath is set), read from the record when
+ * shown. With \a images, the row shows the file's icon
  * (the list is given \a images when it has no icons yet), or image 1 when the file has none.
  * Details not yet loaded are loaded first. Returns the row.
  */

@@ -18,7 +18,7 @@ void ListItem::setText(const QString &text) {
 
 QString ListItem::SubItems(int index) const {
     const auto r = row();
-    return r ? r->text(index) : QString();
+    return r ? m_view->listModel()->text(*r, index) : QString();
 }
 
 void ListItem::setSubItems(int index, const QString &text) {
@@ -66,7 +66,7 @@ ComparisonFilePtr ListItem::Record() const {
     return r ? r->record : nullptr;
 }
 
-void ListItem::setRecord(const ComparisonFilePtr &record) {
+void ListItem::setRecord(const ComparisonFilePtr &record, bool textsFromRecord) {
     if (const auto r = row())
-        r->record = record;
+        m_view->listModel()->setRecord(*r, record, textsFromRecord);
 }

@@ -50,7 +50,11 @@ public:
 
     /** The file record behind the row, so that tools reach its real path; may be null. */
     ComparisonFilePtr Record() const;
-    void setRecord(const ComparisonFilePtr &record);
+    /**
+     * Makes the row show \a record; with \a textsFromRecord its name and the texts of its
+     * record columns come from the record whenever they are read (ListModel::setRecord).
+     */
+    void setRecord(const ComparisonFilePtr &record, bool textsFromRecord = false);
 
     friend bool operator==(const ListItem &a, const ListItem &b) { return a.row() == b.row(); }
 

@@ -1,6 +1,7 @@
 #include "views/ListModel.h"
 
 #include "views/ImageList.h"
+#include "views/ListColumns.h"
 #include "views/TextCollation.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@ namespace {
 
 // While rows keep coming (a compare run yields to the event loop every few milliseconds),
 // the view is given them at most this often; each batch costs the view one layout pass.
-constexpr int FlushIntervalMs = 100;
+constexpr int FlushIntervalMs = 250;
 
 // Above this many separate runs of removed rows one reset is cheaper than a removal signal
 // per run, each of which moves every persistent index behind it.
@@ -39,7 +40,7 @@ QVariant ListModel::data(const QModelIndex &index, int role) const {
     const ListRow &r = *m_rows[size_t(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-        return r.text(index.column());
+        return text(r, index.column());
     case Qt::DecorationRole:
         if (index.column() == 0 && r.icon > 0 && m_icons) {
             const QIcon icon = m_icons->Icon(r.icon);
@@ -130,12 +131,18 @@ void ListModel::rehash() {
 }
 
 ListRow *ListModel::addRow(const QString &key, const QString &text, int position) {
-    if (!key.isEmpty() && m_byKey.contains(key))
-        return nullptr;
     auto row = std::make_shared<ListRow>();
-    row->key = key;
-    row->texts.push_back(text);
     ListRow *raw = row.get();
+    if (!key.isEmpty()) {
+        // One look-up both refuses a used key and takes the slot for the new row.
+        ListRow *&slot = m_byKey[key];
+        if (slot)
+            return nullptr;
+        slot = raw;
+    }
+    row->key = key;
+    if (!text.isEmpty())
+        row->texts.push_back(text);
     if (position < 0 || position >= rowTotal()) {
         if (position >= 0)
             flush(); // placed rows are shown at once, so pending ones go first
@@ -153,8 +160,6 @@ ListRow *ListModel::addRow(const QString &key, const QString &text, int position
         renumber(size_t(position));
         endInsertRows();
     }
-    if (!key.isEmpty())
-        m_byKey.insert(key, raw);
     return raw;
 }
 
@@ -237,9 +242,44 @@ void ListModel::clearRows() {
     endResetModel();
 }
 
+int ListModel::recordColumnType(const ListRow &row, int column) const {
+    // Bits of ownTexts exist for the first 64 columns; later ones always hold their own text.
+    if (!row.textsFromRecord || !row.record || column < 0 || column >= 64 ||
+        (row.ownTexts >> column) & 1u || column >= columnTotal())
+        return 0;
+    // The first column created shows the item text, the name.
+    if (column == 0)
+        return ColumnType::Name;
+    const int type = m_columnTypes[size_t(column)];
+    return type >= 2 && type <= ColumnTypeCount ? type : 0;
+}
+
+QString ListModel::text(const ListRow &row, int column) const {
+    switch (const int type = recordColumnType(row, column)) {
+    case 0:
+        return row.storedText(column);
+    case ColumnType::Name:
+        return row.record->Name();
+    default:
+        return row.record->ColumnString(type, m_fullPath);
+    }
+}
+
+void ListModel::reserveRows(int count) {
+    if (count <= rowTotal())
+        return;
+    m_rows.reserve(size_t(count));
+    m_byKey.reserve(count);
+}
+
 void ListModel::setText(ListRow &row, int column, const QString &text) {
     if (column < 0)
         return;
+    if (recordColumnType(row, column) != 0) {
+        if (this->text(row, column) == text)
+            return;
+        row.ownTexts |= quint64(1) << column;
+    }
     if (size_t(column) >= row.texts.size()) {
         if (text.isEmpty())
             return;
@@ -250,6 +290,29 @@ void ListModel::setText(ListRow &row, int column, const QString &text) {
         return;
     slot = text;
     markChanged(row);
+}
+
+void ListModel::setRecord(ListRow &row, const ComparisonFilePtr &record, bool textsFromRecord) {
+    const bool changed = row.record != record || row.textsFromRecord != textsFromRecord ||
+                         (textsFromRecord && (row.ownTexts != 0 || !row.texts.empty()));
+    row.record = record;
+    row.textsFromRecord = textsFromRecord;
+    if (textsFromRecord) {
+        row.ownTexts = 0;
+        row.texts = {};
+    }
+    if (changed && textsFromRecord)
+        markChanged(row);
+}
+
+void ListModel::setFullPathTexts(bool fullPath) {
+    if (m_fullPath == fullPath)
+        return;
+    m_fullPath = fullPath;
+    flushChanges();
+    if (m_shownRows > 0 && columnTotal() > 0)
+        Q_EMIT dataChanged(index(0, 0), index(m_shownRows - 1, columnTotal() - 1),
+                           {Qt::DisplayRole});
 }
 
 void ListModel::setTag(ListRow &row, const QVariant &tag) {
@@ -300,7 +363,8 @@ int ListModel::sortedPosition(int column, Qt::SortOrder order, const QString &te
     // arrival.
     auto after = std::upper_bound(m_rows.begin(), m_rows.end(), text,
                                   [&](const QString &value, const std::shared_ptr<ListRow> &row) {
-                                      const int c = collation.compare(value, row->text(column));
+                                      const int c =
+                                          collation.compare(value, this->text(*row, column));
                                       return order == Qt::AscendingOrder ? c < 0 : c > 0;
                                   });
     return int(after - m_rows.begin());
@@ -313,6 +377,7 @@ ColumnHeader *ListModel::appendColumn(const QString &key, const QString &text, f
     beginInsertColumns(QModelIndex(), index, index);
     m_columns.emplace_back(new ColumnHeader(m_view, key, text, width, alignment));
     m_columns.back()->m_index = index;
+    m_columnTypes.push_back(ColumnTypeFromKey(key));
     endInsertColumns();
     return m_columns.back().get();
 }
@@ -325,11 +390,16 @@ void ListModel::removeColumn(int index) {
     // The item text belongs to the row, not to a column: removing the first header drops
     // the first sub-item instead, and the header that follows it shows the item text.
     const size_t text = size_t(std::max(index, 1));
+    // Bits of the columns after the removed one move down with their texts.
+    const quint64 below = text < 64 ? (quint64(1) << text) - 1 : ~quint64(0);
     for (const auto &row : m_rows) {
         if (row->texts.size() > text)
             row->texts.erase(row->texts.begin() + qsizetype(text));
+        if (text < 64)
+            row->ownTexts = (row->ownTexts & below) | ((row->ownTexts >> 1) & ~below);
     }
     m_columns.erase(m_columns.begin() + index);
+    m_columnTypes.erase(m_columnTypes.begin() + index);
     for (size_t i = size_t(index); i < m_columns.size(); ++i)
         m_columns[i]->m_index = int(i);
     endRemoveColumns();
@@ -340,9 +410,12 @@ void ListModel::clearColumns() {
         return;
     flushChanges();
     beginRemoveColumns(QModelIndex(), 0, columnTotal() - 1);
-    for (const auto &row : m_rows)
+    for (const auto &row : m_rows) {
         row->texts.resize(std::min<size_t>(row->texts.size(), 1));
+        row->ownTexts &= 1u;
+    }
     m_columns.clear();
+    m_columnTypes.clear();
     endRemoveColumns();
 }
 

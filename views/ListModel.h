@@ -24,7 +24,7 @@ class ListView;
  *
  * Appended rows are handed to the view in batches: they count at once for the list's own
  * interface (rowTotal(), row(), the key hash) but reach rowCount() only when the event loop
- * runs, at most every ~100 ms while rows keep coming, or when flush() is called. Text changes
+ * runs, at most every ~250 ms while rows keep coming, or when flush() is called. Text changes
  * are announced the same way, as one range. A tree view relays out all its rows on every
  * insertion, so one insertion per file would cost time in proportion to the square of the list.
  */
@@ -68,9 +68,22 @@ public:
      */
     int removeRowsIf(const std::function<bool(const ListRow &)> &remove, bool *wasReset);
     void clearRows();
+    /** Makes room for \a count rows in all. */
+    void reserveRows(int count);
 
+    /** The text of column \a column (0 = item text) of \a row, as shown. */
+    QString text(const ListRow &row, int column) const;
     /** Sets the text of column \a column (0 = item text) of \a row. */
     void setText(ListRow &row, int column, const QString &text);
+    /**
+     * Makes \a row show \a record. With \a textsFromRecord its texts are the record's
+     * (see ListRow::textsFromRecord) from now on, and texts set before are dropped: a
+     * listing of a large compare then keeps no text per row at all.
+     */
+    void setRecord(ListRow &row, const ComparisonFilePtr &record, bool textsFromRecord);
+    /** Whether the "In Folder" texts taken from records show full paths. */
+    bool fullPathTexts() const { return m_fullPath; }
+    void setFullPathTexts(bool fullPath);
     void setTag(ListRow &row, const QVariant &tag);
     void setIcon(ListRow &row, int icon);
 
@@ -108,6 +121,8 @@ private:
     void scheduleFlush();
     void markChanged(const ListRow &row);
     void flushChanges();
+    /** The column type a record text of model column \a column is made for; 0 for none. */
+    int recordColumnType(const ListRow &row, int column) const;
     void renumber(size_t from);
     void rehash();
 
@@ -115,6 +130,9 @@ private:
     std::vector<std::shared_ptr<ListRow>> m_rows;
     QHash<QString, ListRow *> m_byKey;
     std::vector<std::unique_ptr<ColumnHeader>> m_columns;
+    /** The column type of each header's key (ColumnTypeFromKey), in model order. */
+    std::vector<int> m_columnTypes;
+    bool m_fullPath = false;
     int m_shownRows = 0;
     int m_changedFirst = -1;
     int m_changedLast = -1;

@@ -9,11 +9,12 @@
 
 /**
  * The data of one row of a ListView. Rows are reached through ListItem handles; only the
- * list's model writes them, so that every change is announced to the view.
+ * list's model writes them, so that every change is announced to the view. Read a row's
+ * texts through ListModel::text(): a row that shows a record may take them from it.
  */
 struct ListRow {
     QString key;
-    /** texts[0] is the item text, texts[n] sub-item n; missing entries read as "". */
+    /** Texts set by hand: texts[0] is the item text, texts[n] sub-item n. */
     std::vector<QString> texts;
     QVariant tag;
     /** One-based index into the list's small-icon image list; 0 for none. */
@@ -22,8 +23,16 @@ struct ListRow {
     ComparisonFilePtr record;
     /** Zero-based position in the list. */
     int index = 0;
+    /**
+     * When set, the item text is the record's name and every column of a known type shows
+     * the record's text for it, read when painted, except the columns whose bit is set in
+     * ownTexts (set by hand since).
+     */
+    bool textsFromRecord = false;
+    quint64 ownTexts = 0;
 
-    const QString &text(int column) const {
+    /** The text stored for \a column, "" when none was set. */
+    const QString &storedText(int column) const {
         static const QString empty;
         return size_t(column) < texts.size() ? texts[size_t(column)] : empty;
     }

@@ -53,13 +53,15 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection,
             record = own;
         else if (collection)
             record = collection->Item(rows[i]->key);
-        keys[i] = record ? record->SortString(type) : rows[i]->text(subItem);
+        keys[i] = record ? record->SortString(type) : model->text(*rows[i], subItem);
         records[i] = std::move(record);
     }
     list->SortByKeys(keys, order);
-    // The rows were moved, the pointers still name them: their texts are put back.
+    // The rows were moved, the pointers still name them: their texts are put back. A row
+    // that reads its texts from this very record already shows them.
     for (size_t i = 0; i < count; ++i) {
-        if (const ComparisonFilePtr &record = records[i])
+        const ComparisonFilePtr &record = records[i];
+        if (record && !(rows[i]->textsFromRecord && rows[i]->record == record))
             model->setText(*rows[i], subItem, record->ColumnString(type, false));
     }
     return true;

@@ -148,6 +148,10 @@ void ListView::ClearItems() {
     m_model->clearRows();
 }
 
+void ListView::ReserveItems(int count) {
+    m_model->reserveRows(count);
+}
+
 int ListView::ColumnCount() const {
     return m_model->columnTotal();
 }
@@ -243,7 +247,7 @@ void ListView::sortNow() {
     std::vector<QString> keys;
     keys.reserve(size_t(m_model->rowTotal()));
     for (int i = 0; i < m_model->rowTotal(); ++i)
-        keys.push_back(m_model->row(i)->text(m_sortKey));
+        keys.push_back(m_model->text(*m_model->row(i), m_sortKey));
     header()->setSortIndicatorShown(true);
     SortByKeys(keys, m_sortOrder);
 }

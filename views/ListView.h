@@ -50,6 +50,8 @@ public:
      */
     int RemoveItemsIf(const std::function<bool(const ListRow &)> &remove);
     void ClearItems();
+    /** Makes room for \a count rows in all, so that a long listing grows without rehashing. */
+    void ReserveItems(int count);
     ///@}
 
     /** @name Column headers */

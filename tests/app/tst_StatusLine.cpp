@@ -56,14 +56,20 @@ void tst_StatusLine::progressTextsThrottled_data() {
     // How long the caller works between two turns of the event loop: a turn every text, and
     // turns rarer than the paint interval, where a text arrives after the timer was due but
     // before the timer could run.
+    // With lazy texts, a text is made only for a paint.
     QTest::addColumn<int>("workMs");
-    QTest::newRow("event loop after every text") << 0;
-    QTest::newRow("event loop every 10 ms") << 10;
-    QTest::newRow("event loop later than the interval") << StatusLine::paintIntervalMs + 5;
+    QTest::addColumn<bool>("lazy");
+    QTest::newRow("event loop after every text") << 0 << false;
+    QTest::newRow("event loop every 10 ms") << 10 << false;
+    QTest::newRow("event loop later than the interval") << StatusLine::paintIntervalMs + 5 << false;
+    QTest::newRow("lazy texts, event loop after every text") << 0 << true;
+    QTest::newRow("lazy texts, event loop later than the interval")
+        << StatusLine::paintIntervalMs + 5 << true;
 }
 
 void tst_StatusLine::progressTextsThrottled() {
     QFETCH(int, workMs);
+    QFETCH(bool, lazy);
     StatusLine line;
     line.show();
     ShownTexts shown(line);
@@ -72,8 +78,19 @@ void tst_StatusLine::progressTextsThrottled() {
     QElapsedTimer sinceTurn;
     sinceTurn.start();
     int n = 0;
+    int made = 0;
     while (running.elapsed() < 12 * StatusLine::paintIntervalMs) {
-        line.UpdateStatus(QStringLiteral("Building source file list (%1)").arg(++n), true, -1);
+        ++n;
+        if (lazy) {
+            line.UpdateProgress(
+                [n, &made] {
+                    ++made;
+                    return QStringLiteral("Building source file list (%1)").arg(n);
+                },
+                -1);
+        } else {
+            line.UpdateStatus(QStringLiteral("Building source file list (%1)").arg(n), true, -1);
+        }
         shown.look();
         if (sinceTurn.elapsed() >= workMs) {
             QCoreApplication::processEvents();
@@ -89,6 +106,13 @@ void tst_StatusLine::progressTextsThrottled() {
     QTest::qWait(StatusLine::paintIntervalMs * 2);
     shown.look();
     QCOMPARE(shown.last, QStringLiteral("  Building source file list (%1)").arg(n));
+    if (lazy) {
+        QVERIFY2(made <= int(shown.changesMs.size()) + 1,
+                 qPrintable(QStringLiteral("%1 texts made for %2 paints of %3 updates")
+                                .arg(made)
+                                .arg(shown.changesMs.size())
+                                .arg(n)));
+    }
 }
 
 void tst_StatusLine::finalTextShownAtOnce() {

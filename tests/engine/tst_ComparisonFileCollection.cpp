@@ -11,6 +11,20 @@
 
 namespace {
 
+/** Walks \a root, read ahead on a thread of its own first when \a prepared. */
+void walk(ComparisonFileCollection &files, const QString &root, bool prepared) {
+    if (prepared)
+        files.prepareRootFolder(root);
+    files.setRootFolder(root);
+}
+
+/** A walk read ahead must give what a plain one gives: both, for a test that takes rows. */
+void walkKinds() {
+    QTest::addColumn<bool>("prepared");
+    QTest::newRow("plain") << false;
+    QTest::newRow("read ahead") << true;
+}
+
 QStringList relativePaths(const ComparisonFileCollection &files) {
     QStringList paths;
     for (const ComparisonFilePtr &record : files)
@@ -23,11 +37,16 @@ QStringList relativePaths(const ComparisonFileCollection &files) {
 class tst_ComparisonFileCollection : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void walkOrder_data() { walkKinds(); }
     void walkOrder();
     void emptyAndMissingRoots();
+    void cancelDuringWalk_data() { walkKinds(); }
     void cancelDuringWalk();
+    void rescanRestartsWithoutDuplicates_data() { walkKinds(); }
     void rescanRestartsWithoutDuplicates();
+    void caseDuplicatesRecorded_data() { walkKinds(); }
     void caseDuplicatesRecorded();
+    void listingOfAnotherFolderIsNotTaken();
     void linksAndFifosAreFiles();
     void nonUtf8Names();
     void itemLookups();
@@ -36,12 +55,13 @@ private Q_SLOTS:
 };
 
 void tst_ComparisonFileCollection::walkOrder() {
+    QFETCH(bool, prepared);
     TestTree tree;
     for (const char *name : {"b.txt", "sub/deeper/d.txt", "a.txt", "z/e.txt", "sub/c.txt"})
         QVERIFY(tree.write(QLatin1String(name), "x"));
     ComparisonFileCollection files;
     QSignalSpy added(&files, &ComparisonFileCollection::FileAdded);
-    files.setRootFolder(tree.root());
+    walk(files, tree.root(), prepared);
     // Each folder's files before its subfolders, every list in name order.
     QCOMPARE(
         relativePaths(files),
@@ -76,6 +96,7 @@ void tst_ComparisonFileCollection::emptyAndMissingRoots() {
 }
 
 void tst_ComparisonFileCollection::cancelDuringWalk() {
+    QFETCH(bool, prepared);
     TestTree tree;
     for (int i = 0; i < 10; ++i)
         QVERIFY(tree.write(QStringLiteral("d%1/f").arg(i), "x"));
@@ -85,7 +106,7 @@ void tst_ComparisonFileCollection::cancelDuringWalk() {
         if (count == 3)
             files.Cancel();
     });
-    files.setRootFolder(tree.root());
+    walk(files, tree.root(), prepared);
     QVERIFY(files.Cancelled());
     QVERIFY(!files.InProgress());
     QCOMPARE(files.Count(), 3);
@@ -93,12 +114,13 @@ void tst_ComparisonFileCollection::cancelDuringWalk() {
 
     // The next walk starts afresh.
     disconnect(&files, nullptr, this, nullptr);
-    files.setRootFolder(tree.root());
+    walk(files, tree.root(), prepared);
     QVERIFY(!files.Cancelled());
     QCOMPARE(files.Count(), 10);
 }
 
 void tst_ComparisonFileCollection::rescanRestartsWithoutDuplicates() {
+    QFETCH(bool, prepared);
     TestTree tree;
     for (int i = 0; i < 6; ++i)
         QVERIFY(tree.write(QStringLiteral("f%1").arg(i), "x"));
@@ -112,7 +134,7 @@ void tst_ComparisonFileCollection::rescanRestartsWithoutDuplicates() {
             files.setNeedsRescan(true);
         }
     });
-    files.setRootFolder(tree.root());
+    walk(files, tree.root(), prepared);
     QVERIFY(restarted);
     QVERIFY(!files.NeedsRescan());
     QCOMPARE(files.Count(), 7);
@@ -122,12 +144,13 @@ void tst_ComparisonFileCollection::rescanRestartsWithoutDuplicates() {
 }
 
 void tst_ComparisonFileCollection::caseDuplicatesRecorded() {
+    QFETCH(bool, prepared);
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral("Read.me"), "1"));
     QVERIFY(tree.write(QStringLiteral("READ.ME"), "2"));
     QVERIFY(tree.write(QStringLiteral("other"), "3"));
     ComparisonFileCollection files;
-    files.setRootFolder(tree.root());
+    walk(files, tree.root(), prepared);
     QCOMPARE(files.Count(), 2);
     // Name-byte order: the upper-case name comes first and is kept.
     QCOMPARE(files.Item(1)->Name(), QStringLiteral("READ.ME"));
@@ -232,6 +255,22 @@ void tst_ComparisonFileCollection::placeholders() {
     QVERIFY(!destinationFiles.Counterpart(*counterpart));
 }
 
+void tst_ComparisonFileCollection::listingOfAnotherFolderIsNotTaken() {
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("a/one"), "x"));
+    QVERIFY(tree.write(QStringLiteral("b/two"), "x"));
+    QVERIFY(tree.write(QStringLiteral("b/three"), "x"));
+    ComparisonFileCollection files;
+    files.prepareRootFolder(tree.path(QStringLiteral("a")));
+    files.setRootFolder(tree.path(QStringLiteral("b")));
+    QCOMPARE(relativePaths(files), QStringList({QStringLiteral("three"), QStringLiteral("two")}));
+    QCOMPARE(files.Item(1)->RootPath(), tree.path(QStringLiteral("b")));
+    // Nor is it kept for later: the tree may have changed by then.
+    QVERIFY(tree.write(QStringLiteral("a/new"), "x"));
+    files.setRootFolder(tree.path(QStringLiteral("a")));
+    QCOMPARE(files.Count(), 2);
+}
+
 void tst_ComparisonFileCollection::unreadableFolderRecorded() {
     // Root reads every folder: only an ordinary user can meet one it may not read.
     if (!ChildRun::isChild())
@@ -241,15 +280,17 @@ void tst_ComparisonFileCollection::unreadableFolderRecorded() {
     QVERIFY(tree.write(QStringLiteral("locked/g"), "x"));
     QVERIFY(tree.write(QStringLiteral("z"), "x"));
     QVERIFY(::chmod(tree.nativePath("locked").constData(), 0) == 0);
-    ComparisonFileCollection files;
-    files.setRootFolder(tree.root());
+    for (const bool prepared : {false, true}) {
+        ComparisonFileCollection files;
+        walk(files, tree.root(), prepared);
+        // The walk goes on past the locked folder and says which one and why.
+        QCOMPARE(files.Count(), 2);
+        QCOMPARE(files.Problems().size(), 1);
+        const QString problem = files.Problems().first().toString();
+        QVERIFY2(problem.startsWith(tree.path(QStringLiteral("locked: Permission denied"))),
+                 qPrintable(problem));
+    }
     ::chmod(tree.nativePath("locked").constData(), 0755);
-    // The walk goes on past the locked folder and says which one and why.
-    QCOMPARE(files.Count(), 2);
-    QCOMPARE(files.Problems().size(), 1);
-    const QString problem = files.Problems().first().toString();
-    QVERIFY2(problem.startsWith(tree.path(QStringLiteral("locked: Permission denied"))),
-             qPrintable(problem));
 }
 
 QTEST_GUILESS_MAIN(tst_ComparisonFileCollection)

@@ -1,3 +1,4 @@
+#include "engine/ComparisonSet.h"
 #include "engine/Pairscope.h"
 #include "support/ChildRun.h"
 #include "support/TestTree.h"
@@ -72,6 +73,8 @@ private Q_SLOTS:
     void slack();
     void pairingAndEvents_data();
     void pairingAndEvents();
+    void detailsFromTheJudgedStat_data();
+    void detailsFromTheJudgedStat();
     void workersMatchSequentialRun_data();
     void workersMatchSequentialRun();
     void vanishedFile_data();
@@ -202,6 +205,55 @@ void tst_Pairscope::pairingAndEvents() {
     QCOMPARE(f.sourceFiles.Count(), 4);
     QCOMPARE(f.destinationFiles.Count(), 4);
     QVERIFY(!f.engine.InProgress());
+}
+
+void tst_Pairscope::detailsFromTheJudgedStat_data() {
+    QTest::addColumn<int>("workers");
+    QTest::addColumn<bool>("load");
+    QTest::newRow("on the caller's thread") << 0 << true;
+    QTest::newRow("with read-ahead") << 2 << true;
+    QTest::newRow("not asked for") << 2 << false;
+}
+
+void tst_Pairscope::detailsFromTheJudgedStat() {
+    QFETCH(int, workers);
+    QFETCH(bool, load);
+    Fixture f(workers);
+    f.engine.setLoadDetails(load);
+    QVERIFY(f.pair("both", "12", "123"));
+    QVERIFY(f.source.write(QStringLiteral("only-source"), "1234"));
+    QVERIFY(f.destination.write(QStringLiteral("only-destination"), "12345"));
+    f.walk();
+    // A listing reads the details while handling the pair: they must be there by then.
+    QStringList seen;
+    QObject::connect(&f.engine, &Pairscope::FilesCompared, &f.engine,
+                     [&seen](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int) {
+                         for (const ComparisonFilePtr &record : {a, b}) {
+                             seen << QStringLiteral("%1 %2 %3")
+                                         .arg(record->RelativePath())
+                                         .arg(record->DetailsLoaded())
+                                         .arg(record->Size());
+                         }
+                     });
+    QCOMPARE(f.compare(ComparisonBits::Sizes), int(Pairscope::StatusComplete));
+    const QStringList loaded = {
+        QStringLiteral("both 1 2"),
+        QStringLiteral("both 1 3"),
+        QStringLiteral("only-source 1 4"),
+        // A placeholder carries the details of the file it stands for.
+        QStringLiteral("only-source 1 4"),
+        QStringLiteral("only-destination 1 5"),
+        QStringLiteral("only-destination 1 5"),
+    };
+    const QStringList notLoaded = {
+        QStringLiteral("both 0 0"),
+        QStringLiteral("both 0 0"),
+        QStringLiteral("only-source 0 0"),
+        QStringLiteral("only-source 1 4"),
+        QStringLiteral("only-destination 1 5"),
+        QStringLiteral("only-destination 0 0"),
+    };
+    QCOMPARE(seen, load ? loaded : notLoaded);
 }
 
 void tst_Pairscope::workersMatchSequentialRun_data() {

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void rowFromRecord_data();
     void rowFromRecord();
     void listingAgainUpdatesTheRow();
+    void textsFollowTheRecordUntilSetByHand();
     void iconsAreShared();
     void fileWithoutIconShowsImageOne();
 
@@ -87,6 +88,35 @@ void tst_AddToListview::listingAgainUpdatesTheRow() {
     QCOMPARE(list.ItemCount(), 1);
     QCOMPARE(again.Tag().toInt(), 1);
     QCOMPARE(again.SubItems(list.ColumnByKey(ColumnKey(9))->SubItemIndex()), QString());
+}
+
+void tst_AddToListview::textsFollowTheRecordUntilSetByHand() {
+    ListView list;
+    ColumnLayout::LoadLayout(&list, false, true);
+    const ComparisonFilePtr file = record(QStringLiteral("sub/other.txt"));
+    ListItem item = AddToListview(file, &list, nullptr, false);
+    const auto column = [&](int type) { return list.ColumnByKey(ColumnKey(type))->SubItemIndex(); };
+    QVERIFY(column(3) > column(2));
+
+    // The row shows the record as it is now, not as it was when listed.
+    file->setSize(1234);
+    QCOMPARE(item.SubItems(column(3)), QStringLiteral("1,234 bytes"));
+    item.setSubItems(column(3), QStringLiteral("by hand"));
+    QCOMPARE(item.SubItems(column(3)), QStringLiteral("by hand"));
+    QCOMPARE(item.SubItems(column(2)), QStringLiteral("sub"));
+
+    // A removed column takes its own text along; the hand-set text moves with its column.
+    list.RemoveColumnAt(column(2) + 1);
+    QCOMPARE(list.ColumnByKey(ColumnKey(2)), nullptr);
+    QCOMPARE(item.SubItems(column(3)), QStringLiteral("by hand"));
+    QCOMPARE(item.SubItems(column(9)), ComparisonFile::DifferenceText(file->DifferenceCode()));
+    QCOMPARE(item.Text(), QStringLiteral("other.txt"));
+
+    // Listing the record again drops what was set by hand.
+    AddToListview(file, &list, nullptr, false);
+    QCOMPARE(item.SubItems(column(3)), QStringLiteral("1,234 bytes"));
+    file->UpdateDetails();
+    QCOMPARE(item.SubItems(column(3)), QStringLiteral("1 bytes"));
 }
 
 void tst_AddToListview::iconsAreShared() {

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "engine/FolderNode.h"
+
+#include <QByteArray>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+/**
+ * A TreeWalker run on a thread of its own: it lists the folders of a tree, and hashes the keys
+ * of their files, ahead of the collection that takes the results in walk order. A window
+ * starts the listing of both trees before it walks the first, so that the second tree is
+ * read from the disk while the first one's records are made.
+ */
+class TreeListing {
+public:
+    /** One step of the walk: the files of one folder, or a folder that could not be read. */
+    struct Batch {
+        FolderRef folder;
+        std::vector<QByteArray> names;
+        /** RecordIndex::hashOf() of each name in \a folder. */
+        std::vector<quint32> hashes;
+        /** For a folder that could not be read: its path and the errno; else empty and 0. */
+        QByteArray unreadablePath;
+        int error = 0;
+    };
+
+    /** Starts listing the tree below \a root. */
+    explicit TreeListing(FolderRef root);
+    /** Stops the listing and waits for its thread. */
+    ~TreeListing();
+
+    TreeListing(const TreeListing &) = delete;
+    TreeListing &operator=(const TreeListing &) = delete;
+
+    const FolderRef &root() const { return m_root; }
+
+    /**
+     * Moves the next step into \a batch, waiting for it; false when the walk is over. While
+     * it waits, \a idle is called every few milliseconds, and a false answer gives up (false).
+     */
+    bool take(Batch &batch, const std::function<bool()> &idle);
+
+private:
+    void run();
+
+    FolderRef m_root;
+    std::mutex m_mutex;
+    std::condition_variable m_ready;
+    std::deque<Batch> m_batches;
+    bool m_finished = false;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
