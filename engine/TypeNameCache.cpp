@@ -1,5 +1,7 @@
 #include "engine/TypeNameCache.h"
 
+#include "engine/PatternSieve.h"
+
 #include <QHash>
 #include <QMimeDatabase>
 #include <QRegularExpression>
@@ -35,9 +37,11 @@ public:
         for (const QMimeType &type : types) {
             const QStringList globs = type.globPatterns();
             for (const QString &glob : globs) {
-                if (!matchesByLastExtension(glob))
+                if (!matchesByLastExtension(glob)) {
                     others << QStringLiteral("(?:%1)").arg(
                         QRegularExpression::wildcardToRegularExpression(glob));
+                    m_sieve.add(glob);
+                }
             }
         }
         others.removeDuplicates();
@@ -48,7 +52,7 @@ public:
     }
 
     QString typeOf(const QString &fileName) {
-        if (m_others.match(fileName).hasMatch())
+        if (m_sieve.mayMatch(fileName) && m_others.match(fileName).hasMatch())
             return ask(fileName);
         const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
         const QString extension = dot < 0 ? QString() : fileName.mid(dot + 1).toLower();
@@ -70,6 +74,7 @@ private:
     }
 
     QMimeDatabase m_database;
+    PatternSieve m_sieve;
     QRegularExpression m_others;
     std::mutex m_mutex;
     QHash<QString, QString> m_byExtension;

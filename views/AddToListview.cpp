@@ -23,8 +23,10 @@ ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageLis
     if (!record->DetailsLoaded())
         record->UpdateDetails();
     // The row keeps no texts of its own: they are read from the record when painted, which
-    // keeps a listing of a large compare small and quick to build.
-    ListItem item = GetOrAddListItem(list, record->Key(), QString());
+    // keeps a listing of a large compare small and quick to build. A sorted list places a new
+    // row by its text, so it is given one there.
+    ListItem item =
+        GetOrAddListItem(list, record->Key(), list->Sorted() ? record->Name() : QString());
     if (!item)
         return item;
     item.setTag(record->DifferenceCode());

@@ -3,10 +3,7 @@
 #include "views/ListView.h"
 
 ListItem GetOrAddListItem(ListView *list, const QString &key, const QString &text) {
-    const QString lower = key.toLower();
-    if (ListItem item = list->ItemByKey(lower))
-        return item;
-    return list->AddItem(lower, text);
+    return list->ItemByKeyOrAdd(key.toLower(), text);
 }
 
 ListItem GetListItemByKey(const ListView *list, const QString &key) {

@@ -163,6 +163,21 @@ ListRow *ListModel::addRow(const QString &key, const QString &text, int position
     return raw;
 }
 
+ListRow *ListModel::findOrAddRow(const QString &key, const QString &text) {
+    ListRow *&slot = m_byKey[key];
+    if (slot)
+        return slot;
+    auto row = std::make_shared<ListRow>();
+    row->key = key;
+    if (!text.isEmpty())
+        row->texts.push_back(text);
+    row->index = rowTotal();
+    slot = row.get();
+    m_rows.push_back(std::move(row));
+    scheduleFlush();
+    return slot;
+}
+
 void ListModel::removeRow(int index) {
     if (index < 0 || index >= rowTotal())
         return;

@@ -58,6 +58,11 @@ public:
      * already used.
      */
     ListRow *addRow(const QString &key, const QString &text, int position = -1);
+    /**
+     * The row with \a key (not empty), or a row added at the end with that key and \a text
+     * when there is none, with a single look-up of the key.
+     */
+    ListRow *findOrAddRow(const QString &key, const QString &text);
     /** Removes the row at zero-based \a index. */
     void removeRow(int index);
     /**

@@ -99,6 +99,15 @@ ListItem ListView::AddItem(const QString &key, const QString &text) {
     return row ? handle(row->index) : ListItem();
 }
 
+ListItem ListView::ItemByKeyOrAdd(const QString &key, const QString &text) {
+    if (m_sorted || key.isEmpty()) {
+        if (ListItem item = ItemByKey(key))
+            return item;
+        return AddItem(key, text);
+    }
+    return handle(m_model->findOrAddRow(key, text)->index);
+}
+
 void ListView::RemoveItem(int index) {
     m_model->removeRow(index - 1);
 }

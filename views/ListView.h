@@ -41,6 +41,11 @@ public:
      * true). Returns nothing when \a key is not empty and already used.
      */
     ListItem AddItem(const QString &key, const QString &text);
+    /**
+     * The row whose key is exactly \a key; when there is none, a row added as AddItem() adds
+     * it. One look-up of the key instead of two while the list is not sorted.
+     */
+    ListItem ItemByKeyOrAdd(const QString &key, const QString &text);
     /** Removes the row at one-based \a index. */
     void RemoveItem(int index);
     /**
