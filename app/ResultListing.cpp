@@ -80,9 +80,9 @@ void ResultListing::UpdateListView(int side, const ComparisonFileCollection *fil
             const ComparisonFilePtr record = files->Item(item.Key());
             if (!record)
                 continue;
-            // A row reading its texts from this record shows every column as it is now, once
-            // texts set by hand since are dropped.
-            if (record == item.Record() && list->listModel()->row(i - 1)->textsFromRecord) {
+            // A row of this very record shows every column as it is now once it reads its
+            // texts from the record.
+            if (record == item.Record()) {
                 item.setRecord(record, true);
                 continue;
             }

@@ -35,12 +35,14 @@ ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageLis
 
     if (images) {
         const QString key = RecordIconKey(*record);
+        int index = FileIconCache::ImageIndexOfKey(images, key);
         // A placeholder's file does not exist on this side: there is no icon to fetch.
-        if (record->HasFileObject() && FileIconCache::ImageIndexOfKey(images, key) <= 0)
+        if (index <= 0 && record->HasFileObject()) {
             FileIconCache::AddFileIcon(images, record->NativePath(), key);
+            index = FileIconCache::ImageIndexOfKey(images, key);
+        }
         if (!list->SmallIcons())
             list->setSmallIcons(images);
-        const int index = FileIconCache::ImageIndexOfKey(images, key);
         item.setSmallIcon(index > 0 ? index : 1);
     }
     return item;

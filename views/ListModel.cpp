@@ -131,15 +131,28 @@ void ListModel::rehash() {
 }
 
 ListRow *ListModel::addRow(const QString &key, const QString &text, int position) {
-    auto row = std::make_shared<ListRow>();
-    ListRow *raw = row.get();
+    ListRow **slot = nullptr;
     if (!key.isEmpty()) {
         // One look-up both refuses a used key and takes the slot for the new row.
-        ListRow *&slot = m_byKey[key];
-        if (slot)
+        slot = &m_byKey[key];
+        if (*slot)
             return nullptr;
-        slot = raw;
     }
+    return placeNewRow(key, text, position, slot);
+}
+
+ListRow *ListModel::findOrAddRow(const QString &key, const QString &text) {
+    ListRow *&slot = m_byKey[key];
+    return slot ? slot : placeNewRow(key, text, -1, &slot);
+}
+
+ListRow *ListModel::placeNewRow(const QString &key, const QString &text, int position,
+                                ListRow **slot) {
+    auto row = std::make_shared<ListRow>();
+    ListRow *raw = row.get();
+    // Filled before anything else can reach the hash and move its slots.
+    if (slot)
+        *slot = raw;
     row->key = key;
     if (!text.isEmpty())
         row->texts.push_back(text);
@@ -161,21 +174,6 @@ ListRow *ListModel::addRow(const QString &key, const QString &text, int position
         endInsertRows();
     }
     return raw;
-}
-
-ListRow *ListModel::findOrAddRow(const QString &key, const QString &text) {
-    ListRow *&slot = m_byKey[key];
-    if (slot)
-        return slot;
-    auto row = std::make_shared<ListRow>();
-    row->key = key;
-    if (!text.isEmpty())
-        row->texts.push_back(text);
-    row->index = rowTotal();
-    slot = row.get();
-    m_rows.push_back(std::move(row));
-    scheduleFlush();
-    return slot;
 }
 
 void ListModel::removeRow(int index) {
@@ -308,15 +306,18 @@ void ListModel::setText(ListRow &row, int column, const QString &text) {
 }
 
 void ListModel::setRecord(ListRow &row, const ComparisonFilePtr &record, bool textsFromRecord) {
-    const bool changed = row.record != record || row.textsFromRecord != textsFromRecord ||
-                         (textsFromRecord && (row.ownTexts != 0 || !row.texts.empty()));
+    // Whether what the row shows may change: only a row that reads its texts from a record
+    // shows anything of it.
+    const bool changed = (textsFromRecord || row.textsFromRecord) &&
+                         (row.record != record || row.textsFromRecord != textsFromRecord ||
+                          row.ownTexts != 0 || !row.texts.empty());
     row.record = record;
     row.textsFromRecord = textsFromRecord;
     if (textsFromRecord) {
         row.ownTexts = 0;
         row.texts = {};
     }
-    if (changed && textsFromRecord)
+    if (changed)
         markChanged(row);
 }
 

@@ -126,6 +126,11 @@ private:
     void scheduleFlush();
     void markChanged(const ListRow &row);
     void flushChanges();
+    /**
+     * Makes a row with \a key and \a text and places it (see addRow()); \a slot, when given,
+     * is the key's entry in the hash, to be pointed at the row.
+     */
+    ListRow *placeNewRow(const QString &key, const QString &text, int position, ListRow **slot);
     /** The column type a record text of model column \a column is made for; 0 for none. */
     int recordColumnType(const ListRow &row, int column) const;
     void renumber(size_t from);
