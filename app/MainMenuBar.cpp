@@ -46,6 +46,13 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
     mnuViewFullPath = checkItem(mnuView, QStringLiteral("Show &Full Path"));
     mnuViewAllFiles = checkItem(mnuView, QStringLiteral("Show A&ll Files"));
     mnuViewBold = checkItem(mnuView, QStringLiteral("Bold Different Files"));
+    mnuViewLetterCase = mnuView->addMenu(QStringLiteral("Letter &Case in Names"));
+    auto *letterCases = new QActionGroup(mnuViewLetterCase);
+    mnuViewCase[0] = checkItem(mnuViewLetterCase, QStringLiteral("&As Each File System Does"));
+    mnuViewCase[1] = checkItem(mnuViewLetterCase, QStringLiteral("Always &Tell Apart"));
+    mnuViewCase[2] = checkItem(mnuViewLetterCase, QStringLiteral("&Ignore"));
+    for (QAction *item : mnuViewCase)
+        letterCases->addAction(item);
     mnuViewZ2 = mnuView->addSeparator();
     auto *orientations = new QActionGroup(mnuView);
     mnuViewOrientation[0] = checkItem(mnuView, QStringLiteral("&Horizontal Orientation"));

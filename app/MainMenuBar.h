@@ -50,6 +50,9 @@ public:
     QAction *mnuViewFullPath = nullptr;
     QAction *mnuViewAllFiles = nullptr;
     QAction *mnuViewBold = nullptr;
+    /** Letter case in names: CaseRule's order (automatic, sensitive, insensitive). */
+    QMenu *mnuViewLetterCase = nullptr;
+    std::array<QAction *, 3> mnuViewCase{};
     QAction *mnuViewZ2 = nullptr;
     /** Index 0 stacks the panes, index 1 puts them side by side; exactly one is checked. */
     std::array<QAction *, 2> mnuViewOrientation{};

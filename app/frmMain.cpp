@@ -236,6 +236,12 @@ void frmMain::connectMenus() {
             ApplyOrientation(i + 1);
         });
     }
+    for (std::size_t i = 0; i < m.mnuViewCase.size(); ++i) {
+        connect(m.mnuViewCase[i], &QAction::triggered, this, [this, i] {
+            Options::setLetterCase(caseRuleWord(CaseRule(i)));
+            ApplyCaseRule(CaseRule(i));
+        });
+    }
     connect(m.mnuViewAlwaysOnTop, &QAction::triggered, this, [this](bool checked) {
         Options::setAlwaysOnTop(checked);
         ApplyAlwaysOnTop(checked);
@@ -243,6 +249,11 @@ void frmMain::connectMenus() {
 
     connect(m.mnuHelpAbout, &QAction::triggered, this,
             [this] { frmAbout::ShowAbout(this, menus->mnuViewAlwaysOnTop->isChecked()); });
+}
+
+void frmMain::ApplyCaseRule(CaseRule rule) {
+    m_caseRule = rule;
+    menus->mnuViewCase[std::size_t(rule)]->setChecked(true);
 }
 
 void frmMain::InitializeDisplay() {
@@ -253,6 +264,7 @@ void frmMain::InitializeDisplay() {
     ApplyOrientation(Options::orientation());
     ApplyAlwaysOnTop(Options::alwaysOnTop());
     menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    ApplyCaseRule(caseRuleFromWord(Options::letterCase()).value_or(CaseRule::Automatic));
     LoadDiffProgram(menus->mnuToolsDiff);
     ApplyViewOptions();
     ColumnLayout::LoadLayout(lvwFiles[0], false, false);
@@ -392,6 +404,8 @@ void frmMain::ResetOptions() {
     ApplyViewOptions();
     Options::setIncludeSlack(true);
     menus->mnuFileIncludeSlack->setChecked(true);
+    Options::setLetterCase(caseRuleWord(CaseRule::Automatic));
+    ApplyCaseRule(CaseRule::Automatic);
 
     // The listings follow: linking switched back on couples them as the View item would,
     // a changed listing rule re-decides the rows, and the new columns get their texts.
@@ -511,6 +525,8 @@ bool frmMain::RunAttempts() {
     do {
         colSourceFiles = std::make_unique<ComparisonFileCollection>();
         colDestFiles = std::make_unique<ComparisonFileCollection>();
+        colSourceFiles->setCaseRule(m_caseRule);
+        colDestFiles->setCaseRule(m_caseRule);
         oPairscope = std::make_unique<Pairscope>();
         // Rows are filled from the statx each pair was judged on.
         oPairscope->setLoadDetails(true);

@@ -5,6 +5,7 @@
 #include "ResultListing.h"
 #include "ThrottledYield.h"
 
+#include "engine/CaseRule.h"
 #include "engine/ComparisonFile.h"
 
 #include <QMainWindow>
@@ -177,6 +178,8 @@ private:
     void SavePosition();
     int sideAt(const QPoint &pos) const;
     void ToggleViewOption(QAction *item);
+    /** Pairs the next compare's names by \a rule and checks its View menu item. */
+    void ApplyCaseRule(CaseRule rule);
     void ClearDisplay();
 
     bool RunAttempts();
@@ -198,6 +201,7 @@ private:
     QShortcut *m_enter = nullptr;
     QShortcut *m_keypadEnter = nullptr;
     QShortcut *m_escape = nullptr;
+    CaseRule m_caseRule = CaseRule::Automatic;
     /** Set when the window was asked to close during a run: it closes once the run unwinds. */
     bool m_closeRequested = false;
     /** True while the run's handler is on the stack. */

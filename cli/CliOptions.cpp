@@ -68,6 +68,14 @@ std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) 
     return std::nullopt;
 }
 
+std::optional<CaseRule> parseCaseRule(const QByteArray &text, QString *error) {
+    const std::optional<CaseRule> rule = caseRuleFromWord(QString::fromLatin1(text));
+    if (!rule)
+        *error = QStringLiteral("unknown --case %1; choose auto, sensitive or insensitive")
+                     .arg(quoted(text));
+    return rule;
+}
+
 /** Walks the argument list, handing out option values that may be attached or separate. */
 class ArgumentReader {
 public:
@@ -129,6 +137,8 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         return valued(parseChunkSize, options.chunkSize);
     if (name == "format")
         return valued(parseFormat, options.format);
+    if (name == "case")
+        return valued(parseCaseRule, options.caseRule);
     if (name == "crc-first")
         return flag(options.doCRCLast, false);
     if (name == "no-slack")
@@ -213,8 +223,8 @@ QString CliOptions::usage() {
         "Usage: pairscope-cli [options] SOURCE DESTINATION\n"
         "\n"
         "Compares two folder trees file by file: every file is paired with the file at the\n"
-        "same path below the other folder (letter case aside), and the pairs that differ are\n"
-        "listed with the reason.\n"
+        "same path below the other folder, and the pairs that differ are listed with the\n"
+        "reason. Letter case counts where the file system tells names apart by it.\n"
         "\n"
         "Options:\n"
         "  -c, --compare LIST   what to compare, separated by commas: size, modified,\n"
@@ -225,6 +235,9 @@ QString CliOptions::usage() {
         "      --no-slack       dates must be exactly equal (default: dates up to two\n"
         "                       seconds apart count as equal)\n"
         "  -a, --all            list identical pairs too\n"
+        "      --case RULE      letter case in names: auto (default: as each folder's file\n"
+        "                       system does), sensitive, or insensitive (names that differ\n"
+        "                       only in case pair, an exact namesake preferred)\n"
         "      --chunk-size BYTES\n"
         "                       read files for checksums in chunks of BYTES\n"
         "                       (1024 to 16777216; default 65536)\n"

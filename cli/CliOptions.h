@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/CaseRule.h"
 #include "engine/ComparisonSet.h"
 
 #include <QByteArray>
@@ -25,6 +26,7 @@ struct CliOptions {
     bool doCRCLast = true;
     bool includeSlack = true;
     bool listAll = false;
+    CaseRule caseRule = CaseRule::Automatic;
     int chunkSize = 65536;
     OutputFormat format = OutputFormat::Text;
     bool quiet = false;

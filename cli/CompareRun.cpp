@@ -62,6 +62,8 @@ int CompareRun::attempt() {
     // went stale survives into the next one.
     ComparisonFileCollection sourceFiles;
     ComparisonFileCollection destFiles;
+    sourceFiles.setCaseRule(m_options.caseRule);
+    destFiles.setCaseRule(m_options.caseRule);
     walkBoth(sourceFiles, destFiles);
 
     Pairscope engine;
@@ -84,11 +86,14 @@ int CompareRun::attempt() {
 
     collectProblems(sourceFiles);
     collectProblems(destFiles);
+    // A placeholder on the unreadable side stands for a file behind a folder that could not
+    // be read: that folder is the problem, already listed once.
     for (const ReportPair &pair : m_pairs) {
-        if (pair.code == DifferenceCode::SourceUnreadable)
+        if (pair.code == DifferenceCode::SourceUnreadable && pair.source->HasFileObject())
             m_problems.append(pair.source->Path() + QLatin1String(": ") +
                               unreadableReason(pair.source->NativePath()));
-        else if (pair.code == DifferenceCode::DestinationUnreadable)
+        else if (pair.code == DifferenceCode::DestinationUnreadable &&
+                 pair.destination->HasFileObject())
             m_problems.append(pair.destination->Path() + QLatin1String(": ") +
                               unreadableReason(pair.destination->NativePath()));
     }

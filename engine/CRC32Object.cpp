@@ -1,5 +1,7 @@
 #include "engine/CRC32Object.h"
 
+#include "engine/LongPath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -68,7 +70,11 @@ CRC32Object::Result CRC32Object::Checksum(const QByteArray &nativePath) {
 }
 
 CRC32Object::Result CRC32Object::Checksum(const QByteArray &nativePath, const FileStat &known) {
-    return Checksum(AT_FDCWD, nativePath, known);
+    const LongPath::Parent parent(nativePath);
+    if (!parent.isOpen())
+        return {Status::Failed, 0, errno};
+    return Checksum(parent.fd(), QByteArray::fromRawData(parent.name(), qstrlen(parent.name())),
+                    known);
 }
 
 CRC32Object::Result CRC32Object::Checksum(int dirFd, const QByteArray &name,

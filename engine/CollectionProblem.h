@@ -4,16 +4,16 @@
 #include <QString>
 
 /**
- * Something a walk could not take into the comparison: a folder whose entries could not be
- * read, or a file dropped because another name in the same tree differs from it only in
- * letter case. The walk records it and goes on.
+ * Something a comparison could not take in: a folder whose entries could not be read or
+ * reached, or a file left unpaired because a name on the other side differs from it only in
+ * letter case where a folder cannot tell the two apart. The run records it and goes on.
  */
 struct CollectionProblem {
     enum class Kind {
-        /** The folder (or the root) could not be opened or listed. */
+        /** The folder (or the root) could not be opened, listed or entered. */
         UnreadableFolder,
-        /** Another file of the tree has the same key (a name differing only in letter case). */
-        CaseDuplicate,
+        /** A file whose name differs only in letter case from one it could not be paired with. */
+        CaseTwin,
     };
 
     Kind kind = Kind::UnreadableFolder;

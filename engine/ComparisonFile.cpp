@@ -373,17 +373,17 @@ QString ComparisonFile::DifferenceText(int code) {
 
 QString ComparisonFile::Key() const {
     if (m_details && m_details->display && m_details->display->path)
-        return m_details->display->path->toLower();
+        return *m_details->display->path;
     if (!m_folder)
         return {};
-    return m_folder->keyPath() + KeyFromNative(m_name).toLower();
+    return m_folder->keyPath() + KeyFromNative(m_name);
 }
 
 QString ComparisonFile::RelativeKey() const {
     if (!m_folder)
         return {};
     const QStringView folder = m_folder->relativeKey();
-    const QString name = KeyFromNative(m_name).toLower();
+    const QString name = KeyFromNative(m_name);
     QString key;
     key.reserve(folder.size() + name.size());
     key.append(folder);

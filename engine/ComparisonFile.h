@@ -99,12 +99,15 @@ public:
     static QString DifferenceText(int code);
 
     /**
-     * The record's key: its full path lower-cased, with bytes that are not valid UTF-8 escaped
-     * as "\xff" so that two different names never share a key. Collections and list rows are
-     * keyed by it.
+     * The record's key: its full path in KeyFromNative form (letter case kept, invalid bytes
+     * and backslashes escaped) so that two different names never share a key. Collections and
+     * list rows are keyed by it.
      */
     QString Key() const;
-    /** The key below the root ("sub/a.txt"): equal for the two records of a pair. */
+    /**
+     * The key below the root ("sub/a.txt"): equal for the two records of a pair, except where
+     * a folder that ignores letter case paired names spelt differently.
+     */
     QString RelativeKey() const;
     /** The full native path: the real path for every disk operation (copy, diff program). */
     QByteArray NativePath() const;

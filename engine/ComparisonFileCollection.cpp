@@ -1,6 +1,7 @@
 #include "engine/ComparisonFileCollection.h"
 
 #include "engine/PathHelpers.h"
+#include "engine/RecordKey.h"
 #include "engine/TreeListing.h"
 #include "engine/TreeWalker.h"
 
@@ -53,7 +54,8 @@ void ComparisonFileCollection::prepareRootFolder(const QString &folder) {
     if (!isFolder(native))
         return;
     const QByteArray root = normalizedRoot(native);
-    m_prepared = std::make_unique<TreeListing>(FolderRef::make(root, root.size(), folder));
+    m_prepared =
+        std::make_unique<TreeListing>(FolderRef::make(root, root.size(), folder), m_caseRule);
 }
 
 void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString &asGiven) {
@@ -67,37 +69,33 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
     resetRecords();
     std::unique_ptr<TreeListing> listing = std::move(m_prepared);
     if (listing && (listing->root()->nativePath() != m_rootNative ||
-                    listing->root()->rootPath() != m_rootFolder))
+                    listing->root()->rootPath() != m_rootFolder || listing->rule() != m_caseRule))
         listing.reset();
     m_rootNode = listing ? listing->root()
                          : FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
 
-    bool restarted = false;
     if (listing) {
         const bool listed = takeListing(*listing);
         listing.reset();
+        // A rescan asked for meanwhile walks the tree again, as it would restart a walk.
         if (listed || !m_needsRescan) {
             m_inProgress = false;
             return;
         }
-        // A rescan asked for meanwhile walks the tree again, as it would restart a walk.
-        restarted = true;
     }
 
-    TreeWalker walker({
-        [this] { return m_cancelled || m_needsRescan; },
-        [this, &restarted](const FolderRef &folder, std::vector<QByteArray> &names) {
-            m_pendingHashes.clear();
-            for (const QByteArray &name : names)
-                m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
-            return addFileRecords(folder, names, m_pendingHashes, restarted);
+    TreeWalker walker(
+        {
+            [this] { return m_cancelled || m_needsRescan; },
+            [this](const FolderRef &folder, std::vector<QByteArray> &names) {
+                m_pendingHashes.clear();
+                for (const QByteArray &name : names)
+                    m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
+                return addFileRecords(folder, names, m_pendingHashes);
+            },
+            [this](const FolderRef &folder, int error) { addUnreadableFolder(folder, error); },
         },
-        [this, &restarted](const QByteArray &path, int error) {
-            addProblem({CollectionProblem::Kind::UnreadableFolder, DisplayFromNative(path), path,
-                        errorText(error)},
-                       restarted);
-        },
-    });
+        m_caseRule);
     for (;;) {
         if (m_cancelled)
             break;
@@ -106,7 +104,6 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
         if (!m_needsRescan)
             break;
         // Records found before the restart stay; meeting them again adds nothing.
-        restarted = true;
     }
     m_inProgress = false;
 }
@@ -123,11 +120,8 @@ bool ComparisonFileCollection::takeListing(TreeListing &listing) {
         if (m_cancelled || m_needsRescan)
             return false;
         if (batch.error != 0) {
-            addProblem({CollectionProblem::Kind::UnreadableFolder,
-                        DisplayFromNative(batch.unreadablePath), batch.unreadablePath,
-                        errorText(batch.error)},
-                       false);
-        } else if (!addFileRecords(batch.folder, batch.names, batch.hashes, false)) {
+            addUnreadableFolder(batch.folder, batch.error);
+        } else if (!addFileRecords(batch.folder, batch.names, batch.hashes)) {
             return false;
         }
     }
@@ -136,7 +130,9 @@ bool ComparisonFileCollection::takeListing(TreeListing &listing) {
 
 bool ComparisonFileCollection::addFileRecords(const FolderRef &folder,
                                               std::vector<QByteArray> &names,
-                                              const std::vector<quint32> &hashes, bool restarted) {
+                                              const std::vector<quint32> &hashes) {
+    if (folder->ignoresCase())
+        m_anyIgnoresCase = true;
     // The keys are hashed ahead, so that the index slot of a name a few places on can be
     // fetched into the cache while this one is added: a slot is otherwise a cache miss.
     constexpr std::size_t lookAhead = 8;
@@ -147,40 +143,57 @@ bool ComparisonFileCollection::addFileRecords(const FolderRef &folder,
             return false;
         if (i + lookAhead < names.size())
             m_index.prefetch(hashes[i + lookAhead]);
-        addFileRecord(folder, std::move(names[i]), hashes[i], restarted);
+        addFileRecord(folder, std::move(names[i]), hashes[i]);
     }
     return true;
 }
 
-void ComparisonFileCollection::addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash,
-                                             bool restarted) {
+void ComparisonFileCollection::addFileRecord(const FolderRef &folder, QByteArray name,
+                                             quint32 hash) {
+    // Keys are exact, so a name is refused only when a restarted walk meets it again.
     auto record = std::make_shared<ComparisonFile>(::FileObject(folder, std::move(name)));
-    qsizetype existing = -1;
-    if (insert(record, hash, &existing)) {
+    if (insert(record, hash))
         Q_EMIT FileAdded(Count());
-    } else if (existing >= 0) {
-        const ComparisonFilePtr &kept = m_records[std::size_t(existing)];
-        const QByteArray path = record->NativePath();
-        if (kept->NativePath() != path) {
-            addProblem({CollectionProblem::Kind::CaseDuplicate, record->Path(), path,
-                        QStringLiteral("differs only in letter case from %1, which is compared "
-                                       "instead")
-                            .arg(kept->Path())},
-                       restarted);
-        }
-    }
     if (m_yield)
         m_yield();
 }
 
-void ComparisonFileCollection::addProblem(CollectionProblem problem, bool restarted) {
-    if (restarted) {
-        for (const CollectionProblem &known : std::as_const(m_problems)) {
-            if (known.kind == problem.kind && known.nativePath == problem.nativePath)
-                return;
-        }
-    }
+void ComparisonFileCollection::addProblem(CollectionProblem problem) {
+    // A restarted walk or compare meets the same problems again.
+    QByteArray key = problem.nativePath;
+    key += char(problem.kind);
+    if (m_problemKeys.contains(key))
+        return;
+    m_problemKeys.insert(key);
     m_problems.append(std::move(problem));
+}
+
+void ComparisonFileCollection::addUnreadableFolder(const FolderRef &folder, int error) {
+    m_unreadableKeys.insert(folder->relativeKey().toString());
+    addProblem({CollectionProblem::Kind::UnreadableFolder, folder->displayPath(),
+                folder->nativePath(), errorText(error)});
+}
+
+void ComparisonFileCollection::AddCaseTwinProblem(const ComparisonFile &record,
+                                                  const ComparisonFile &twin) {
+    addProblem({CollectionProblem::Kind::CaseTwin, record.Path(), record.NativePath(),
+                QStringLiteral("differs only in letter case from %1 on the other side; the two "
+                               "are not paired")
+                    .arg(twin.Path())});
+}
+
+bool ComparisonFileCollection::IsBehindUnreadableFolder(const ComparisonFile &other) const {
+    if (m_unreadableKeys.isEmpty())
+        return false;
+    if (m_unreadableKeys.contains(QString()))
+        return true;
+    const QString key = other.RelativeKey();
+    for (qsizetype slash = key.indexOf(QLatin1Char('/')); slash >= 0;
+         slash = key.indexOf(QLatin1Char('/'), slash + 1)) {
+        if (m_unreadableKeys.contains(key.left(slash + 1)))
+            return true;
+    }
+    return false;
 }
 
 bool ComparisonFileCollection::insert(const ComparisonFilePtr &record, quint32 hash,
@@ -210,6 +223,9 @@ void ComparisonFileCollection::resetRecords() {
     m_hashes.shrink_to_fit();
     m_index.clear();
     m_problems.clear();
+    m_problemKeys.clear();
+    m_unreadableKeys.clear();
+    m_anyIgnoresCase = m_caseRule == CaseRule::Insensitive;
     m_placeholderFolders.clear();
     ++m_generation;
 }
@@ -242,8 +258,7 @@ ComparisonFilePtr ComparisonFileCollection::AddMissingFile(const ::FileObject &f
     record->UpdateDetails(stat);
 
     const FolderNode &folder = *file.folder();
-    const bool underOtherRoot =
-        AddBackslash(folder.rootPath()).compare(AddBackslash(otherRoot), Qt::CaseInsensitive) == 0;
+    const bool underOtherRoot = AddBackslash(folder.rootPath()) == AddBackslash(otherRoot);
     if (underOtherRoot) {
         record->setLocation(placeholderFolder(folder.relativeNativePath()), file.nativeName());
     } else {
@@ -300,23 +315,101 @@ ComparisonFilePtr ComparisonFileCollection::Item(int position) const {
 ComparisonFilePtr ComparisonFileCollection::Item(const QString &key) const {
     if (!m_rootNode)
         return nullptr;
-    const QString lower = key.toLower();
     const QString &rootKey = m_rootNode->keyPath();
-    if (!lower.startsWith(rootKey))
+    if (!key.startsWith(rootKey))
         return nullptr;
-    const QStringView relative = QStringView(lower).mid(rootKey.size());
+    const QStringView relative = QStringView(key).mid(rootKey.size());
     const qsizetype found = m_index.find(RecordKey::hash(relative), [&](qsizetype position) {
         return m_records[std::size_t(position)]->RelativeKey() == relative;
     });
     return found < 0 ? nullptr : m_records[std::size_t(found)];
 }
 
-ComparisonFilePtr ComparisonFileCollection::Counterpart(const ComparisonFile &other) const {
-    return Counterpart(other, RecordIndex::hashOf(other));
+ComparisonFilePtr
+ComparisonFileCollection::Counterpart(const ComparisonFile &other,
+                                      const ComparisonFileCollection &otherSide) const {
+    return Counterpart(other, RecordIndex::hashOf(other), otherSide);
 }
 
-ComparisonFilePtr ComparisonFileCollection::Counterpart(const ComparisonFile &other,
-                                                        quint32 keyHash) const {
+ComparisonFilePtr
+ComparisonFileCollection::Counterpart(const ComparisonFile &other, quint32 keyHash,
+                                      const ComparisonFileCollection &otherSide) const {
     const qsizetype found = find(other, keyHash);
+    if (found >= 0)
+        return m_records[std::size_t(found)];
+    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase())
+        return nullptr;
+    return caseBlindCounterpart(other, keyHash, otherSide);
+}
+
+namespace {
+
+/**
+ * True when the file systems would take the two paths, equal but for letter case, for the
+ * same: at each part spelt differently, the folder holding it ignores case on one side.
+ */
+bool mayPair(const ComparisonFile &a, const ComparisonFile &b) {
+    const FolderNode *folderA = a.Folder().get();
+    const FolderNode *folderB = b.Folder().get();
+    if (!folderA || !folderB)
+        return false;
+    if (a.NativeName() != b.NativeName() && !folderA->ignoresCase() && !folderB->ignoresCase())
+        return false;
+    while (!folderA->sameRelativeKey(*folderB)) {
+        const FolderNode *parentA = folderA->parent();
+        const FolderNode *parentB = folderB->parent();
+        // A folder made from a whole path has no parents to ask: exact spelling only.
+        if (!parentA || !parentB)
+            return false;
+        if (folderA->name() != folderB->name() && !parentA->ignoresCase() &&
+            !parentB->ignoresCase())
+            return false;
+        folderA = parentA;
+        folderB = parentB;
+    }
+    return true;
+}
+
+} // namespace
+
+ComparisonFilePtr
+ComparisonFileCollection::caseBlindCounterpart(const ComparisonFile &other, quint32 keyHash,
+                                               const ComparisonFileCollection &otherSide) const {
+    // Every real record here that the case rule would pair with it and whose exact namesake
+    // does not exist on the other side; exactly one may pair.
+    ComparisonFilePtr candidate;
+    bool ambiguous = false;
+    m_index.find(keyHash, [&](qsizetype position) {
+        const ComparisonFilePtr &record = m_records[std::size_t(position)];
+        if (!record->HasFileObject() || !RecordIndex::sameKeyIgnoringCase(*record, other) ||
+            !mayPair(other, *record) || otherSide.find(*record, keyHash) >= 0)
+            return false;
+        if (candidate)
+            ambiguous = true;
+        candidate = record;
+        return ambiguous;
+    });
+    if (!candidate || ambiguous)
+        return nullptr;
+    // A second name on the other side that could pair with it makes the choice arbitrary.
+    const qsizetype rival = otherSide.m_index.find(keyHash, [&](qsizetype position) {
+        const ComparisonFilePtr &record = otherSide.m_records[std::size_t(position)];
+        return record.get() != &other && record->HasFileObject() &&
+               RecordIndex::sameKeyIgnoringCase(*record, other) && mayPair(*record, *candidate) &&
+               find(*record, keyHash) < 0;
+    });
+    return rival >= 0 ? nullptr : candidate;
+}
+
+ComparisonFilePtr
+ComparisonFileCollection::CaseTwin(const ComparisonFile &other,
+                                   const ComparisonFileCollection &otherSide) const {
+    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase())
+        return nullptr;
+    const qsizetype found = m_index.find(RecordIndex::hashOf(other), [&](qsizetype position) {
+        const ComparisonFilePtr &record = m_records[std::size_t(position)];
+        return record->HasFileObject() && RecordIndex::sameKeyIgnoringCase(*record, other) &&
+               mayPair(other, *record);
+    });
     return found < 0 ? nullptr : m_records[std::size_t(found)];
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/CaseRule.h"
 #include "engine/CollectionProblem.h"
 #include "engine/ComparisonFile.h"
 #include "engine/RecordIndex.h"
@@ -8,6 +9,7 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSet>
 
 #include <memory>
 #include <vector>
@@ -16,8 +18,10 @@
  * The records of one side of a comparison. Setting the root folder walks the tree below it
  * (each folder's files in name-byte order, then its subfolders in the same order, depth first)
  * and makes one record per file; symbolic links are records too and are never followed.
- * Records are kept in insertion order and keyed by their lower-cased path (ComparisonFile::Key),
- * so a second name that differs only in letter case is dropped and listed in Problems().
+ * Records are kept in insertion order and keyed by their exact path (ComparisonFile::Key).
+ * A record's counterpart on the other side is the record of the same path; where a folder of
+ * either tree resolves names without regard to case (see CaseRule), a path that differs only
+ * in letter case will do when no exact namesake exists and the pairing is unambiguous.
  *
  * Everything runs on the caller's thread; the yield hook is called after each file so that
  * Cancel() can arrive from an event handler.
@@ -45,6 +49,10 @@ public:
     bool Cancelled() const { return m_cancelled; }
     /** Stops the running walk at its next file; the records found so far stay. */
     void Cancel() { m_cancelled = true; }
+
+    /** How letter case counts, for the next walk and for every look-up of a counterpart. */
+    CaseRule caseRule() const { return m_caseRule; }
+    void setCaseRule(CaseRule rule) { m_caseRule = rule; }
 
     /** The folder last walked, as given ("" after Clear()). */
     QString RootFolder() const { return m_rootFolder; }
@@ -82,12 +90,32 @@ public:
 
     /** The record at 1-based \a position, or null outside 1..Count(). */
     ComparisonFilePtr Item(int position) const;
-    /** The record whose key is \a key, a full path compared without regard to case; or null. */
+    /** The record whose key is \a key (a full path in key form, see ComparisonFile::Key). */
     ComparisonFilePtr Item(const QString &key) const;
-    /** The record at the same path below this root as \a other below its root, or null. */
-    ComparisonFilePtr Counterpart(const ComparisonFile &other) const;
+    /**
+     * The record paired with \a other, a record of \a otherSide: the one at the same path below
+     * this root, else, where a folder of either side ignores letter case, the one real record
+     * spelt differently but for case that has no exact namesake in \a otherSide and no rival
+     * there; or null.
+     */
+    ComparisonFilePtr Counterpart(const ComparisonFile &other,
+                                  const ComparisonFileCollection &otherSide) const;
     /** Same, given the hash of \a other's key (RecordIndex::hashOf(), or KeyHash()). */
-    ComparisonFilePtr Counterpart(const ComparisonFile &other, quint32 keyHash) const;
+    ComparisonFilePtr Counterpart(const ComparisonFile &other, quint32 keyHash,
+                                  const ComparisonFileCollection &otherSide) const;
+    /**
+     * A real record that differs from \a other (of \a otherSide) only in letter case where a
+     * folder ignores it, though Counterpart() did not pair them; or null.
+     */
+    ComparisonFilePtr CaseTwin(const ComparisonFile &other,
+                               const ComparisonFileCollection &otherSide) const;
+    /**
+     * True when \a other, a record of the other side, lies at a path below a folder of this
+     * tree that could not be read: whether a counterpart exists cannot be known.
+     */
+    bool IsBehindUnreadableFolder(const ComparisonFile &other) const;
+    /** Lists \a record as left unpaired because of its case twin \a twin on the other side. */
+    void AddCaseTwinProblem(const ComparisonFile &record, const ComparisonFile &twin);
     /** RecordIndex::hashOf() of the record at 1-based \a position, kept from its insertion. */
     quint32 KeyHash(int position) const { return m_hashes[std::size_t(position - 1)]; }
     /** Starts fetching the index slot of a key hash into the cache, for a look-up soon. */
@@ -98,7 +126,7 @@ public:
     const_iterator begin() const { return m_records.begin(); }
     const_iterator end() const { return m_records.end(); }
 
-    /** Folders that could not be read and files dropped as case duplicates, in walk order. */
+    /** Folders that could not be read, then files left unpaired beside a case twin. */
     const QList<CollectionProblem> &Problems() const { return m_problems; }
 
     /**
@@ -123,9 +151,14 @@ private:
      * rescan stopped it.
      */
     bool addFileRecords(const FolderRef &folder, std::vector<QByteArray> &names,
-                        const std::vector<quint32> &hashes, bool restarted);
-    void addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash, bool restarted);
-    void addProblem(CollectionProblem problem, bool restarted);
+                        const std::vector<quint32> &hashes);
+    void addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash);
+    void addProblem(CollectionProblem problem);
+    void addUnreadableFolder(const FolderRef &folder, int error);
+    /** True when some folder of the tree (or the rule) ignores letter case. */
+    bool mayIgnoreCase() const { return m_anyIgnoresCase; }
+    ComparisonFilePtr caseBlindCounterpart(const ComparisonFile &other, quint32 keyHash,
+                                           const ComparisonFileCollection &otherSide) const;
     /**
      * Adds \a record under its key, whose hash is \a hash; false (and nothing added) when the
      * key is taken, with its holder's position in \a existing.
@@ -143,6 +176,10 @@ private:
     RecordIndex m_index;
     QHash<QByteArray, FolderRef> m_placeholderFolders;
     QList<CollectionProblem> m_problems;
+    /** Each problem's path and kind, so that none is listed twice. */
+    QSet<QByteArray> m_problemKeys;
+    /** relativeKey() of every folder that could not be read ("" for the root). */
+    QSet<QString> m_unreadableKeys;
     QString m_rootFolder;
     QByteArray m_rootNative;
     FolderRef m_rootNode;
@@ -150,6 +187,8 @@ private:
     std::unique_ptr<TreeListing> m_prepared;
     YieldHook m_yield;
     quint64 m_generation = 0;
+    CaseRule m_caseRule = CaseRule::Automatic;
+    bool m_anyIgnoresCase = false;
     bool m_needsRescan = false;
     bool m_needsRecompare = false;
     bool m_inProgress = false;

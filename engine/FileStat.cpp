@@ -1,5 +1,7 @@
 #include "engine/FileStat.h"
 
+#include "engine/LongPath.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -54,5 +56,11 @@ FileStat FileStat::read(int dirFd, const char *name) {
 }
 
 FileStat FileStat::read(const QByteArray &nativePath) {
-    return read(AT_FDCWD, nativePath.constData());
+    const LongPath::Parent parent(nativePath);
+    if (!parent.isOpen()) {
+        FileStat result;
+        result.error = errno;
+        return result;
+    }
+    return read(parent.fd(), parent.name());
 }

@@ -5,7 +5,7 @@
 namespace {
 
 QString keyFolder(const QByteArray &native) {
-    QString key = KeyFromNative(native).toLower();
+    QString key = KeyFromNative(native);
     if (!key.endsWith(QLatin1Char('/')))
         key += QLatin1Char('/');
     return key;
@@ -22,7 +22,7 @@ FolderNode::FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QStrin
     m_rootKeyLength = rootNativeLength >= m_nativePath.size()
                           ? m_keyPath.size()
                           : keyFolder(m_nativePath.left(rootNativeLength)).size();
-    m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, relativeKey());
+    m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, relativeKey().toString().toLower());
 }
 
 FolderNode::FolderNode(const FolderNode &parent, const QByteArray &name)
@@ -30,7 +30,10 @@ FolderNode::FolderNode(const FolderNode &parent, const QByteArray &name)
     , m_displayPath(DisplayFromNative(m_nativePath))
     , m_rootKeyLength(parent.m_rootKeyLength)
     , m_rootPath(parent.m_rootPath)
-    , m_rootNativeLength(parent.m_rootNativeLength) {
+    , m_rootNativeLength(parent.m_rootNativeLength)
+    , m_parent(&parent)
+    , m_ignoresCase(parent.m_ignoresCase) {
+    parent.ref();
     // Keys are made name by name, so the parent's key is this key's beginning.
     m_keyPath.reserve(parent.m_keyPath.size() + name.size() + 1);
     m_keyPath += parent.m_keyPath;
@@ -55,4 +58,21 @@ QByteArray FolderNode::childNativePath(const QByteArray &name) const {
         path += '/';
     path += name;
     return path;
+}
+
+void FolderNode::release(const FolderNode *node) {
+    while (node && node->m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        const FolderNode *parent = node->m_parent;
+        delete node;
+        node = parent;
+    }
+}
+
+QByteArray FolderNode::name() const {
+    return m_nativePath.mid(m_nativePath.lastIndexOf('/') + 1);
+}
+
+bool FolderNode::sameRelativeKeyIgnoringCase(const FolderNode &other) const {
+    return m_relativeKeyHash == other.m_relativeKeyHash &&
+           relativeKey().toString().toLower() == other.relativeKey().toString().toLower();
 }

@@ -22,7 +22,7 @@ public:
      * folder as the collection was given it.
      */
     FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath);
-    /** The subfolder \a name of \a parent, in the same tree. */
+    /** The subfolder \a name of \a parent, in the same tree; it holds its parent. */
     FolderNode(const FolderNode &parent, const QByteArray &name);
 
     FolderNode(const FolderNode &) = delete;
@@ -33,19 +33,33 @@ public:
     /** Full path for display: invalid UTF-8 bytes shown as replacement characters. */
     const QString &displayPath() const { return m_displayPath; }
     /**
-     * The folder's full path in key form (lower case, invalid bytes escaped as "\xFF") with a
-     * trailing "/": a file's key is this followed by the key form of its name.
+     * The folder's full path in key form (KeyFromNative: letter case kept, invalid bytes and
+     * backslashes escaped) with a trailing "/": a file's key is this followed by the key form
+     * of its name.
      */
     const QString &keyPath() const { return m_keyPath; }
     /** The part of keyPath() below the root ("" for the root itself, else ending in "/"). */
     QStringView relativeKey() const { return QStringView(m_keyPath).mid(m_rootKeyLength); }
-    /** relativeKey() fed to a RecordKey hash: a file's key hash goes on from here. */
+    /** relativeKey() folded and fed to a RecordKey hash: a file's key hash goes on from here. */
     RecordKey::State relativeKeyHash() const { return m_relativeKeyHash; }
     /** True when the two folders have the same relativeKey(). */
     bool sameRelativeKey(const FolderNode &other) const {
         return this == &other || (m_relativeKeyHash == other.m_relativeKeyHash &&
                                   relativeKey() == other.relativeKey());
     }
+    /** True when the two folders' relativeKey()s are equal but for letter case. */
+    bool sameRelativeKeyIgnoringCase(const FolderNode &other) const;
+
+    /**
+     * The folder this one was walked from; null for a root, and for a folder made from a
+     * whole path.
+     */
+    const FolderNode *parent() const { return m_parent; }
+    /** The folder's own name (the last part of its path). */
+    QByteArray name() const;
+    /** True when the file system resolves names in this folder without regard to case. */
+    bool ignoresCase() const { return m_ignoresCase; }
+    void setIgnoresCase(bool on) { m_ignoresCase = on; }
     /** The root folder of the tree this folder belongs to, as given to the collection. */
     const QString &rootPath() const { return m_rootPath; }
     /** The folder's native path below the root, without leading separator ("" for the root). */
@@ -57,8 +71,11 @@ public:
     QByteArray childNativePath(const QByteArray &name) const;
 
     void ref() const { m_refs.fetch_add(1, std::memory_order_relaxed); }
-    /** Returns true when the last reference was dropped. */
-    bool deref() const { return m_refs.fetch_sub(1, std::memory_order_acq_rel) == 1; }
+    /**
+     * Drops a reference to \a node, deleting it when it was the last, and then its parents
+     * likewise: a loop, not a chain of destructors, so depth cannot overflow the stack.
+     */
+    static void release(const FolderNode *node);
 
 private:
     QByteArray m_nativePath;
@@ -68,7 +85,9 @@ private:
     RecordKey::State m_relativeKeyHash = RecordKey::Seed;
     QString m_rootPath;
     qsizetype m_rootNativeLength;
+    const FolderNode *m_parent = nullptr;
     mutable std::atomic<int> m_refs{0};
+    bool m_ignoresCase = false;
 };
 
 /** An owning reference to a FolderNode. */
@@ -88,10 +107,7 @@ public:
         std::swap(m_node, other.m_node);
         return *this;
     }
-    ~FolderRef() {
-        if (m_node && m_node->deref())
-            delete m_node;
-    }
+    ~FolderRef() { FolderNode::release(m_node); }
 
     /** Creates a node; see FolderNode's constructor. */
     static FolderRef make(QByteArray nativePath, qsizetype rootNativeLength, QString rootPath) {

@@ -3,6 +3,14 @@
 #include <cerrno>
 
 namespace {
+/**
+ * True when a failed stat means the file is no longer there: the tree changed. Any other
+ * failure (a permission, an I/O error) would fail again on a new walk.
+ */
+bool vanished(const FileStat &stat) {
+    return stat.error == ENOENT || stat.error == ENOTDIR || stat.error == 0;
+}
+
 /** How many records the workers may read ahead of the pass. */
 constexpr int readAheadWindow = 512;
 /** Jobs queued at once: publishing takes a lock and may wake a thread, so not one by one. */
@@ -147,7 +155,7 @@ bool Pairscope::Run::fillSource() {
     if (m_nextSubmit + lookAhead <= m_source.Count())
         m_destination.prefetchKey(m_source.KeyHash(m_nextSubmit + lookAhead));
     job.destinationRecord =
-        m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit));
+        m_destination.Counterpart(*job.sourceRecord, m_source.KeyHash(m_nextSubmit), m_source);
     if (job.destinationRecord && job.destinationRecord->HasFileObject() && job.sourceFolder) {
         job.destinationFolder = job.destinationRecord->Folder();
         job.destinationName = job.destinationRecord->NativeName();
@@ -177,7 +185,7 @@ int Pairscope::Run::sourcePass() {
             // Nothing has changed since the job was queued: its look-up holds.
             counterpart = job->destinationRecord;
         } else {
-            counterpart = m_destination.Counterpart(*record, m_source.KeyHash(i));
+            counterpart = m_destination.Counterpart(*record, m_source.KeyHash(i), m_source);
             // Prepared for other records: judged from fresh reads instead.
             if (job && (job->sourceRecord != record || job->destinationRecord != counterpart)) {
                 releaseJob(job);
@@ -189,18 +197,21 @@ int Pairscope::Run::sourcePass() {
         const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
         FileStat counterpartStat;
         if (!counterpart) {
-            if (!stat.isValid()) {
+            if (!stat.isValid() && vanished(stat)) {
                 m_source.setNeedsRescan(true);
                 return StatusRescanNeeded;
             }
+            code = unpairedCode(*record, stat, m_source, m_destination);
             counterpart = m_destination.AddMissingFile(record->FileObject(), m_source.RootFolder(),
-                                                       DifferenceCode::DestinationMissing, stat);
-            code = DifferenceCode::DestinationMissing;
+                                                       code, stat);
         } else if (!stat.isValid()) {
-            code = DifferenceCode::SourceMissing;
+            code =
+                vanished(stat) ? DifferenceCode::SourceMissing : DifferenceCode::SourceUnreadable;
         } else {
             counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
-            code = judge(record, stat, counterpart, counterpartStat, job);
+            code = counterpartStat.isValid() || vanished(counterpartStat)
+                       ? judge(record, stat, counterpart, counterpartStat, job)
+                       : DifferenceCode::DestinationUnreadable;
         }
         record->setDifferenceCode(code);
         if (counterpart)
@@ -217,6 +228,18 @@ int Pairscope::Run::sourcePass() {
         });
     }
     return StatusComplete;
+}
+
+int Pairscope::Run::unpairedCode(const ComparisonFile &record, const FileStat &stat,
+                                 ComparisonFileCollection &side, ComparisonFileCollection &other) {
+    const bool isSource = &side == &m_source;
+    if (!stat.isValid())
+        return isSource ? DifferenceCode::SourceUnreadable : DifferenceCode::DestinationUnreadable;
+    if (other.IsBehindUnreadableFolder(record))
+        return isSource ? DifferenceCode::DestinationUnreadable : DifferenceCode::SourceUnreadable;
+    if (const ComparisonFilePtr twin = other.CaseTwin(record, side))
+        side.AddCaseTwinProblem(record, *twin);
+    return isSource ? DifferenceCode::DestinationMissing : DifferenceCode::SourceMissing;
 }
 
 int Pairscope::Run::judge(const ComparisonFilePtr &record, const FileStat &stat,
@@ -293,18 +316,18 @@ int Pairscope::Run::destinationPass() {
             }
             const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
             releaseJob(job);
-            if (!stat.isValid()) {
+            if (!stat.isValid() && vanished(stat)) {
                 m_destination.setNeedsRescan(true);
                 return StatusRescanNeeded;
             }
             if (m_engine.m_loadDetails)
                 record->UpdateDetails(stat);
-            const ComparisonFilePtr placeholder =
-                m_source.AddMissingFile(record->FileObject(), m_destination.RootFolder(),
-                                        DifferenceCode::SourceMissing, stat);
-            record->setDifferenceCode(DifferenceCode::SourceMissing);
+            const int code = unpairedCode(*record, stat, m_destination, m_source);
+            const ComparisonFilePtr placeholder = m_source.AddMissingFile(
+                record->FileObject(), m_destination.RootFolder(), code, stat);
+            record->setDifferenceCode(code);
             notify([&] {
-                Q_EMIT m_engine.FilesCompared(placeholder, record, DifferenceCode::SourceMissing);
+                Q_EMIT m_engine.FilesCompared(placeholder, record, code);
                 Q_EMIT m_engine.CompareProgress(2, i, m_destination.Count());
             });
             continue;

@@ -28,6 +28,12 @@ private:
     /** Pass 1: returns a Status, StatusComplete also when abandoned for a recompare. */
     int sourcePass();
     int destinationPass();
+    /**
+     * The code of \a record of \a side, found with no counterpart in \a other: missing there,
+     * or not known because it could not be read on either side.
+     */
+    int unpairedCode(const ComparisonFile &record, const FileStat &stat,
+                     ComparisonFileCollection &side, ComparisonFileCollection &other);
     int judge(const ComparisonFilePtr &record, const FileStat &stat,
               const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
               const ReadAhead::Job *job);

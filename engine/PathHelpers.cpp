@@ -70,26 +70,36 @@ QString KeyFromNative(const QByteArray &native) {
     const auto *bytes = reinterpret_cast<const unsigned char *>(native.constData());
     const qsizetype size = native.size();
     qsizetype i = 0;
-    while (i < size && bytes[i] < 0x80)
+    while (i < size && bytes[i] < 0x80 && bytes[i] != '\\')
         ++i;
     if (i == size)
         return QString::fromLatin1(native);
 
+    // A backslash is doubled, so that the escape of a byte never reads like a name that
+    // spells it out: two different names never share a key.
     QString key = QString::fromLatin1(native.constData(), i);
     qsizetype runStart = i;
+    const auto flush = [&] {
+        key += QString::fromUtf8(native.constData() + runStart, i - runStart);
+    };
     while (i < size) {
+        if (bytes[i] == '\\') {
+            flush();
+            key += QLatin1String("\\\\");
+            runStart = ++i;
+            continue;
+        }
         const int length = validSequenceLength(bytes + i, size - i);
         if (length > 0) {
             i += length;
             continue;
         }
-        key += QString::fromUtf8(native.constData() + runStart, i - runStart);
+        flush();
         key += QLatin1String("\\x") +
                QString::number(bytes[i], 16).toUpper().rightJustified(2, QLatin1Char('0'));
-        ++i;
-        runStart = i;
+        runStart = ++i;
     }
-    key += QString::fromUtf8(native.constData() + runStart, size - runStart);
+    flush();
     return key;
 }
 

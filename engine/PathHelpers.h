@@ -24,8 +24,8 @@ bool IsValidFileObject(const ::FileObject &file);
 /** A native name or path for display: bytes that are not valid UTF-8 become U+FFFD. */
 QString DisplayFromNative(const QByteArray &native);
 /**
- * A native name or path in key form, not yet lower-cased: bytes that are not valid UTF-8 are
- * written as "\xFF" so that different names never share a key.
+ * A native name or path in key form: bytes that are not valid UTF-8 are written as "\xFF" and
+ * a backslash as "\\", so that different names never share a key.
  */
 QString KeyFromNative(const QByteArray &native);
 /** The native bytes for a path given as text (the inverse of DisplayFromNative for UTF-8). */

@@ -1,5 +1,7 @@
 #include "engine/ReadAhead.h"
 
+#include "engine/LongPath.h"
+
 #include <algorithm>
 #include <chrono>
 #include <fcntl.h>
@@ -22,8 +24,8 @@ ReadAhead::FolderFd *ReadAhead::acquireFolder(int side, const FolderRef &folder)
     if (m_lastFolder[side] != folder) {
         releaseFolder(m_lastFolderFd[side]);
         m_lastFolder[side] = folder;
-        m_lastFolderFd[side] = new FolderFd{
-            ::open(folder->nativePath().constData(), O_PATH | O_DIRECTORY | O_CLOEXEC), 1};
+        m_lastFolderFd[side] =
+            new FolderFd{LongPath::open(folder->nativePath(), O_PATH | O_DIRECTORY | O_CLOEXEC), 1};
     }
     ++m_lastFolderFd[side]->users;
     return m_lastFolderFd[side];

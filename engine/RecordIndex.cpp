@@ -17,8 +17,16 @@ bool RecordIndex::sameKey(const ComparisonFile &a, const ComparisonFile &b) {
     // A record without a folder has the empty key, whatever its name.
     if (!folderA || !folderB)
         return a.RelativeKey() == b.RelativeKey();
-    return folderA->sameRelativeKey(*folderB) &&
-           RecordKey::namesEqual(a.NativeName(), b.NativeName());
+    return a.NativeName() == b.NativeName() && folderA->sameRelativeKey(*folderB);
+}
+
+bool RecordIndex::sameKeyIgnoringCase(const ComparisonFile &a, const ComparisonFile &b) {
+    const FolderRef &folderA = a.Folder();
+    const FolderRef &folderB = b.Folder();
+    if (!folderA || !folderB)
+        return a.RelativeKey().toLower() == b.RelativeKey().toLower();
+    return RecordKey::namesEqualIgnoringCase(a.NativeName(), b.NativeName()) &&
+           folderA->sameRelativeKeyIgnoringCase(*folderB);
 }
 
 void RecordIndex::insert(quint32 hash, qsizetype position) {

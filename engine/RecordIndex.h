@@ -14,12 +14,17 @@
  */
 class RecordIndex {
 public:
-    /** RecordKey::hash() of \a record's RelativeKey(), found without building the key. */
+    /**
+     * RecordKey::hash() of \a record's RelativeKey(), found without building the key: equal
+     * for keys that differ only in letter case.
+     */
     static quint32 hashOf(const ComparisonFile &record);
     /** The same for a file \a name in \a folder, without a record. */
     static quint32 hashOf(const FolderNode &folder, const QByteArray &name);
     /** True when both records have the same RelativeKey(), found without building them. */
     static bool sameKey(const ComparisonFile &a, const ComparisonFile &b);
+    /** True when the two records' RelativeKey()s are equal but for letter case. */
+    static bool sameKeyIgnoringCase(const ComparisonFile &a, const ComparisonFile &b);
 
     /**
      * Position of the record with hash \a hash for which \a matches(position) is true, or -1.

@@ -6,9 +6,10 @@
 
 namespace {
 
-bool isAscii(const QByteArray &name) {
+/** True when every byte is ASCII and none needs an escape: the key is the bytes themselves. */
+bool isPlain(const QByteArray &name) {
     for (const char c : name) {
-        if (static_cast<unsigned char>(c) >= 0x80)
+        if (static_cast<unsigned char>(c) >= 0x80 || c == '\\')
             return false;
     }
     return true;
@@ -30,8 +31,12 @@ RecordKey::State RecordKey::feed(State state, QStringView text) {
     return state;
 }
 
+quint32 RecordKey::hash(QStringView key) {
+    return finish(feed(Seed, key.toString().toLower()));
+}
+
 RecordKey::State RecordKey::feedName(State state, const QByteArray &name) {
-    if (!isAscii(name))
+    if (!isPlain(name))
         return feed(state, nameKey(name));
     for (const char c : name)
         state = feed(state, asciiLower(static_cast<unsigned char>(c)));
@@ -39,18 +44,14 @@ RecordKey::State RecordKey::feedName(State state, const QByteArray &name) {
 }
 
 void RecordKey::appendName(QString &key, const QByteArray &name) {
-    if (!isAscii(name)) {
-        key += nameKey(name);
+    if (!isPlain(name)) {
+        key += KeyFromNative(name);
         return;
     }
-    const qsizetype start = key.size();
-    key.resize(start + name.size());
-    char16_t *out = reinterpret_cast<char16_t *>(key.data()) + start;
-    for (const char c : name)
-        *out++ = asciiLower(static_cast<unsigned char>(c));
+    key += QLatin1String(name.constData(), name.size());
 }
 
-bool RecordKey::namesEqual(const QByteArray &a, const QByteArray &b) {
+bool RecordKey::namesEqualIgnoringCase(const QByteArray &a, const QByteArray &b) {
     // The two names of a pair are nearly always spelt alike.
     if (a == b)
         return true;
@@ -58,9 +59,9 @@ bool RecordKey::namesEqual(const QByteArray &a, const QByteArray &b) {
     for (qsizetype i = 0; i < common; ++i) {
         const auto ca = static_cast<unsigned char>(a[i]);
         const auto cb = static_cast<unsigned char>(b[i]);
-        // Up to here both keys have one code unit per byte; past a byte that is not ASCII the
-        // Unicode key decides (a Kelvin sign lower-cases to an ASCII "k").
-        if ((ca | cb) >= 0x80)
+        // Up to here both keys have one code unit per byte; past a byte that is not ASCII (or
+        // an escaped backslash) the Unicode key decides (a Kelvin sign lower-cases to "k").
+        if ((ca | cb) >= 0x80 || ca == '\\' || cb == '\\')
             return nameKey(a) == nameKey(b);
         if (asciiLower(ca) != asciiLower(cb))
             return false;

@@ -4,11 +4,14 @@
 #include <QStringView>
 
 /**
- * Hashing and comparing records' keys (lower-cased paths below the root, see
- * ComparisonFile::RelativeKey) without building the key text. Most names are plain ASCII, whose
- * key is the name's bytes lower-cased one by one; only a name with other bytes goes through the
- * full Unicode key. The hash is defined over the key's UTF-16 code units, so a key given as text
- * and a key made of a folder's key and a native name hash alike.
+ * Records' keys are their paths below the root in key form (KeyFromNative: invalid bytes and
+ * backslashes escaped), letter case kept, so that two different names never share a key.
+ * Look-ups hash the folded key (lower case) instead, so that one index answers both an exact
+ * look-up and one without regard to case, for folders whose file system ignores case. This
+ * namespace hashes and compares keys without building the key text: most names are plain
+ * ASCII, handled byte by byte; only a name with other bytes goes through the full Unicode key.
+ * The hash is defined over the folded key's UTF-16 code units, so a key given as text and a
+ * key made of a folder's key and a native name hash alike.
  */
 namespace RecordKey {
 
@@ -20,11 +23,11 @@ inline constexpr State Seed = 0xcbf29ce484222325ull;
 inline State feed(State state, char16_t unit) {
     return (state ^ unit) * 0x100000001b3ull;
 }
-/** Feeds every code unit of \a text. */
+/** Feeds every code unit of \a text, which is already folded. */
 State feed(State state, QStringView text);
-/** Feeds the key form of the native name \a name (lower case, invalid bytes escaped). */
+/** Feeds the folded key form of the native name \a name. */
 State feedName(State state, const QByteArray &name);
-/** Appends the key form of the native name \a name to \a key. */
+/** Appends the key form of the native name \a name to \a key, letter case kept. */
 void appendName(QString &key, const QByteArray &name);
 
 /** The 32-bit hash of a fed key. */
@@ -33,12 +36,10 @@ inline quint32 finish(State state) {
     state *= 0xbf58476d1ce4e5b9ull;
     return quint32(state >> 32);
 }
-/** The hash of a whole key given as text (already lower case). */
-inline quint32 hash(QStringView key) {
-    return finish(feed(Seed, key));
-}
+/** The hash of a whole key given as text (folded here). */
+quint32 hash(QStringView key);
 
-/** True when the native names \a a and \a b have the same key (equal but for letter case). */
-bool namesEqual(const QByteArray &a, const QByteArray &b);
+/** True when the native names \a a and \a b have the same folded key (equal but for case). */
+bool namesEqualIgnoringCase(const QByteArray &a, const QByteArray &b);
 
 } // namespace RecordKey

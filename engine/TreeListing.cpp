@@ -5,8 +5,9 @@
 
 #include <chrono>
 
-TreeListing::TreeListing(FolderRef root)
+TreeListing::TreeListing(FolderRef root, CaseRule rule)
     : m_root(std::move(root))
+    , m_rule(rule)
     , m_thread([this] { run(); }) {}
 
 TreeListing::~TreeListing() {
@@ -22,25 +23,27 @@ void TreeListing::run() {
         }
         m_ready.notify_one();
     };
-    TreeWalker walker({
-        [this] { return m_stop.load(std::memory_order_relaxed); },
-        [this, &publish](const FolderRef &folder, std::vector<QByteArray> &names) {
-            Batch batch;
-            batch.folder = folder;
-            batch.hashes.reserve(names.size());
-            for (const QByteArray &name : names)
-                batch.hashes.push_back(RecordIndex::hashOf(*folder, name));
-            batch.names = std::move(names);
-            publish(std::move(batch));
-            return !m_stop.load(std::memory_order_relaxed);
+    TreeWalker walker(
+        {
+            [this] { return m_stop.load(std::memory_order_relaxed); },
+            [this, &publish](const FolderRef &folder, std::vector<QByteArray> &names) {
+                Batch batch;
+                batch.folder = folder;
+                batch.hashes.reserve(names.size());
+                for (const QByteArray &name : names)
+                    batch.hashes.push_back(RecordIndex::hashOf(*folder, name));
+                batch.names = std::move(names);
+                publish(std::move(batch));
+                return !m_stop.load(std::memory_order_relaxed);
+            },
+            [&publish](const FolderRef &folder, int error) {
+                Batch batch;
+                batch.folder = folder;
+                batch.error = error;
+                publish(std::move(batch));
+            },
         },
-        [&publish](const QByteArray &nativePath, int error) {
-            Batch batch;
-            batch.unreadablePath = nativePath;
-            batch.error = error;
-            publish(std::move(batch));
-        },
-    });
+        m_rule);
     walker.walk(m_root);
     {
         const std::lock_guard lock(m_mutex);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/CaseRule.h"
 #include "engine/FolderNode.h"
 
 #include <QByteArray>
@@ -26,13 +27,12 @@ public:
         std::vector<QByteArray> names;
         /** RecordIndex::hashOf() of each name in \a folder. */
         std::vector<quint32> hashes;
-        /** For a folder that could not be read: its path and the errno; else empty and 0. */
-        QByteArray unreadablePath;
+        /** For a folder that could not be read (then \a folder): the errno; else 0. */
         int error = 0;
     };
 
-    /** Starts listing the tree below \a root. */
-    explicit TreeListing(FolderRef root);
+    /** Starts listing the tree below \a root, telling letter case apart by \a rule. */
+    TreeListing(FolderRef root, CaseRule rule);
     /** Stops the listing and waits for its thread. */
     ~TreeListing();
 
@@ -40,6 +40,7 @@ public:
     TreeListing &operator=(const TreeListing &) = delete;
 
     const FolderRef &root() const { return m_root; }
+    CaseRule rule() const { return m_rule; }
 
     /**
      * Moves the next step into \a batch, waiting for it; false when the walk is over. While
@@ -51,6 +52,7 @@ private:
     void run();
 
     FolderRef m_root;
+    CaseRule m_rule;
     std::mutex m_mutex;
     std::condition_variable m_ready;
     std::deque<Batch> m_batches;

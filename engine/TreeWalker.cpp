@@ -1,5 +1,7 @@
 #include "engine/TreeWalker.h"
 
+#include "engine/LongPath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -7,60 +9,115 @@
 #include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace {
+
 constexpr std::size_t listingBufferSize = 64 * 1024;
+/** Listed names tried for a case-flipped spelling that is not itself listed. */
+constexpr int probeTries = 8;
+
+quint64 prefixOf(const char *name, std::size_t length) {
+    quint64 prefix = 0;
+    for (std::size_t i = 0; i < 8; ++i)
+        prefix = (prefix << 8) | (i < length ? static_cast<unsigned char>(name[i]) : 0u);
+    return prefix;
 }
 
-TreeWalker::TreeWalker(Callbacks callbacks)
+/** \a name with the case of every ASCII letter flipped; empty when it has no letter. */
+QByteArray caseFlipped(const QByteArray &name) {
+    QByteArray flipped = name;
+    bool changed = false;
+    for (char &c : flipped) {
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')) {
+            c ^= 0x20;
+            changed = true;
+        }
+    }
+    return changed ? flipped : QByteArray();
+}
+
+/**
+ * The file systems that resolve names without regard to case, for a root whose names give no
+ * letter to try: a hint only (FUSE reports its own type whatever it serves).
+ */
+bool fileSystemIgnoresCase(int fd) {
+    struct statfs info;
+    if (::fstatfs(fd, &info) != 0)
+        return false;
+    switch (static_cast<unsigned long>(info.f_type)) {
+    case 0x4d44:     // FAT
+    case 0x2011BAB0: // exFAT
+    case 0x5346544e: // NTFS
+    case 0xFF534D42: // CIFS
+    case 0xFE534D42: // SMB2
+    case 0x517B:     // SMB
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+TreeWalker::TreeWalker(Callbacks callbacks, CaseRule rule)
     : m_callbacks(std::move(callbacks))
+    , m_rule(rule)
     , m_buffer(listingBufferSize) {}
 
-bool TreeWalker::list(const QByteArray &nativePath, bool isRoot) {
+bool TreeWalker::list(const FolderRef &folder, bool isRoot) {
     m_names.clear();
     m_entries.clear();
+    if (m_rule != CaseRule::Automatic)
+        folder.get()->setIgnoresCase(m_rule == CaseRule::Insensitive);
     // The root may be given through a link; below it a link is a file and never entered.
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (isRoot ? 0 : O_NOFOLLOW);
-    const int fd = ::open(nativePath.constData(), flags);
+    const int fd = LongPath::open(folder->nativePath(), flags);
     if (fd < 0) {
         // A folder deleted during the walk is simply gone; anything else is worth telling.
         if (errno != ENOENT || isRoot)
-            m_callbacks.unreadable(nativePath, errno);
+            m_callbacks.unreadable(folder, errno);
         return false;
     }
+    int error = readEntries(fd);
+    if (error == 0 && !m_entries.empty()) {
+        sortEntries();
+        error = probe(fd, *folder.get(), isRoot);
+        if (error == 0)
+            resolveUnknownTypes(fd);
+    }
+    ::close(fd);
+    if (error != 0) {
+        m_entries.clear();
+        m_callbacks.unreadable(folder, error);
+        return false;
+    }
+    return true;
+}
+
+int TreeWalker::readEntries(int fd) {
     for (;;) {
         const ssize_t n = ::getdents64(fd, m_buffer.data(), m_buffer.size());
         if (n == 0)
-            break;
-        if (n < 0) {
-            const int error = errno;
-            ::close(fd);
-            m_callbacks.unreadable(nativePath, error);
-            return false;
-        }
+            return 0;
+        if (n < 0)
+            return errno;
         for (ssize_t offset = 0; offset < n;) {
             const auto *entry = reinterpret_cast<const dirent64 *>(m_buffer.data() + offset);
             offset += entry->d_reclen;
             const char *name = entry->d_name;
             if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
                 continue;
-            bool folder = entry->d_type == DT_DIR;
-            if (entry->d_type == DT_UNKNOWN) {
-                struct stat st;
-                if (::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
-                    continue;
-                folder = S_ISDIR(st.st_mode);
-            }
             const std::size_t length = std::strlen(name);
-            quint64 prefix = 0;
-            for (std::size_t i = 0; i < 8; ++i)
-                prefix = (prefix << 8) | (i < length ? static_cast<unsigned char>(name[i]) : 0u);
-            m_entries.push_back({prefix, quint32(m_names.size()), quint32(length), folder});
+            m_entries.push_back({prefixOf(name, length), quint32(m_names.size()), quint32(length),
+                                 entry->d_type == DT_DIR, entry->d_type == DT_UNKNOWN});
             m_names.insert(m_names.end(), name, name + length);
         }
     }
-    ::close(fd);
+}
+
+void TreeWalker::sortEntries() {
     // Byte order: names are compared as unsigned bytes, the shorter first on a common start.
     // Most names differ within their first eight bytes, which compare as one number (a name
     // holds no zero byte, so the padding orders a shorter name first).
@@ -74,16 +131,75 @@ bool TreeWalker::list(const QByteArray &nativePath, bool isRoot) {
         };
         return tail(a) < tail(b);
     });
-    return true;
+}
+
+QByteArray TreeWalker::entryName(const Entry &entry) const {
+    return QByteArray(m_names.data() + entry.offset, qsizetype(entry.length));
+}
+
+bool TreeWalker::listed(const QByteArray &name) const {
+    const quint64 prefix = prefixOf(name.constData(), std::size_t(name.size()));
+    const auto begin =
+        std::lower_bound(m_entries.begin(), m_entries.end(), prefix,
+                         [](const Entry &entry, quint64 value) { return entry.prefix < value; });
+    for (auto it = begin; it != m_entries.end() && it->prefix == prefix; ++it) {
+        if (entryName(*it) == name)
+            return true;
+    }
+    return false;
+}
+
+int TreeWalker::probe(int fd, FolderNode &folder, bool isRoot) const {
+    QByteArray spelling;
+    const int tries = std::min<int>(probeTries, int(m_entries.size()));
+    for (int i = 0; i < tries && spelling.isEmpty(); ++i) {
+        spelling = caseFlipped(entryName(m_entries[std::size_t(i)]));
+        // Twins that differ only in case: the flipped spelling names the other file.
+        if (!spelling.isEmpty() && listed(spelling))
+            spelling.clear();
+    }
+    const bool flipped = !spelling.isEmpty();
+    if (!flipped)
+        spelling = entryName(m_entries.front());
+    struct stat st;
+    const int error =
+        ::fstatat(fd, spelling.constData(), &st, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;
+    if (error == EACCES || error == EPERM)
+        return error;
+    if (m_rule != CaseRule::Automatic)
+        return 0;
+    // A spelling that is not listed but still found: the folder resolves names without
+    // regard to case. Without a letter to flip a folder keeps its parent's rule.
+    if (flipped && (error == 0 || error == ENOENT))
+        folder.setIgnoresCase(error == 0);
+    else if (isRoot)
+        folder.setIgnoresCase(fileSystemIgnoresCase(fd));
+    return 0;
+}
+
+void TreeWalker::resolveUnknownTypes(int fd) {
+    bool gone = false;
+    for (Entry &entry : m_entries) {
+        if (!entry.typeUnknown)
+            continue;
+        struct stat st;
+        if (::fstatat(fd, entryName(entry).constData(), &st, AT_SYMLINK_NOFOLLOW) == 0) {
+            entry.folder = S_ISDIR(st.st_mode);
+        } else if (errno == ENOENT) {
+            entry.length = 0;
+            gone = true;
+        }
+        // Any other error leaves it a file: the stat of its pair will tell what went wrong.
+    }
+    if (gone)
+        std::erase_if(m_entries, [](const Entry &entry) { return entry.length == 0; });
 }
 
 bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders) {
     subfolders.clear();
     m_files.clear();
-    for (const Entry &entry : m_entries) {
-        QByteArray name(m_names.data() + entry.offset, qsizetype(entry.length));
-        (entry.folder ? subfolders : m_files).push_back(std::move(name));
-    }
+    for (const Entry &entry : m_entries)
+        (entry.folder ? subfolders : m_files).push_back(entryName(entry));
     return m_files.empty() || m_callbacks.files(folder, m_files);
 }
 
@@ -96,7 +212,7 @@ void TreeWalker::walk(const FolderRef &root) {
     std::vector<Frame> stack;
 
     stack.push_back({root, {}, 0});
-    if (!list(root->nativePath(), true) || !visitFiles(root, stack.back().subfolders))
+    if (!list(root, true) || !visitFiles(root, stack.back().subfolders))
         return;
 
     while (!stack.empty()) {
@@ -110,7 +226,7 @@ void TreeWalker::walk(const FolderRef &root) {
             return;
         FolderRef child = FolderRef::makeChild(top.folder, top.subfolders[top.next++]);
         Frame frame{child, {}, 0};
-        if (!list(child->nativePath(), false))
+        if (!list(child, false))
             continue;
         if (!visitFiles(child, frame.subfolders))
             return;

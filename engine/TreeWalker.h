@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/CaseRule.h"
 #include "engine/FolderNode.h"
 
 #include <QByteArray>
@@ -11,7 +12,13 @@
  * Walks a folder tree depth first, each folder's files before its subfolders, every list in
  * name-byte order, without following symbolic links and without a stat per file (the entry
  * type comes from the directory listing; only entries of unknown type are asked). Holds one
- * open folder at a time, so depth is not limited by descriptors.
+ * open folder at a time, and opens a path past PATH_MAX a piece at a time, so depth is limited
+ * neither by descriptors nor by path length.
+ *
+ * Each folder with entries costs one more lookup: a case-flipped spelling of a listed name.
+ * It tells whether the folder can be entered at all (a folder that can be listed but not
+ * searched yields names whose files cannot be reached) and, under CaseRule::Automatic,
+ * whether its file system resolves names without regard to case (FolderNode::ignoresCase()).
  */
 class TreeWalker {
 public:
@@ -24,11 +31,14 @@ public:
          * Not called for a folder without files.
          */
         std::function<bool(const FolderRef &folder, std::vector<QByteArray> &names)> files;
-        /** A folder that could not be opened or listed, with the errno. */
-        std::function<void(const QByteArray &nativePath, int error)> unreadable;
+        /**
+         * A folder that could not be opened, listed or entered, with the errno; nothing
+         * below it is walked.
+         */
+        std::function<void(const FolderRef &folder, int error)> unreadable;
     };
 
-    explicit TreeWalker(Callbacks callbacks);
+    explicit TreeWalker(Callbacks callbacks, CaseRule rule = CaseRule::Automatic);
 
     /** Walks below \a root. */
     void walk(const FolderRef &root);
@@ -41,17 +51,33 @@ private:
         quint32 offset;
         quint32 length;
         bool folder;
+        /** The listing gave no type: the entry is asked with a stat. */
+        bool typeUnknown;
     };
 
     /**
      * Lists a folder into m_entries, sorted, or returns false (after reporting) when it
      * cannot be read.
      */
-    bool list(const QByteArray &nativePath, bool isRoot);
+    bool list(const FolderRef &folder, bool isRoot);
+    /** Reads the whole listing of \a fd into m_entries; an errno, or 0. */
+    int readEntries(int fd);
+    void sortEntries();
+    /**
+     * Looks up a case-flipped spelling of a listed name in \a fd: sets \a folder's case rule
+     * and returns 0, or the errno when the folder cannot be entered.
+     */
+    int probe(int fd, FolderNode &folder, bool isRoot) const;
+    /** Asks the entries whose type the listing did not give; drops those gone meanwhile. */
+    void resolveUnknownTypes(int fd);
+    /** True when the listing holds the name \a name. */
+    bool listed(const QByteArray &name) const;
+    QByteArray entryName(const Entry &entry) const;
     /** Reports the files of the listing; returns the subfolder names, or false when stopped. */
     bool visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders);
 
     Callbacks m_callbacks;
+    CaseRule m_rule;
     std::vector<char> m_buffer;
     /** The names of the folder being listed, one after another (no terminators). */
     std::vector<char> m_names;

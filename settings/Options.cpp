@@ -90,6 +90,17 @@ bool setIncludeSlack(bool value) {
     return writeBoolean(QStringLiteral("IncludeSlack"), value);
 }
 
+QString letterCase() {
+    const QString word = SettingsStore::text(section, QStringLiteral("LetterCase")).trimmed();
+    return word == QLatin1String("sensitive") || word == QLatin1String("insensitive")
+               ? word
+               : QStringLiteral("auto");
+}
+
+bool setLetterCase(const QString &word) {
+    return SettingsStore::write(section, QStringLiteral("LetterCase"), word);
+}
+
 bool linkListings() {
     return readBoolean(QStringLiteral("LinkListings"), true);
 }

@@ -46,6 +46,13 @@ bool setAlwaysOnTop(bool value);
 bool includeSlack();
 bool setIncludeSlack(bool value);
 
+/**
+ * How letter case counts when names are paired: "auto" (as each folder's file system does,
+ * the default), "sensitive" or "insensitive". Any other stored text reads as "auto".
+ */
+QString letterCase();
+bool setLetterCase(const QString &word);
+
 /** Whether the two listings scroll and select together. Default true. */
 bool linkListings();
 bool setLinkListings(bool value);

@@ -54,7 +54,8 @@ DiffPair DiffPaths(const ComparisonFile &file, int side, const ComparisonFileCol
                    const ComparisonFileCollection &destination) {
     const ComparisonFileCollection &other = side == 0 ? destination : source;
     QByteArray otherPath;
-    if (const ComparisonFilePtr counterpart = other.Counterpart(file))
+    if (const ComparisonFilePtr counterpart =
+            other.Counterpart(file, side == 0 ? source : destination))
         otherPath = counterpart->NativePath();
     else
         otherPath = belowRoot(file, other);

@@ -26,7 +26,7 @@ ListingSelection ListingSelection::Of(const ListView *listing,
         struct stat st {};
         const QByteArray path = file ? file->NativePath() : QByteArray();
         const QString parentKey =
-            KeyFromNative(path.left(std::max<qsizetype>(path.lastIndexOf('/'), 1))).toLower();
+            KeyFromNative(path.left(std::max<qsizetype>(path.lastIndexOf('/'), 1)));
         if (!file || ::lstat(path.constData(), &st) != 0 || (any && parentKey != folderKey)) {
             result.kind = ToolsMenu;
             result.files.clear();

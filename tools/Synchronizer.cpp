@@ -36,8 +36,9 @@ frmSynchronizer *reviewDialog(QWidget *owner) {
 
 } // namespace
 
-QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &to) {
-    if (const ComparisonFilePtr counterpart = to.Counterpart(file);
+QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &from,
+                      const ComparisonFileCollection &to) {
+    if (const ComparisonFilePtr counterpart = to.Counterpart(file, from);
         counterpart && counterpart->HasFileObject())
         return counterpart->NativePath();
     QByteArray root = to.RootFolderNative();
@@ -97,7 +98,7 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
         const ComparisonFilePtr file = RowRecord(item, from);
         if (!file || !file->HasFileObject() || !IsValidFileObject(file->FileObject()))
             continue; // the file does not exist on the from side
-        const QByteArray target = SyncTarget(*file, to);
+        const QByteArray target = SyncTarget(*file, from, to);
         if (target.isEmpty())
             continue;
         ListItem row = AddToSynchronizer(file, form->lvwFiles, form->ImageList1);

@@ -34,11 +34,12 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
                       const ComparisonFileCollection &from, const ComparisonFileCollection &to);
 
 /**
- * Where \a file goes in the tree of \a to: the real path of its counterpart when the pair
- * exists there (a pair matched despite letter case is replaced, not doubled), else its path
- * below \a to's root. Empty when \a to has no root.
+ * Where \a file of \a from goes in the tree of \a to: the real path of its counterpart when
+ * the pair exists there (a pair matched despite letter case is replaced, not doubled), else
+ * its path below \a to's root. Empty when \a to has no root.
  */
-QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &to);
+QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &from,
+                      const ComparisonFileCollection &to);
 
 /** The review dialog's status text: two blanks, the count with grouping, " files to copy.". */
 QString SyncCountText(int count);

@@ -7,6 +7,8 @@
 #include "views/ListSorting.h"
 #include "views/ListView.h"
 
+#include <QHash>
+
 namespace {
 
 // Short enough that the follower looks as if it moved with the leader.
@@ -99,10 +101,20 @@ const std::vector<int> &LinkedListings::counterparts(int fromSide) {
         cache.fromRoot == fromRoot && cache.toRoot == toRoot)
         return cache.rows;
     cache.rows.assign(size_t(from->rowTotal()), -1);
+    // A row without a row of its own key on the other side belongs to a pair matched despite
+    // letter case, where a folder ignores it: such pairs are found by their lower-case keys.
+    QHash<QString, int> byLowerKey;
     for (int i = 0; i < from->rowTotal(); ++i) {
-        const QString key = TranslatePath(from->row(i)->key, fromRoot, toRoot, true);
-        if (const ListRow *row = to->rowByKey(key))
+        const QString key = TranslatePath(from->row(i)->key, fromRoot, toRoot, false);
+        if (const ListRow *row = to->rowByKey(key)) {
             cache.rows[size_t(i)] = row->index;
+            continue;
+        }
+        if (byLowerKey.isEmpty()) {
+            for (int j = 0; j < to->rowTotal(); ++j)
+                byLowerKey.insert(to->row(j)->key.toLower(), to->row(j)->index);
+        }
+        cache.rows[size_t(i)] = byLowerKey.value(key.toLower(), -1);
     }
     cache.fromRoot = fromRoot;
     cache.toRoot = toRoot;

@@ -3,11 +3,11 @@
 #include "views/ListView.h"
 
 ListItem GetOrAddListItem(ListView *list, const QString &key, const QString &text) {
-    return list->ItemByKeyOrAdd(key.toLower(), text);
+    return list->ItemByKeyOrAdd(key, text);
 }
 
 ListItem GetListItemByKey(const ListView *list, const QString &key) {
-    return list->ItemByKey(key.toLower());
+    return list->ItemByKey(key);
 }
 
 ColumnHeader *GetColumnByKey(const ListView *list, const QString &key) {

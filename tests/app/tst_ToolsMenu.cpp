@@ -276,7 +276,7 @@ void tst_ToolsMenu::copyToDestinationEndToEnd() {
     pair.compare();
     QStringList rows = pair.rows(0);
     rows.sort();
-    QCOMPARE(rows, (QStringList{"only dest.txt", "other/b.txt"}));
+    QCOMPARE(rows, (QStringList{"Only Dest.txt", "other/b.txt"}));
 }
 
 void tst_ToolsMenu::examineDifferencesFromAPlaceholder() {

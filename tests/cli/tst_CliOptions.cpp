@@ -95,6 +95,8 @@ void tst_CliOptions::refusesBadArguments_data() {
     QTest::newRow("chunk size not a number")
         << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
     QTest::newRow("unknown format") << QByteArray("--format xml a b") << "unknown --format 'xml'";
+    QTest::newRow("unknown case rule")
+        << QByteArray("--case=lower a b") << "unknown --case 'lower'";
 }
 
 void tst_CliOptions::refusesBadArguments() {

@@ -44,8 +44,6 @@ private Q_SLOTS:
     void cancelDuringWalk();
     void rescanRestartsWithoutDuplicates_data() { walkKinds(); }
     void rescanRestartsWithoutDuplicates();
-    void caseDuplicatesRecorded_data() { walkKinds(); }
-    void caseDuplicatesRecorded();
     void listingOfAnotherFolderIsNotTaken();
     void linksAndFifosAreFiles();
     void nonUtf8Names();
@@ -143,24 +141,6 @@ void tst_ComparisonFileCollection::rescanRestartsWithoutDuplicates() {
     QCOMPARE(files.Item(5)->Name(), QStringLiteral("e-new"));
 }
 
-void tst_ComparisonFileCollection::caseDuplicatesRecorded() {
-    QFETCH(bool, prepared);
-    TestTree tree;
-    QVERIFY(tree.write(QStringLiteral("Read.me"), "1"));
-    QVERIFY(tree.write(QStringLiteral("READ.ME"), "2"));
-    QVERIFY(tree.write(QStringLiteral("other"), "3"));
-    ComparisonFileCollection files;
-    walk(files, tree.root(), prepared);
-    QCOMPARE(files.Count(), 2);
-    // Name-byte order: the upper-case name comes first and is kept.
-    QCOMPARE(files.Item(1)->Name(), QStringLiteral("READ.ME"));
-    QCOMPARE(files.Problems().size(), 1);
-    const CollectionProblem &problem = files.Problems().first();
-    QCOMPARE(problem.kind, CollectionProblem::Kind::CaseDuplicate);
-    QCOMPARE(problem.nativePath, tree.nativePath("Read.me"));
-    QVERIFY(problem.reason.contains(QLatin1String("READ.ME")));
-}
-
 void tst_ComparisonFileCollection::linksAndFifosAreFiles() {
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral("sub/f"), "x"));
@@ -210,7 +190,8 @@ void tst_ComparisonFileCollection::itemLookups() {
     const ComparisonFilePtr record = files.Item(1);
     QVERIFY(record);
     QCOMPARE(record->Path(), tree.root() + QStringLiteral("/Sub/File.TXT"));
-    QCOMPARE(files.Item(record->Path().toUpper()), record);
+    // Keys keep letter case: on Linux the upper-case path names another file.
+    QVERIFY(files.Item(record->Path().toUpper()) == nullptr);
     QCOMPARE(files.Item(record->Key()), record);
     QVERIFY(files.Item(tree.root() + QStringLiteral("/Sub/other")) == nullptr);
     QVERIFY(files.Item(QStringLiteral("/elsewhere/Sub/File.TXT")) == nullptr);
@@ -245,14 +226,14 @@ void tst_ComparisonFileCollection::placeholders() {
     QCOMPARE(placeholder->DifferenceCode(), 3);
     QCOMPARE(destinationFiles.Count(), 2);
     QCOMPARE(added.count(), 0);
-    QCOMPARE(destinationFiles.Counterpart(*counterpart), placeholder);
+    QCOMPARE(destinationFiles.Counterpart(*counterpart, sourceFiles), placeholder);
     // A second placeholder for the same key is refused.
     QVERIFY(!destinationFiles.AddMissingFile(counterpart->FileObject(), source.root(), 3));
 
     destinationFiles.RemoveMissingFiles();
     QCOMPARE(destinationFiles.Count(), 1);
     QCOMPARE(destinationFiles.Item(1)->Name(), QStringLiteral("kept"));
-    QVERIFY(!destinationFiles.Counterpart(*counterpart));
+    QVERIFY(!destinationFiles.Counterpart(*counterpart, sourceFiles));
 }
 
 void tst_ComparisonFileCollection::listingOfAnotherFolderIsNotTaken() {

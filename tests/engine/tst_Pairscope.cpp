@@ -174,11 +174,13 @@ void tst_Pairscope::pairingAndEvents() {
     QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
     QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
     QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
+    f.sourceFiles.setCaseRule(CaseRule::Insensitive);
+    f.destinationFiles.setCaseRule(CaseRule::Insensitive);
     f.walk();
     const QStringList expected = {
         QStringLiteral("progress 1 -1 -1"),
         QStringLiteral("progress 1 -1 3"),
-        // A name that differs only in letter case is the same file.
+        // Where case is ignored, a name that differs only in letter case is the same file.
         QStringLiteral("pair Same.txt same.TXT 3 1"),
         QStringLiteral("progress 1 1 3"),
         QStringLiteral("pair sub/only-source sub/only-source 2 3"),
@@ -294,7 +296,7 @@ void tst_Pairscope::workersMatchSequentialRun() {
             meddled = true;
             for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
                 const ComparisonFilePtr record = f.sourceFiles.Item(i);
-                if (!f.destinationFiles.Counterpart(*record))
+                if (!f.destinationFiles.Counterpart(*record, f.sourceFiles))
                     f.destinationFiles.AddMissingFile(record->FileObject(),
                                                       f.sourceFiles.RootFolder(), 3);
             }

@@ -32,7 +32,7 @@ void tst_TreeWalker::nameByteOrder() {
                 walked << folder->relativeNativePath() + '/' + name;
             return true;
         },
-        [](const QByteArray &, int) { QFAIL("a folder could not be read"); },
+        [](const FolderRef &, int) { QFAIL("a folder could not be read"); },
     });
     const QByteArray root = tree.nativePath("").chopped(1);
     walker.walk(FolderRef::make(root, root.size(), tree.root()));

@@ -50,7 +50,7 @@ struct ComparedWindow {
 
     /** The row of the file at \a relative below the root of \a side. */
     ListItem item(int side, const QString &relative) const {
-        return list(side)->ItemByKey((roots[side] + QLatin1Char('/') + relative).toLower());
+        return list(side)->ItemByKey(roots[side] + QLatin1Char('/') + relative);
     }
 
     /** Selects exactly the rows of \a relatives in list \a side. */

@@ -97,16 +97,20 @@ void tst_Synchronizer::targetIsTheCounterpartOrBelowTheOtherRoot() {
     QVERIFY(s.tree.write(QStringLiteral("src/Sub/Report.TXT"), "new"));
     QVERIFY(s.tree.write(QStringLiteral("src/Sub/only here.txt"), "only"));
     QVERIFY(s.tree.write(QStringLiteral("dst/sub/report.txt"), "old"));
+    s.source.setCaseRule(CaseRule::Insensitive);
+    s.destination.setCaseRule(CaseRule::Insensitive);
     s.walk();
     const ComparisonFilePtr paired =
-        s.source.Item(s.tree.path(QStringLiteral("src/sub/report.txt")));
+        s.source.Item(s.tree.path(QStringLiteral("src/Sub/Report.TXT")));
     const ComparisonFilePtr alone =
-        s.source.Item(s.tree.path(QStringLiteral("src/sub/only here.txt")));
+        s.source.Item(s.tree.path(QStringLiteral("src/Sub/only here.txt")));
     QVERIFY(paired && alone);
-    // The pair was matched despite letter case: the existing file is the target, not a twin.
-    QCOMPARE(SyncTarget(*paired, s.destination), s.tree.nativePath("dst/sub/report.txt"));
-    QCOMPARE(SyncTarget(*alone, s.destination), s.tree.nativePath("dst/Sub/only here.txt"));
-    QVERIFY(SyncTarget(*alone, ComparisonFileCollection()).isEmpty());
+    // The pair was matched despite letter case, as a FAT destination would: the existing file
+    // is the target, not a twin.
+    QCOMPARE(SyncTarget(*paired, s.source, s.destination), s.tree.nativePath("dst/sub/report.txt"));
+    QCOMPARE(SyncTarget(*alone, s.source, s.destination),
+             s.tree.nativePath("dst/Sub/only here.txt"));
+    QVERIFY(SyncTarget(*alone, s.source, ComparisonFileCollection()).isEmpty());
 }
 
 void tst_Synchronizer::rootIsReplacedOnceAtTheStart() {
@@ -119,7 +123,7 @@ void tst_Synchronizer::rootIsReplacedOnceAtTheStart() {
                            .replace(QStringLiteral("/data"), QStringLiteral("/Data")));
     to.setRootFolder(tree.path(QStringLiteral("Backup")));
     QCOMPARE(from.Count(), 1);
-    QCOMPARE(SyncTarget(**from.begin(), to), tree.nativePath("Backup/x/data/y.txt"));
+    QCOMPARE(SyncTarget(**from.begin(), from, to), tree.nativePath("Backup/x/data/y.txt"));
 }
 
 void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
@@ -144,7 +148,7 @@ void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
         icons.insert(row.Text(), row.SmallIcon());
     }
     const ListItem a = review.Item(1);
-    QCOMPARE(a.Key(), s.tree.path(QStringLiteral("src/one/a.txt")).toLower());
+    QCOMPARE(a.Key(), s.tree.path(QStringLiteral("src/one/a.txt")));
     QCOMPARE(a.Text(), QStringLiteral("a.txt"));
     QCOMPARE(a.SubItems(1), s.tree.path(QStringLiteral("src/one")));
     QVERIFY(!AddToSynchronizer(a.Record(), &review, &images)); // the key is listed
@@ -161,7 +165,7 @@ void tst_Synchronizer::nothingQualifyingSaysNoFilesToCopy() {
     QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
     QVERIFY(s.tree.write(QStringLiteral("dst/a.txt"), "a"));
     s.walk();
-    const QString missingKey = s.tree.path(QStringLiteral("src/gone.txt")).toLower();
+    const QString missingKey = s.tree.path(QStringLiteral("src/gone.txt"));
     s.list(s.source, {missingKey});
     s.select({QStringLiteral("gone.txt")});
 

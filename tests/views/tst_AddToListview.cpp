@@ -44,7 +44,7 @@ void tst_AddToListview::initTestCase() {
 }
 
 ComparisonFilePtr tst_AddToListview::record(const QString &relative) const {
-    return m_files.Item(m_tree.path(relative).toLower());
+    return m_files.Item(m_tree.path(relative));
 }
 
 void tst_AddToListview::rowFromRecord_data() {
@@ -64,7 +64,7 @@ void tst_AddToListview::rowFromRecord() {
     const ComparisonFilePtr file = record(QStringLiteral("sub/other.txt"));
     file->setDifferenceCode(4);
     const ListItem item = AddToListview(file, &list, nullptr, fullPath);
-    QCOMPARE(item.Key(), m_tree.path(QStringLiteral("sub/other.txt")).toLower());
+    QCOMPARE(item.Key(), m_tree.path(QStringLiteral("sub/other.txt")));
     QCOMPARE(item.Text(), QStringLiteral("other.txt"));
     QCOMPARE(item.Tag().toInt(), 4);
     QCOMPARE(item.Record(), file);
