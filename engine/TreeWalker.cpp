@@ -1,5 +1,7 @@
 #include "engine/TreeWalker.h"
 
+#include "engine/TemporaryCopyName.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -44,6 +46,8 @@ bool TreeWalker::list(const QByteArray &nativePath, bool isRoot) {
             offset += entry->d_reclen;
             const char *name = entry->d_name;
             if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
+                continue;
+            if (TemporaryCopyName::isTemporaryCopyName(name))
                 continue;
             bool folder = entry->d_type == DT_DIR;
             if (entry->d_type == DT_UNKNOWN) {

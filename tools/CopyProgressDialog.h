@@ -7,9 +7,10 @@
 #include <QProgressDialog>
 
 /**
- * The one progress window of a copy: bytes and files of the whole job, the file being copied,
- * and Cancel. It asks the job's questions ("Replace?", "Replace for good?") in message boxes
- * over itself, and shows a summary of the errors at the end.
+ * The one progress window of a copy: bytes and files of the whole job, the file being copied
+ * (long names shortened in the middle), and Cancel. It asks the job's questions ("Replace?",
+ * "Replace for good?") in message boxes that are its children, so they are always above it
+ * and have the keyboard, and shows a summary of the errors and notes at the end.
  */
 class CopyProgressDialog : public QProgressDialog, public CopyObserver {
     Q_OBJECT
@@ -32,11 +33,14 @@ public:
 
     ReplaceAnswer askReplace(const CopyItem &item) override;
     ReplaceAnswer askReplaceWithoutTrash(const CopyItem &item, const QString &reason) override;
+    ReplaceAnswer askReplaceAllWithoutTrash(const QList<CopyItem> &items,
+                                            const QStringList &reasons) override;
     bool progress(const CopyProgress &progress) override;
 
 private:
     void showProgress(const CopyProgress &progress);
     ReplaceAnswer ask(QMessageBox::Icon icon, const QString &text,
+                      QMessageBox::StandardButtons buttons,
                       QMessageBox::StandardButton defaultButton);
 
     const CopyJob *m_job = nullptr;

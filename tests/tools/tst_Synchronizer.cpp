@@ -208,9 +208,8 @@ void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
         const QByteArray n(name);
         ListItem row = form.lvwFiles->AddItem(QString::fromLatin1(n), QString::fromLatin1(n));
         row.setTag(SyncOperationCode);
-        row.setRecord(std::make_shared<ComparisonFile>(
-            FileObject::fromNativePath(tree.nativePath("src/" + n))));
-        form.SetTarget(row, tree.nativePath("dst/" + n));
+        form.SetCopyItem(row, {tree.nativePath("src/" + n), tree.nativePath("dst/" + n),
+                               tree.nativePath("src"), tree.nativePath("dst")});
     }
     form.lvwFiles->Item(2).setTag(0); // a row with another code is left out
     auto order = [&] {
@@ -232,7 +231,8 @@ void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
 }
 
 void tst_Synchronizer::summaryNamesEveryFileNotCopied() {
-    CopyJob job({{"/s/a", "/t/a"}, {"/s/b", "/t/b"}, {"/s/c", "/t/c"}});
+    CopyJob job(
+        {{"/s/a", "/t/a", "/s", "/t"}, {"/s/b", "/t/b", "/s", "/t"}, {"/s/c", "/t/c", "/s", "/t"}});
     QString details;
     QCOMPARE(CopyProgressDialog::SummaryText(
                  job, std::vector<CopyOutcome>(3, {CopyOutcome::Copied, {}}), &details),
