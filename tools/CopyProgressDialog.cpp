@@ -44,8 +44,9 @@ constexpr int NameWidth = 420;
 
 } // namespace
 
-CopyProgressDialog::CopyProgressDialog(QWidget *parent)
-    : QProgressDialog(parent) {
+CopyProgressDialog::CopyProgressDialog(const CopyJob &job, QWidget *parent)
+    : QProgressDialog(parent)
+    , m_job(job) {
     setWindowTitle(QStringLiteral("Pairscope"));
     setWindowModality(Qt::WindowModal);
     setAutoClose(false);
@@ -58,8 +59,7 @@ CopyProgressDialog::CopyProgressDialog(QWidget *parent)
 }
 
 std::vector<CopyOutcome> CopyProgressDialog::RunCopyJob(QWidget *parent, CopyJob &job) {
-    CopyProgressDialog dialog(parent);
-    dialog.m_job = &job;
+    CopyProgressDialog dialog(job, parent);
     dialog.m_sinceEvents.start();
     dialog.m_sincePaint.start();
     dialog.setValue(0);
@@ -183,8 +183,8 @@ void CopyProgressDialog::showProgress(const CopyProgress &progress) {
     else if (progress.filesTotal > 0)
         value = progress.filesDone * 1000 / progress.filesTotal;
     QString text;
-    if (m_job && progress.current >= 0 && progress.current < int(m_job->items().size())) {
-        const CopyItem &item = m_job->items()[size_t(progress.current)];
+    if (progress.current >= 0 && progress.current < int(m_job.items().size())) {
+        const CopyItem &item = m_job.items()[size_t(progress.current)];
         const QFontMetrics metrics(font());
         text = QStringLiteral("Copying “%1”\nto “%2”\n\n")
                    .arg(metrics.elidedText(shownName(item.source), Qt::ElideMiddle, NameWidth),

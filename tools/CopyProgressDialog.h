@@ -16,7 +16,8 @@ class CopyProgressDialog : public QProgressDialog, public CopyObserver {
     Q_OBJECT
 
 public:
-    explicit CopyProgressDialog(QWidget *parent = nullptr);
+    /** A progress window for \a job, which must outlive it. */
+    explicit CopyProgressDialog(const CopyJob &job, QWidget *parent = nullptr);
 
     /**
      * Runs \a job under a progress window owned by \a parent, then shows the summary when
@@ -43,7 +44,7 @@ private:
                       QMessageBox::StandardButtons buttons,
                       QMessageBox::StandardButton defaultButton);
 
-    const CopyJob *m_job = nullptr;
+    const CopyJob &m_job;
     QElapsedTimer m_sinceEvents;
     QElapsedTimer m_sincePaint;
     int m_shownItem = -2;
