@@ -174,14 +174,26 @@ QByteArray FolderBeneathRoot::storedSpelling(int parent, const QByteArray &name,
             ::close(listing);
         return name;
     }
+    // The same inode; where a file system numbers its listing otherwise (FUSE), the one name
+    // that differs only in letter case.
     QByteArray stored = name;
+    QByteArray alike;
+    int alikeCount = 0;
     while (const dirent *entry = ::readdir(folder)) {
-        if (entry->d_ino == st.st_ino && qstrcmp(entry->d_name, ".") != 0 &&
-            qstrcmp(entry->d_name, "..") != 0) {
+        if (qstrcmp(entry->d_name, ".") == 0 || qstrcmp(entry->d_name, "..") == 0)
+            continue;
+        if (entry->d_ino == st.st_ino) {
             stored = entry->d_name;
+            alikeCount = 0;
             break;
         }
+        if (qstricmp(entry->d_name, name.constData()) == 0) {
+            alike = entry->d_name;
+            ++alikeCount;
+        }
     }
+    if (alikeCount == 1)
+        stored = alike;
     ::closedir(folder);
     return stored;
 }
