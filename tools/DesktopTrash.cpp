@@ -102,8 +102,9 @@ bool moveToTrashAs(int folderFd, const QByteArray &name, const QByteArray &origi
                                O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     bool ok = false;
     if (infoFd >= 0 && filesFd >= 0) {
-        // The info first, as the specification asks: a crash between the two steps leaves an
-        // info without a file, which the desktop ignores, never a file without its origin.
+        // The info first, as the freedesktop.org trash rules ask: a crash between the two steps
+        // leaves an info without a file, which the desktop ignores, never a file without its
+        // origin.
         const QByteArray original =
             canonical == "/" ? "/" + originalName : canonical + '/' + originalName;
         const QByteArray stored =

@@ -41,14 +41,16 @@ QByteArray flippedCase(const QByteArray &name) {
     return changed ? flipped : QByteArray();
 }
 
-/** True when \a parent finds \a child (found there as \a name) under another letter case. */
-bool ignoresCase(int parent, const QByteArray &name, int child) {
+/**
+ * True when \a parent may find \a name under another letter case: a case-flipped spelling
+ * resolves too. The listing then tells which name is stored (FUSE numbers each look-up on its
+ * own, so the inodes alone cannot say).
+ */
+bool mayIgnoreCase(int parent, const QByteArray &name) {
     const QByteArray flipped = flippedCase(name);
-    struct stat asked {};
     struct stat other {};
-    return !flipped.isEmpty() && ::fstat(child, &asked) == 0 &&
-           ::fstatat(parent, flipped.constData(), &other, AT_SYMLINK_NOFOLLOW) == 0 &&
-           other.st_dev == asked.st_dev && other.st_ino == asked.st_ino;
+    return !flipped.isEmpty() &&
+           ::fstatat(parent, flipped.constData(), &other, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 } // namespace
@@ -153,7 +155,7 @@ bool FolderBeneathRoot::walk(const QByteArray &root, const QByteArray &relative,
                                              .arg(shown(path), qt_error_string(error)));
         }
         if (mode == Mode::Look)
-            spelled.append(ignoresCase(fd, name, child) ? storedSpelling(fd, name, child) : name);
+            spelled.append(mayIgnoreCase(fd, name) ? storedSpelling(fd, name, child) : name);
         ::close(fd);
         fd = child;
     }
@@ -174,26 +176,24 @@ QByteArray FolderBeneathRoot::storedSpelling(int parent, const QByteArray &name,
             ::close(listing);
         return name;
     }
-    // The same inode; where a file system numbers its listing otherwise (FUSE), the one name
-    // that differs only in letter case.
-    QByteArray stored = name;
+    // The name itself when it is stored; else the same inode; else, where a file system
+    // numbers its listing otherwise (FUSE), the one name that differs only in letter case.
+    QByteArray byInode;
     QByteArray alike;
     int alikeCount = 0;
     while (const dirent *entry = ::readdir(folder)) {
-        if (qstrcmp(entry->d_name, ".") == 0 || qstrcmp(entry->d_name, "..") == 0)
-            continue;
-        if (entry->d_ino == st.st_ino) {
-            stored = entry->d_name;
-            alikeCount = 0;
-            break;
+        if (qstrcmp(entry->d_name, name.constData()) == 0) {
+            ::closedir(folder);
+            return name;
         }
+        if (entry->d_ino == st.st_ino)
+            byInode = entry->d_name;
         if (qstricmp(entry->d_name, name.constData()) == 0) {
             alike = entry->d_name;
             ++alikeCount;
         }
     }
-    if (alikeCount == 1)
-        stored = alike;
+    const QByteArray stored = !byInode.isEmpty() ? byInode : alikeCount == 1 ? alike : name;
     ::closedir(folder);
     return stored;
 }

@@ -1,4 +1,5 @@
 #include "engine/ComparisonFileCollection.h"
+#include "support/ChildRun.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -11,9 +12,13 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QScopeGuard>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTest>
 
@@ -74,6 +79,7 @@ private Q_SLOTS:
     void questionIsAboveTheProgressWindow_data();
     void questionIsAboveTheProgressWindow();
     void progressWindowKeepsItsWidth();
+    void copiesToFatOverFuse();
 
 private:
     TestProfile m_profile;
@@ -383,6 +389,61 @@ void tst_Synchronizer::progressWindowKeepsItsWidth() {
     const auto *cancel = progress.findChild<QPushButton *>();
     QVERIFY(cancel);
     QVERIFY(progress.rect().contains(cancel->geometry()));
+}
+
+void tst_Synchronizer::copiesToFatOverFuse() {
+    // A FAT stick as a desktop mounts it without privileges: names without regard to case,
+    // no permissions, no truncation, no unnamed temporary files.
+    if (!ChildRun::isChild()) {
+        ChildRun::run({QStringLiteral("unshare"), QStringLiteral("-m")}, "copiesToFatOverFuse");
+        return;
+    }
+    if (QStandardPaths::findExecutable(QStringLiteral("fusefat")).isEmpty() ||
+        QStandardPaths::findExecutable(QStringLiteral("mkfs.vfat")).isEmpty())
+        QSKIP("this needs fusefat and mkfs.vfat (Debian packages fusefat, dosfstools)");
+    Sides s;
+    const QString image = s.tree.path(QStringLiteral("fat.img"));
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst")));
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024));
+    file.close();
+    QCOMPARE(QProcess::execute(QStringLiteral("mkfs.vfat"), {image}), 0);
+    const QString mountPoint = s.tree.path(QStringLiteral("dst"));
+    if (QProcess::execute(QStringLiteral("fusefat"),
+                          {QStringLiteral("-o"), QStringLiteral("rw+"), image, mountPoint}) != 0)
+        QSKIP("FUSE is refused here");
+    auto unmount = qScopeGuard([&] {
+        QProcess::execute(QStringLiteral("fusermount"), {QStringLiteral("-u"), mountPoint});
+    });
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst/docs")));
+    QVERIFY(s.tree.write(QStringLiteral("src/Docs/x.txt"), "copied"));
+    QCOMPARE(::chmod(s.tree.nativePath("src/Docs/x.txt").constData(), 0640), 0);
+    s.walk();
+    s.list(s.source);
+    s.select({QStringLiteral("x.txt")});
+
+    QString destination;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSynchronizer *>(modal);
+        if (!form)
+            return false;
+        destination = form->lvwFiles->Item(1).SubItems(3);
+        form->cmdOK->click();
+        return true;
+    });
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    // The existing folder, as the stick spells it, is where the file goes.
+    QCOMPARE(destination, s.tree.path(QStringLiteral("dst/docs/x.txt")));
+    QCOMPARE(s.read(QStringLiteral("dst/docs/x.txt")), QByteArray("copied"));
+    QCOMPARE(QDir(s.tree.path(QStringLiteral("dst")))
+                 .entryList(QDir::Dirs | QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot)
+                 .filter(QStringLiteral("docs"), Qt::CaseInsensitive),
+             QStringList{QStringLiteral("docs")});
+    QCOMPARE(QDir(s.tree.path(QStringLiteral("dst/docs"))).entryList(QDir::Files | QDir::Hidden),
+             QStringList{QStringLiteral("x.txt")});
+    QCOMPARE(watcher.texts().size(), 1); // the note: the stick keeps no permissions
+    QVERIFY2(watcher.texts().first().contains(QLatin1String("with notes")),
+             qPrintable(watcher.texts().first()));
 }
 
 QTEST_MAIN(tst_Synchronizer)
