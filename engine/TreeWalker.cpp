@@ -1,6 +1,7 @@
 #include "engine/TreeWalker.h"
 
 #include "engine/LongPath.h"
+#include "engine/TemporaryCopyName.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -108,6 +109,8 @@ int TreeWalker::readEntries(int fd) {
             offset += entry->d_reclen;
             const char *name = entry->d_name;
             if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
+                continue;
+            if (TemporaryCopyName::isTemporaryCopyName(name))
                 continue;
             const std::size_t length = std::strlen(name);
             m_entries.push_back({prefixOf(name, length), quint32(m_names.size()), quint32(length),

@@ -3,6 +3,8 @@
 #include "tools/DesktopTrash.h"
 #include "tools/SafeFileCopy.h"
 
+#include <QHash>
+
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -16,9 +18,15 @@ qint64 countedSize(const QByteArray &path) {
     return S_ISREG(st.st_mode) || S_ISLNK(st.st_mode) ? qint64(st.st_size) : 0;
 }
 
-bool exists(const QByteArray &path) {
+/** True when a file (not a folder) is at \a path now. */
+bool fileAt(const QByteArray &path) {
     struct stat st {};
-    return ::lstat(path.constData(), &st) == 0 || errno != ENOENT;
+    return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
+}
+
+QByteArray folderOf(const QByteArray &path) {
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash > 0 ? path.left(slash) : QByteArray("/");
 }
 
 } // namespace
@@ -41,6 +49,7 @@ std::vector<CopyOutcome> CopyJob::run(CopyObserver &observer) {
     m_progress.filesTotal = int(m_items.size());
 
     qint64 bytesBefore = 0;
+    m_cancelled = !askAboutUntrashable(observer);
     for (int i = 0; i < int(m_items.size()) && !m_cancelled; ++i) {
         m_progress.current = i;
         if (!observer.progress(m_progress)) {
@@ -65,15 +74,47 @@ std::vector<CopyOutcome> CopyJob::run(CopyObserver &observer) {
     return outcomes;
 }
 
+bool CopyJob::askAboutUntrashable(CopyObserver &observer) {
+    // One question before the first file, instead of two per file while copying.
+    m_untrashable.assign(m_items.size(), false);
+    QList<CopyItem> items;
+    QStringList reasons;
+    QHash<QByteArray, QString> refusals; // per folder: one look at the trash each
+    for (size_t i = 0; i < m_items.size(); ++i) {
+        if (!fileAt(m_items[i].target))
+            continue;
+        const QByteArray folder = folderOf(m_items[i].target);
+        if (!refusals.contains(folder)) {
+            QString reason;
+            refusals.insert(folder, DesktopTrash::canTrash(folder, &reason) ? QString() : reason);
+        }
+        if (refusals.value(folder).isEmpty())
+            continue;
+        m_untrashable[i] = true;
+        items.append(m_items[i]);
+        reasons.append(refusals.value(folder));
+    }
+    m_untrashableAnswer =
+        items.isEmpty() ? ReplaceAnswer::No : observer.askReplaceAllWithoutTrash(items, reasons);
+    return m_untrashableAnswer != ReplaceAnswer::Cancel;
+}
+
 bool CopyJob::copyOne(int index, CopyObserver &observer, CopyOutcome &outcome) {
     const CopyItem &item = m_items[size_t(index)];
-    SafeFileCopy copy(item.source, item.target);
+    SafeFileCopy copy(item);
     if (!copy.prepare()) {
         outcome = {CopyOutcome::Failed, copy.errorString()};
         return true;
     }
-    // Asked before any data moves, so that No costs nothing.
-    if (copy.targetExists() && m_prompt && !m_replaceAll) {
+    const bool untrashable = copy.targetExists() && m_untrashable[size_t(index)];
+    if (untrashable && m_untrashableAnswer != ReplaceAnswer::Yes) {
+        outcome = {CopyOutcome::Skipped,
+                   QStringLiteral("Kept the existing file: it cannot be moved to the trash.")};
+        return true;
+    }
+    // Asked before any data moves, so that No costs nothing; a file already agreed to be
+    // replaced for good is not asked about again.
+    if (copy.targetExists() && m_prompt && !m_replaceAll && !untrashable) {
         switch (observer.askReplace(item)) {
         case ReplaceAnswer::Yes:
             break;
@@ -102,38 +143,52 @@ bool CopyJob::copyOne(int index, CopyObserver &observer, CopyOutcome &outcome) {
         outcome = {CopyOutcome::Failed, copy.errorString()};
         return true;
     }
-
-    // The old file goes to the trash only now that its replacement is complete: a failed
-    // copy leaves it untouched.
-    SafeFileCopy::Commit mode = SafeFileCopy::Commit::MustNotExist;
-    QString reason;
-    if (copy.targetExists() && !DesktopTrash::moveToTrash(item.target, &reason) &&
-        exists(item.target)) {
-        ReplaceAnswer answer = ReplaceAnswer::YesToAll;
-        if (!m_replaceWithoutTrashAll)
-            answer = observer.askReplaceWithoutTrash(item, reason);
-        switch (answer) {
-        case ReplaceAnswer::YesToAll:
-            m_replaceWithoutTrashAll = true;
-            [[fallthrough]];
-        case ReplaceAnswer::Yes:
-            mode = SafeFileCopy::Commit::Replace;
-            break;
-        case ReplaceAnswer::No:
-            outcome = {CopyOutcome::Skipped,
-                       QStringLiteral("Kept the existing file: it could not be moved to the "
-                                      "trash (%1).")
-                           .arg(reason)};
-            return true;
-        case ReplaceAnswer::Cancel:
-            m_cancelled = true;
-            return false;
-        }
-    }
+    const auto mode =
+        copy.targetExists() ? SafeFileCopy::Commit::Replace : SafeFileCopy::Commit::MustNotExist;
     if (!copy.commit(mode)) {
         outcome = {CopyOutcome::Failed, copy.errorString()};
         return true;
     }
-    outcome = {CopyOutcome::Copied, {}};
+    outcome = {CopyOutcome::Copied, copy.note()};
+    if (!copy.hasReplaced())
+        return true;
+    if (untrashable) {
+        copy.dropReplaced(); // agreed up front
+        return true;
+    }
+    return disposeOfReplaced(index, copy, observer, outcome);
+}
+
+bool CopyJob::disposeOfReplaced(int index, SafeFileCopy &copy, CopyObserver &observer,
+                                CopyOutcome &outcome) {
+    // The new file is in place already; the old one goes to the trash only now, so a crash
+    // at any moment leaves a target (the old one is then kept aside under a name no compare
+    // lists).
+    QString reason;
+    if (copy.trashReplaced(&reason))
+        return true;
+    ReplaceAnswer answer = ReplaceAnswer::YesToAll;
+    if (!m_replaceWithoutTrashAll)
+        answer = observer.askReplaceWithoutTrash(m_items[size_t(index)], reason);
+    switch (answer) {
+    case ReplaceAnswer::YesToAll:
+        m_replaceWithoutTrashAll = true;
+        [[fallthrough]];
+    case ReplaceAnswer::Yes:
+        copy.dropReplaced();
+        return true;
+    case ReplaceAnswer::No:
+    case ReplaceAnswer::Cancel:
+        if (!copy.restoreReplaced()) {
+            outcome = {CopyOutcome::Failed, copy.errorString()};
+        } else {
+            outcome = {CopyOutcome::Skipped,
+                       QStringLiteral("Kept the existing file: it could not be moved to the "
+                                      "trash (%1).")
+                           .arg(reason)};
+        }
+        m_cancelled = answer == ReplaceAnswer::Cancel;
+        return !m_cancelled;
+    }
     return true;
 }

@@ -1,14 +1,23 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
-/** One file to copy: its source and its full target path, both native bytes. */
+class SafeFileCopy;
+
+/**
+ * One file to copy: its source and its full target path, both native bytes, and the roots of
+ * the two trees: nothing is read outside the source root nor written outside the target root.
+ */
 struct CopyItem {
     QByteArray source;
     QByteArray target;
+    QByteArray sourceRoot;
+    QByteArray targetRoot;
 };
 
 /** The user's answer to "Replace?". */
@@ -32,7 +41,7 @@ struct CopyOutcome {
         Failed,  ///< see message
     };
     Status status = NotCopied;
-    QString message;
+    QString message; ///< why it was not copied, or a note on a copy (permissions not kept)
 };
 
 /**
@@ -49,13 +58,21 @@ public:
      * Yes to All does so for every later file the trash refuses, No keeps it.
      */
     virtual ReplaceAnswer askReplaceWithoutTrash(const CopyItem &item, const QString &reason) = 0;
+    /**
+     * Asked once, before anything is copied, about the existing targets that cannot go to the
+     * trash (each with the reason): Yes replaces them for good without asking again, No keeps
+     * them, Cancel copies nothing.
+     */
+    virtual ReplaceAnswer askReplaceAllWithoutTrash(const QList<CopyItem> &items,
+                                                    const QStringList &reasons) = 0;
     /** Called often while copying; returning false cancels the job. */
     virtual bool progress(const CopyProgress &progress) = 0;
 };
 
 /**
  * Copies many files, each to its own target path, in the given order. Each file is copied
- * safely (see SafeFileCopy); an existing target is moved to the trash before it is replaced.
+ * safely (see SafeFileCopy); an existing target is exchanged with its copy and then moved to
+ * the trash, so there is never a moment without a target.
  * An error on one file is recorded for it and the job goes on with the next; Cancel stops it
  * with no partial file left anywhere.
  */
@@ -74,13 +91,21 @@ public:
     const std::vector<CopyItem> &items() const { return m_items; }
 
 private:
+    /** Asks once about the targets the trash will refuse; false when the job is cancelled. */
+    bool askAboutUntrashable(CopyObserver &observer);
     /** Copies one item; false when the whole job is to stop. */
     bool copyOne(int index, CopyObserver &observer, CopyOutcome &outcome);
+    /** Disposes of the target \a copy replaced; false when the whole job is to stop. */
+    bool disposeOfReplaced(int index, SafeFileCopy &copy, CopyObserver &observer,
+                           CopyOutcome &outcome);
 
     std::vector<CopyItem> m_items;
     CopyProgress m_progress;
     bool m_prompt = true;
     bool m_replaceAll = false;
     bool m_replaceWithoutTrashAll = false;
+    /** The items whose target the trash refuses, and the answer given for them up front. */
+    std::vector<bool> m_untrashable;
+    ReplaceAnswer m_untrashableAnswer = ReplaceAnswer::No;
     bool m_cancelled = false;
 };

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFontMetrics>
 #include <QLocale>
 #include <QMessageBox>
 
@@ -34,10 +35,18 @@ ReplaceAnswer answerOf(int button) {
 // The summary lists every file in its details, but only this many in the box itself.
 constexpr int ListedInBox = 8;
 
+constexpr QMessageBox::StandardButtons AllAnswers =
+    QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::No | QMessageBox::Cancel;
+
+// The widest a name or folder may be in the progress window: the window keeps its size and
+// its Cancel button on screen whatever the names.
+constexpr int NameWidth = 420;
+
 } // namespace
 
-CopyProgressDialog::CopyProgressDialog(QWidget *parent)
-    : QProgressDialog(parent) {
+CopyProgressDialog::CopyProgressDialog(const CopyJob &job, QWidget *parent)
+    : QProgressDialog(parent)
+    , m_job(job) {
     setWindowTitle(QStringLiteral("Pairscope"));
     setWindowModality(Qt::WindowModal);
     setAutoClose(false);
@@ -50,8 +59,7 @@ CopyProgressDialog::CopyProgressDialog(QWidget *parent)
 }
 
 std::vector<CopyOutcome> CopyProgressDialog::RunCopyJob(QWidget *parent, CopyJob &job) {
-    CopyProgressDialog dialog(parent);
-    dialog.m_job = &job;
+    CopyProgressDialog dialog(job, parent);
     dialog.m_sinceEvents.start();
     dialog.m_sincePaint.start();
     dialog.setValue(0);
@@ -79,18 +87,20 @@ QString CopyProgressDialog::SummaryText(const CopyJob &job,
     for (size_t i = 0; i < outcomes.size(); ++i) {
         if (outcomes[i].status == CopyOutcome::Copied) {
             ++copied;
-            continue;
+            if (outcomes[i].message.isEmpty())
+                continue; // a copy with a note (permissions not kept) is listed
         }
         if (outcomes[i].status == CopyOutcome::NotCopied && lines.size() >= ListedInBox)
             continue; // after a cancel, the files never reached are counted, not listed
         lines.append(QStringLiteral("%1: %2").arg(QFile::decodeName(job.items()[i].target),
                                                   outcomes[i].message));
     }
-    if (copied == int(outcomes.size()))
+    if (copied == int(outcomes.size()) && lines.isEmpty())
         return QString();
     const int notCopied = int(outcomes.size()) - copied;
     QString text = job.wasCancelled() ? QStringLiteral("The copy was cancelled. ") : QString();
-    text += QStringLiteral("%1 of %2 files copied; %3 not copied:")
+    text += (notCopied > 0 ? QStringLiteral("%1 of %2 files copied; %3 not copied:")
+                           : QStringLiteral("%1 of %2 files copied, with notes:"))
                 .arg(locale.toString(copied), locale.toString(int(outcomes.size())),
                      locale.toString(notCopied));
     text += QStringLiteral("\n\n") + lines.mid(0, ListedInBox).join(QLatin1Char('\n'));
@@ -102,11 +112,13 @@ QString CopyProgressDialog::SummaryText(const CopyJob &job,
 }
 
 ReplaceAnswer CopyProgressDialog::ask(QMessageBox::Icon icon, const QString &text,
+                                      QMessageBox::StandardButtons buttons,
                                       QMessageBox::StandardButton defaultButton) {
-    QMessageBox box(icon, QStringLiteral("Pairscope"), text,
-                    QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::No |
-                        QMessageBox::Cancel,
-                    isVisible() ? static_cast<QWidget *>(this) : parentWidget());
+    // The question is the progress window's child, and that window is shown first: were it
+    // to appear later (its own timer shows it), it would cover the question and take the
+    // keyboard, and Enter would press its Cancel.
+    forceShow();
+    QMessageBox box(icon, QStringLiteral("Pairscope"), text, buttons, this);
     box.setDefaultButton(defaultButton);
     box.setEscapeButton(QMessageBox::Cancel);
     const ReplaceAnswer answer = answerOf(box.exec());
@@ -119,7 +131,7 @@ ReplaceAnswer CopyProgressDialog::askReplace(const CopyItem &item) {
                QStringLiteral("“%1” already exists in “%2”.\n\nReplace it? The file it replaces "
                               "goes to the trash.")
                    .arg(shownName(item.target), shownFolder(item.target)),
-               QMessageBox::Yes);
+               AllAnswers, QMessageBox::Yes);
 }
 
 ReplaceAnswer CopyProgressDialog::askReplaceWithoutTrash(const CopyItem &item,
@@ -128,7 +140,24 @@ ReplaceAnswer CopyProgressDialog::askReplaceWithoutTrash(const CopyItem &item,
                QStringLiteral("“%1” in “%2” could not be moved to the trash:\n%3\n\nReplace it "
                               "for good? It cannot be restored afterwards.")
                    .arg(shownName(item.target), shownFolder(item.target), reason),
-               QMessageBox::No);
+               AllAnswers, QMessageBox::No);
+}
+
+ReplaceAnswer CopyProgressDialog::askReplaceAllWithoutTrash(const QList<CopyItem> &items,
+                                                            const QStringList &reasons) {
+    QStringList lines;
+    for (qsizetype i = 0; i < items.size() && i < ListedInBox; ++i)
+        lines.append(
+            QStringLiteral("“%1” in “%2”: %3")
+                .arg(shownName(items[i].target), shownFolder(items[i].target), reasons[i]));
+    if (items.size() > ListedInBox)
+        lines.append(QStringLiteral("..."));
+    return ask(QMessageBox::Warning,
+               QStringLiteral("%1 of the files to be replaced cannot be moved to the trash:\n%2\n\n"
+                              "Replace them for good? They cannot be restored afterwards. No "
+                              "keeps them and copies the rest.")
+                   .arg(QLocale().toString(int(items.size())), lines.join(QLatin1Char('\n'))),
+               QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::No);
 }
 
 bool CopyProgressDialog::progress(const CopyProgress &progress) {
@@ -154,10 +183,12 @@ void CopyProgressDialog::showProgress(const CopyProgress &progress) {
     else if (progress.filesTotal > 0)
         value = progress.filesDone * 1000 / progress.filesTotal;
     QString text;
-    if (m_job && progress.current >= 0 && progress.current < int(m_job->items().size())) {
-        const CopyItem &item = m_job->items()[size_t(progress.current)];
+    if (progress.current >= 0 && progress.current < int(m_job.items().size())) {
+        const CopyItem &item = m_job.items()[size_t(progress.current)];
+        const QFontMetrics metrics(font());
         text = QStringLiteral("Copying “%1”\nto “%2”\n\n")
-                   .arg(shownName(item.source), shownFolder(item.target));
+                   .arg(metrics.elidedText(shownName(item.source), Qt::ElideMiddle, NameWidth),
+                        metrics.elidedText(shownFolder(item.target), Qt::ElideMiddle, NameWidth));
     }
     text += QStringLiteral("%1 of %2 files, %3 of %4")
                 .arg(locale.toString(progress.filesDone), locale.toString(progress.filesTotal),

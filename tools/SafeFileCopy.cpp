@@ -1,7 +1,10 @@
 #include "tools/SafeFileCopy.h"
 
+#include "engine/TemporaryCopyName.h"
+#include "tools/CopySystemCalls.h"
+#include "tools/DesktopTrash.h"
+
 #include <QFile>
-#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cerrno>
@@ -29,47 +32,54 @@ public:
     ScopedFd(const ScopedFd &) = delete;
     ScopedFd &operator=(const ScopedFd &) = delete;
     int get() const { return m_fd; }
-    /** Closes now and reports the result: a late write error can surface here. */
-    int close() {
-        const int result = ::close(m_fd);
-        m_fd = -1;
-        return result;
-    }
 
 private:
     int m_fd;
 };
 
-QString shown(const QByteArray &path) {
-    return QFile::decodeName(path);
-}
-
 bool sameTime(const timespec &a, const timespec &b) {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
 }
 
-QByteArray randomTemporaryName() {
-    static constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
-    QByteArray name(".pairscope-");
-    for (int i = 0; i < 6; ++i)
-        name += letters[QRandomGenerator::global()->bounded(int(sizeof letters - 1))];
-    return name;
+/** \a path below \a root, split into its folder and its name; false when it is not below. */
+bool splitBelow(const QByteArray &path, const QByteArray &root, QByteArray *folder,
+                QByteArray *name) {
+    const QByteArray prefix = root.endsWith('/') ? root : root + '/';
+    if (root.isEmpty() || !path.startsWith(prefix) || path.size() == prefix.size())
+        return false;
+    const QByteArray relative = path.mid(prefix.size());
+    const qsizetype slash = relative.lastIndexOf('/');
+    *folder = slash < 0 ? QByteArray() : relative.left(slash);
+    *name = relative.mid(slash + 1);
+    return true;
+}
+
+/** Permissions that a file system cannot hold are its limit, not a failed copy. */
+bool isUnsupported(int error) {
+    return error == EPERM || error == EOPNOTSUPP || error == ENOTSUP || error == ENOSYS;
+}
+
+/** Errors of renameat2 or linkat that mean "this file system cannot", not "this file". */
+bool flagUnsupported(int error) {
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
 }
 
 const QString sourceGone = QStringLiteral("The source file no longer exists.");
 const QString sourceChanged =
     QStringLiteral("The source changed while it was being copied; the copy was discarded.");
+const QString targetIsFolder = QStringLiteral("A folder of the same name is in the way.");
+const QString appeared =
+    QStringLiteral("Something appeared at the target while copying; it was left as it is.");
 
 } // namespace
 
-SafeFileCopy::SafeFileCopy(QByteArray source, QByteArray target)
-    : m_source(std::move(source))
-    , m_target(std::move(target)) {}
+SafeFileCopy::SafeFileCopy(const CopyItem &item)
+    : m_item(item) {}
 
 SafeFileCopy::~SafeFileCopy() {
     discard();
-    if (m_folder >= 0)
-        ::close(m_folder);
+    if (m_sourceFd >= 0)
+        ::close(m_sourceFd);
 }
 
 bool SafeFileCopy::fail(const QString &message) {
@@ -82,8 +92,32 @@ bool SafeFileCopy::failErrno(const QString &what, int error) {
 }
 
 bool SafeFileCopy::prepare() {
-    if (::lstat(m_source.constData(), &m_sourceStat) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR)
+    return prepareSource() && prepareTarget(FolderBeneathRoot::Mode::Create);
+}
+
+bool SafeFileCopy::look() {
+    return prepareSource() && prepareTarget(FolderBeneathRoot::Mode::Look);
+}
+
+QByteArray SafeFileCopy::lookedTarget() const {
+    const QByteArray folder = m_targetFolder.spelledRelative();
+    QByteArray root = m_item.targetRoot;
+    if (!root.endsWith('/'))
+        root += '/';
+    return root + folder + (folder.isEmpty() ? "" : "/") + m_name;
+}
+
+bool SafeFileCopy::prepareSource() {
+    QByteArray folder;
+    if (!splitBelow(m_item.source, m_item.sourceRoot, &folder, &m_sourceName))
+        return fail(QStringLiteral("The source is not inside the compared folder."));
+    if (!m_sourceFolder.open(m_item.sourceRoot, folder, FolderBeneathRoot::Mode::Open))
+        return fail(m_sourceFolder.refusal() == FolderBeneathRoot::Refusal::Missing
+                        ? sourceGone
+                        : m_sourceFolder.errorString());
+    const int at = m_sourceFolder.fd();
+    if (::fstatat(at, m_sourceName.constData(), &m_sourceStat, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno == ENOENT)
             return fail(sourceGone);
         return failErrno(QStringLiteral("Could not read the source"), errno);
     }
@@ -93,27 +127,47 @@ bool SafeFileCopy::prepare() {
         return fail(QStringLiteral("The source is a special file (FIFO, socket or device); only "
                                    "files and symbolic links are copied."));
     m_sourceSize = m_sourceStat.st_size;
+    if (S_ISLNK(m_sourceStat.st_mode))
+        return true;
+    // Opened now, so that what is read is the file that was looked at. O_NOATIME keeps a copy
+    // from changing the source's accessed date; only the owner (or root) may ask for it.
+    // O_NOFOLLOW and O_NONBLOCK: a source swapped for a link or a FIFO must neither be
+    // followed nor block.
+    const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    m_sourceFd = ::openat(at, m_sourceName.constData(), flags | O_NOATIME);
+    if (m_sourceFd < 0 && errno == EPERM)
+        m_sourceFd = ::openat(at, m_sourceName.constData(), flags);
+    if (m_sourceFd < 0) {
+        if (errno == ENOENT)
+            return fail(sourceGone);
+        if (errno == ELOOP)
+            return fail(sourceChanged);
+        return failErrno(QStringLiteral("Could not open the source"), errno);
+    }
+    struct stat opened {};
+    if (::fstat(m_sourceFd, &opened) != 0 || !S_ISREG(opened.st_mode) ||
+        opened.st_ino != m_sourceStat.st_ino || opened.st_dev != m_sourceStat.st_dev)
+        return fail(sourceChanged);
+    return true;
+}
 
-    const qsizetype slash = m_target.lastIndexOf('/');
-    m_name = m_target.mid(slash + 1);
-    if (m_name.isEmpty())
-        return fail(QStringLiteral("The target is a folder."));
+bool SafeFileCopy::prepareTarget(FolderBeneathRoot::Mode mode) {
+    QByteArray folder;
+    if (!splitBelow(m_item.target, m_item.targetRoot, &folder, &m_name))
+        return fail(QStringLiteral("The target is not inside the chosen folder."));
     if (m_name.size() > NameMax)
         return fail(QStringLiteral("The target name is longer than %1 bytes, the most a name can "
                                    "have on this system.")
                         .arg(NameMax));
-    const QByteArray folder =
-        slash < 0 ? QByteArray(".") : (slash == 0 ? QByteArray("/") : m_target.left(slash));
-    if (!makeFolders(folder))
-        return false;
-    m_folder = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (m_folder < 0)
-        return failErrno(QStringLiteral("Could not open the target folder"), errno);
+    if (!m_targetFolder.open(m_item.targetRoot, folder, mode))
+        return fail(m_targetFolder.errorString());
+    if (m_targetFolder.fd() < 0)
+        return true; // looked only: the folder would be created
 
     struct stat target {};
-    if (::fstatat(m_folder, m_name.constData(), &target, AT_SYMLINK_NOFOLLOW) == 0) {
+    if (::fstatat(m_targetFolder.fd(), m_name.constData(), &target, AT_SYMLINK_NOFOLLOW) == 0) {
         if (S_ISDIR(target.st_mode))
-            return fail(QStringLiteral("The target is a folder."));
+            return fail(targetIsFolder);
         if (target.st_dev == m_sourceStat.st_dev && target.st_ino == m_sourceStat.st_ino)
             return fail(QStringLiteral("The source and the target are the same file."));
         m_targetExists = true;
@@ -123,31 +177,20 @@ bool SafeFileCopy::prepare() {
     return true;
 }
 
-bool SafeFileCopy::makeFolders(const QByteArray &folder) {
-    struct stat st {};
-    if (::stat(folder.constData(), &st) == 0) {
-        if (S_ISDIR(st.st_mode))
-            return true;
-        return fail(
-            QStringLiteral("“%1” is in the way: it is a file, not a folder.").arg(shown(folder)));
-    }
-    if (errno != ENOENT)
-        return failErrno(QStringLiteral("Could not open the folder “%1”").arg(shown(folder)),
-                         errno);
-    const qsizetype slash = folder.lastIndexOf('/');
-    if (slash > 0 && !makeFolders(folder.left(slash)))
-        return false;
-    if (::mkdir(folder.constData(), 0777) != 0 && errno != EEXIST)
-        return failErrno(QStringLiteral("Could not create the folder “%1”").arg(shown(folder)),
-                         errno);
-    return true;
-}
-
 bool SafeFileCopy::createTemporaryFile(int *fd) {
-    // A name of our own that cannot be too long, made unique by O_EXCL.
+    // Unnamed: a copy killed at any point leaves nothing a compare would list.
+    *fd = CopySystemCalls::current().openUnnamed(m_targetFolder.fd());
+    if (*fd >= 0) {
+        m_unnamedFd = ::fcntl(*fd, F_DUPFD_CLOEXEC, 0);
+        return true;
+    }
+    if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL && errno != ENOENT)
+        return failErrno(QStringLiteral("Could not create a file in the target folder"), errno);
+    // Else a name the walk never lists; short, so that it fits wherever the target's name fits.
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const QByteArray name = randomTemporaryName();
-        *fd = ::openat(m_folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        const QByteArray name = TemporaryCopyName::make();
+        *fd = ::openat(m_targetFolder.fd(), name.constData(),
+                       O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (*fd >= 0) {
             m_temporaryName = name;
             return true;
@@ -167,46 +210,32 @@ bool SafeFileCopy::writeTemporary(const Progress &progress) {
 }
 
 bool SafeFileCopy::writeFileData(const Progress &progress) {
-    // O_NOATIME keeps a copy from changing the source's accessed date; only the owner (or
-    // root) may ask for it. O_NOFOLLOW and O_NONBLOCK: a source swapped for a link or a FIFO
-    // since prepare() must neither be followed nor block.
-    const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    int fd = ::open(m_source.constData(), flags | O_NOATIME);
-    if (fd < 0 && errno == EPERM)
-        fd = ::open(m_source.constData(), flags);
-    if (fd < 0) {
-        if (errno == ENOENT)
-            return fail(sourceGone);
-        if (errno == ELOOP)
-            return fail(sourceChanged);
-        return failErrno(QStringLiteral("Could not open the source"), errno);
-    }
-    ScopedFd from(fd);
     struct stat before {};
-    if (::fstat(from.get(), &before) != 0)
+    if (::fstat(m_sourceFd, &before) != 0)
         return failErrno(QStringLiteral("Could not read the source"), errno);
-    if (!S_ISREG(before.st_mode))
-        return fail(sourceChanged);
-
     int toFd = -1;
     if (!createTemporaryFile(&toFd))
         return false;
     ScopedFd to(toFd);
-    if (!copyData(from.get(), to.get(), before.st_size, progress))
-        return false;
-    if (!checkSourceUnchanged(from.get(), before))
-        return false;
+    return copyData(m_sourceFd, to.get(), before.st_size, progress) &&
+           checkSourceUnchanged(m_sourceFd, before) && finishFile(to.get(), before);
+}
 
+bool SafeFileCopy::finishFile(int to, const struct stat &before) {
     // The copy belongs to whoever copies it, so set-user and set-group bits are not carried.
-    if (::fchmod(to.get(), before.st_mode & 07777 & ~(S_ISUID | S_ISGID)) != 0)
-        return failErrno(QStringLiteral("Could not set the copy's permissions"), errno);
+    if (CopySystemCalls::current().fchmod(to, before.st_mode & 07777 & ~(S_ISUID | S_ISGID)) != 0) {
+        if (!isUnsupported(errno))
+            return failErrno(QStringLiteral("Could not set the copy's permissions"), errno);
+        m_note = QStringLiteral("Copied; this file system cannot hold the permissions (%1).")
+                     .arg(qt_error_string(errno));
+    }
     // After the last write, or the write would move the modified time again.
     const timespec times[2] = {before.st_atim, before.st_mtim};
-    if (::futimens(to.get(), times) != 0)
+    if (::futimens(to, times) != 0)
         return failErrno(QStringLiteral("Could not set the copy's dates"), errno);
-    if (::fsync(to.get()) != 0)
-        return failErrno(QStringLiteral("Could not write the copy"), errno);
-    if (to.close() != 0)
+    // The data reaches the disk before the name does, so a crash never leaves a target
+    // whose name is new and whose content is not.
+    if (CopySystemCalls::current().fsync(to) != 0)
         return failErrno(QStringLiteral("Could not write the copy"), errno);
     return true;
 }
@@ -238,10 +267,13 @@ bool SafeFileCopy::copyData(int from, int to, qint64 size, const Progress &progr
             return fail(QStringLiteral("Cancelled."));
         }
     }
-    // Gives a trailing hole its length; the same size otherwise.
-    if (::ftruncate(to, size) != 0)
-        return failErrno(QStringLiteral("Could not write the copy"), errno);
-    return true;
+    if (position >= size)
+        return true;
+    // A trailing hole: the file gets its length. Some file systems (FAT over FUSE) refuse to
+    // truncate; the last byte of a hole is a zero, so writing it gives the same file.
+    if (CopySystemCalls::current().ftruncate(to, size) == 0 || ::pwrite(to, "", 1, size - 1) == 1)
+        return true;
+    return failErrno(QStringLiteral("Could not write the copy"), errno);
 }
 
 bool SafeFileCopy::copyRange(int from, int to, qint64 begin, qint64 end, const Progress &progress) {
@@ -303,7 +335,8 @@ bool SafeFileCopy::checkSourceUnchanged(int from, const struct stat &before) {
     if (::fstat(from, &after) != 0)
         return failErrno(QStringLiteral("Could not read the source"), errno);
     struct stat named {};
-    const bool namedExists = ::lstat(m_source.constData(), &named) == 0;
+    const bool namedExists =
+        ::fstatat(m_sourceFolder.fd(), m_sourceName.constData(), &named, AT_SYMLINK_NOFOLLOW) == 0;
     if (!namedExists || after.st_nlink == 0) {
         if (namedExists)
             return fail(QStringLiteral(
@@ -322,7 +355,8 @@ bool SafeFileCopy::checkSourceUnchanged(int from, const struct stat &before) {
 bool SafeFileCopy::writeLink() {
     std::vector<char> text(size_t(std::max<qint64>(m_sourceSize, 255)) + 1);
     ssize_t length = 0;
-    while ((length = ::readlink(m_source.constData(), text.data(), text.size())) ==
+    const int at = m_sourceFolder.fd();
+    while ((length = ::readlinkat(at, m_sourceName.constData(), text.data(), text.size())) ==
            ssize_t(text.size()))
         text.resize(text.size() * 2);
     if (length < 0)
@@ -332,8 +366,8 @@ bool SafeFileCopy::writeLink() {
 
     bool made = false;
     for (int attempt = 0; attempt < 100 && !made; ++attempt) {
-        const QByteArray name = randomTemporaryName();
-        if (::symlinkat(target.constData(), m_folder, name.constData()) == 0) {
+        const QByteArray name = TemporaryCopyName::make();
+        if (::symlinkat(target.constData(), m_targetFolder.fd(), name.constData()) == 0) {
             m_temporaryName = name;
             made = true;
         } else if (errno != EEXIST) {
@@ -343,61 +377,165 @@ bool SafeFileCopy::writeLink() {
     if (!made)
         return fail(QStringLiteral("Could not find a free temporary name in the target folder."));
     const timespec times[2] = {m_sourceStat.st_atim, m_sourceStat.st_mtim};
-    if (::utimensat(m_folder, m_temporaryName.constData(), times, AT_SYMLINK_NOFOLLOW) != 0)
+    if (::utimensat(m_targetFolder.fd(), m_temporaryName.constData(), times, AT_SYMLINK_NOFOLLOW) !=
+        0)
         return failErrno(QStringLiteral("Could not set the link's dates"), errno);
 
     struct stat after {};
-    if (::lstat(m_source.constData(), &after) != 0)
+    if (::fstatat(at, m_sourceName.constData(), &after, AT_SYMLINK_NOFOLLOW) != 0)
         return fail(sourceGone);
     if (after.st_ino != m_sourceStat.st_ino || !sameTime(after.st_mtim, m_sourceStat.st_mtim))
         return fail(sourceChanged);
     return true;
 }
 
-bool SafeFileCopy::commit(Commit mode) {
-    if (m_temporaryName.isEmpty())
-        return fail(QStringLiteral("There is no copy to put in place."));
+bool SafeFileCopy::nameTemporary() {
+    if (!m_temporaryName.isEmpty())
+        return true;
+    const QByteArray unnamed = "/proc/self/fd/" + QByteArray::number(m_unnamedFd);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const QByteArray name = TemporaryCopyName::make();
+        if (CopySystemCalls::current().linkat(AT_FDCWD, unnamed.constData(), m_targetFolder.fd(),
+                                              name.constData(), AT_SYMLINK_FOLLOW) == 0) {
+            m_temporaryName = name;
+            return true;
+        }
+        if (errno != EEXIST)
+            return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+    }
+    return fail(QStringLiteral("Could not find a free temporary name in the target folder."));
+}
+
+bool SafeFileCopy::placeNew() {
+    const CopySystemCalls &calls = CopySystemCalls::current();
+    const int folder = m_targetFolder.fd();
+    const char *name = m_name.constData();
+    if (m_temporaryName.isEmpty()) {
+        // The unnamed file gets the target's name in one step that refuses an existing name.
+        const QByteArray unnamed = "/proc/self/fd/" + QByteArray::number(m_unnamedFd);
+        if (calls.linkat(AT_FDCWD, unnamed.constData(), folder, name, AT_SYMLINK_FOLLOW) == 0)
+            return true;
+        if (errno == EEXIST)
+            return fail(appeared);
+        if (!flagUnsupported(errno))
+            return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+        if (!nameTemporary())
+            return false;
+    }
+    const char *temporary = m_temporaryName.constData();
+    if (calls.renameat2(folder, temporary, folder, name, RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EEXIST)
+        return fail(appeared);
+    if (!flagUnsupported(errno))
+        return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+    // A file system without the flag: a hard link refuses an existing name too.
+    if (calls.linkat(folder, temporary, folder, name, 0) == 0) {
+        ::unlinkat(folder, temporary, 0);
+        return true;
+    }
+    if (errno == EEXIST)
+        return fail(appeared);
+    struct stat st {};
+    if (::fstatat(folder, name, &st, AT_SYMLINK_NOFOLLOW) == 0)
+        return fail(appeared);
+    if (::renameat(folder, temporary, folder, name) != 0)
+        return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+    return true;
+}
+
+bool SafeFileCopy::exchange() {
+    const CopySystemCalls &calls = CopySystemCalls::current();
+    const int folder = m_targetFolder.fd();
+    if (!nameTemporary())
+        return false;
     const char *temporary = m_temporaryName.constData();
     const char *name = m_name.constData();
-    const QString appeared =
-        QStringLiteral("Something appeared at the target while copying; it was left as it is.");
-
-    int result = 0;
-    if (mode == Commit::Replace) {
-        result = ::renameat(m_folder, temporary, m_folder, name);
-    } else {
-        result = ::renameat2(m_folder, temporary, m_folder, name, RENAME_NOREPLACE);
-        if (result != 0 && (errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)) {
-            // A file system without the flag: a hard link refuses an existing name too.
-            result = ::linkat(m_folder, temporary, m_folder, name, 0);
-            if (result == 0) {
-                ::unlinkat(m_folder, temporary, 0);
-            } else if (errno != EEXIST) {
-                struct stat st {};
-                if (::fstatat(m_folder, name, &st, AT_SYMLINK_NOFOLLOW) == 0)
-                    errno = EEXIST;
-                else
-                    result = ::renameat(m_folder, temporary, m_folder, name);
-            }
+    // The copy and the old file swap names in one step: the target is never missing.
+    if (calls.renameat2(folder, temporary, folder, name, RENAME_EXCHANGE) == 0) {
+        m_asideName = m_temporaryName;
+        m_temporaryName.clear();
+        struct stat old {};
+        if (::fstatat(folder, m_asideName.constData(), &old, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISDIR(old.st_mode)) {
+            restoreReplaced(); // a folder took the name meanwhile: it stays
+            return fail(targetIsFolder);
         }
+        return true;
     }
-    if (result != 0) {
+    if (errno == ENOENT) // the old file went away meanwhile
+        return placeNew();
+    if (!flagUnsupported(errno))
+        return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+    // No exchange here: the old file keeps a second name while the copy is renamed over it.
+    // Where even hard links are missing (FAT), it is moved aside first: the last resort.
+    const QByteArray aside = TemporaryCopyName::make();
+    if (calls.linkat(folder, name, folder, aside.constData(), 0) != 0 &&
+        ::renameat(folder, name, folder, aside.constData()) != 0)
+        return failErrno(QStringLiteral("Could not put the copy in place"), errno);
+    m_asideName = aside;
+    if (::renameat(folder, temporary, folder, name) != 0) {
         const int error = errno;
-        discard();
-        if (error == EEXIST)
-            return fail(appeared);
-        if (error == EISDIR || error == ENOTEMPTY)
-            return fail(QStringLiteral("The target is a folder."));
+        ::renameat(folder, aside.constData(), folder, name);
+        m_asideName.clear();
         return failErrno(QStringLiteral("Could not put the copy in place"), error);
     }
     m_temporaryName.clear();
+    return true;
+}
+
+bool SafeFileCopy::commit(Commit mode) {
+    if (m_temporaryName.isEmpty() && m_unnamedFd < 0)
+        return fail(QStringLiteral("There is no copy to put in place."));
+    const bool placed = mode == Commit::Replace ? exchange() : placeNew();
+    if (!placed) {
+        discard();
+        return false;
+    }
+    if (!m_temporaryName.isEmpty()) { // placed by a link: the temporary name goes
+        ::unlinkat(m_targetFolder.fd(), m_temporaryName.constData(), 0);
+        m_temporaryName.clear();
+    }
+    if (m_unnamedFd >= 0)
+        ::close(m_unnamedFd);
+    m_unnamedFd = -1;
+    m_committed = true;
     // The new name must survive a crash as well as the data.
-    ::fsync(m_folder);
+    ::fsync(m_targetFolder.fd());
+    return true;
+}
+
+bool SafeFileCopy::trashReplaced(QString *reason) {
+    if (!DesktopTrash::moveToTrashAs(m_targetFolder.fd(), m_asideName, m_name, reason))
+        return false;
+    m_asideName.clear();
+    return true;
+}
+
+void SafeFileCopy::dropReplaced() {
+    ::unlinkat(m_targetFolder.fd(), m_asideName.constData(), 0);
+    m_asideName.clear();
+}
+
+bool SafeFileCopy::restoreReplaced() {
+    const int folder = m_targetFolder.fd();
+    if (CopySystemCalls::current().renameat2(folder, m_asideName.constData(), folder,
+                                             m_name.constData(), RENAME_EXCHANGE) == 0) {
+        ::unlinkat(folder, m_asideName.constData(), 0); // the copy, now aside
+    } else if (::renameat(folder, m_asideName.constData(), folder, m_name.constData()) != 0) {
+        return failErrno(QStringLiteral("Could not put the old file back"), errno);
+    }
+    m_asideName.clear();
     return true;
 }
 
 void SafeFileCopy::discard() {
-    if (!m_temporaryName.isEmpty() && m_folder >= 0)
-        ::unlinkat(m_folder, m_temporaryName.constData(), 0);
+    if (!m_temporaryName.isEmpty() && m_targetFolder.fd() >= 0)
+        ::unlinkat(m_targetFolder.fd(), m_temporaryName.constData(), 0);
     m_temporaryName.clear();
+    if (m_unnamedFd >= 0)
+        ::close(m_unnamedFd);
+    m_unnamedFd = -1;
+    if (!m_committed)
+        m_targetFolder.removeCreated();
 }

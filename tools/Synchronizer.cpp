@@ -5,6 +5,7 @@
 #include "tools/CopyJob.h"
 #include "tools/CopyProgressDialog.h"
 #include "tools/RowRecord.h"
+#include "tools/SafeFileCopy.h"
 #include "tools/frmSynchronizer.h"
 #include "views/AddToListview.h"
 #include "views/FileIconCache.h"
@@ -16,15 +17,7 @@
 #include <QPointer>
 #include <QPushButton>
 
-#include <sys/stat.h>
-
 namespace {
-
-/** True when something other than a folder is at \a path: the copy would replace it. */
-bool targetTaken(const QByteArray &path) {
-    struct stat st {};
-    return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
-}
 
 /** The review dialog is made once and kept, so "Prompt before overwriting" lasts until exit. */
 frmSynchronizer *reviewDialog(QWidget *owner) {
@@ -104,11 +97,21 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
         ListItem row = AddToSynchronizer(file, form->lvwFiles, form->ImageList1);
         if (!row)
             continue;
-        row.setSubItems(2, targetTaken(target) ? QStringLiteral("Copy (overwrite)")
-                                               : QStringLiteral("Copy (new)"));
-        row.setSubItems(3, DisplayFromNative(target));
+        CopyItem copyItem{file->NativePath(), target, from.RootFolderNative(),
+                          to.RootFolderNative()};
+        // The same checks the copy makes, without changing anything: the review tells what
+        // will happen, a refusal included (the copy then reports it again).
+        SafeFileCopy look(copyItem);
+        if (look.look()) {
+            copyItem.target = look.lookedTarget();
+            row.setSubItems(2, look.targetExists() ? QStringLiteral("Copy (overwrite)")
+                                                   : QStringLiteral("Copy (new)"));
+        } else {
+            row.setSubItems(2, QStringLiteral("Not copied: ") + look.errorString());
+        }
+        row.setSubItems(3, DisplayFromNative(copyItem.target));
         row.setTag(SyncOperationCode);
-        form->SetTarget(row, target);
+        form->SetCopyItem(row, copyItem);
     }
 
     const int count = form->lvwFiles->ItemCount();

@@ -67,12 +67,12 @@ frmSynchronizer::frmSynchronizer(QWidget *parent)
 
 void frmSynchronizer::Clear() {
     lvwFiles->ClearItems();
-    m_targets.clear();
+    m_items.clear();
     SetStatusText(QStringLiteral("Ready"));
 }
 
-void frmSynchronizer::SetTarget(const ListItem &row, const QByteArray &target) {
-    m_targets.insert(row.Key(), target);
+void frmSynchronizer::SetCopyItem(const ListItem &row, const CopyItem &item) {
+    m_items.insert(row.Key(), item);
 }
 
 QString frmSynchronizer::StatusText() const {
@@ -89,11 +89,10 @@ std::vector<CopyItem> frmSynchronizer::CopyList(int operationCode) const {
         const ListItem row = lvwFiles->Item(i);
         if (row.Tag().toInt() != operationCode)
             continue;
-        const ComparisonFilePtr file = row.Record();
-        const QByteArray target = m_targets.value(row.Key());
-        // The row's key is lower-cased for identity: the source is the record's real path.
-        if (file && !target.isEmpty())
-            items.push_back({file->NativePath(), target});
+        // The row's key is lower-cased for identity: the item holds the real paths.
+        const auto item = m_items.constFind(row.Key());
+        if (item != m_items.constEnd())
+            items.push_back(*item);
     }
     return items;
 }

@@ -37,8 +37,8 @@ public:
 
     /** Empties the list for the next use; the check box keeps its state. */
     void Clear();
-    /** Records the real target path of \a row (its "Destination" shows its display form). */
-    void SetTarget(const ListItem &row, const QByteArray &target);
+    /** Records what \a row copies: real paths and roots ("Destination" shows its display form). */
+    void SetCopyItem(const ListItem &row, const CopyItem &item);
     /** The text in the status bar. */
     QString StatusText() const;
     void SetStatusText(const QString &text);
@@ -57,6 +57,6 @@ protected:
 
 private:
     QLabel *m_status;
-    QHash<QString, QByteArray> m_targets;
+    QHash<QString, CopyItem> m_items;
     bool m_activated = false;
 };

@@ -1,4 +1,5 @@
 #include "support/ChildRun.h"
+#include "support/CopyScript.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/CopyJob.h"
@@ -6,6 +7,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTest>
@@ -16,76 +18,6 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-/** Answers the job's questions from a script and records them. */
-class ScriptedObserver : public CopyObserver {
-public:
-    std::deque<ReplaceAnswer> answers;
-    std::deque<ReplaceAnswer> trashAnswers;
-    QList<QByteArray> asked;
-    QList<QByteArray> askedWithoutTrash;
-    std::function<bool(const CopyProgress &)> onProgress;
-    CopyProgress last;
-
-    ReplaceAnswer askReplace(const CopyItem &item) override {
-        asked.append(item.target);
-        return take(answers);
-    }
-    ReplaceAnswer askReplaceWithoutTrash(const CopyItem &item, const QString &) override {
-        askedWithoutTrash.append(item.target);
-        return take(trashAnswers);
-    }
-    bool progress(const CopyProgress &progress) override {
-        last = progress;
-        return onProgress ? onProgress(progress) : true;
-    }
-
-private:
-    static ReplaceAnswer take(std::deque<ReplaceAnswer> &queue) {
-        if (queue.empty())
-            return ReplaceAnswer::Cancel; // an unexpected question stops the job visibly
-        const ReplaceAnswer answer = queue.front();
-        queue.pop_front();
-        return answer;
-    }
-};
-
-QByteArray readNative(const QByteArray &path) {
-    QFile file(QFile::decodeName(path));
-    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
-        return "<unreadable>";
-    return file.readAll();
-}
-
-bool existsNative(const QByteArray &path) {
-    struct stat st {};
-    return ::lstat(path.constData(), &st) == 0;
-}
-
-/** Temporary files of the copy left anywhere below \a folder. */
-QStringList leftovers(const QString &folder) {
-    QStringList found;
-    QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        it.next();
-        if (it.fileName().startsWith(QLatin1String(".pairscope-")))
-            found.append(it.filePath());
-    }
-    return found;
-}
-
-QByteArray randomBytes(qsizetype size) {
-    QByteArray bytes(size, Qt::Uninitialized);
-    QRandomGenerator generator(42);
-    generator.fillRange(reinterpret_cast<quint32 *>(bytes.data()), size / 4);
-    return bytes;
-}
-
-} // namespace
 
 class tst_CopyJob : public QObject {
     Q_OBJECT
@@ -126,9 +58,9 @@ void tst_CopyJob::copiesIntoMissingFoldersInOrder() {
     QVERIFY(tree.write(QStringLiteral("src/empty"), ""));
     QVERIFY(tree.setTimes(QStringLiteral("src/a.txt"), 1234567890, 123456789));
     QCOMPARE(::chmod(tree.nativePath("src/a.txt").constData(), 0640), 0);
-    CopyJob job({{tree.nativePath("src/a.txt"), tree.nativePath("dst/a.txt")},
-                 {tree.nativePath("src/sub/deep/b.txt"), tree.nativePath("dst/sub/deep/b.txt")},
-                 {tree.nativePath("src/empty"), tree.nativePath("dst/x/empty")}});
+    CopyJob job({item(tree, "src/a.txt", "dst/a.txt"),
+                 item(tree, "src/sub/deep/b.txt", "dst/sub/deep/b.txt"),
+                 item(tree, "src/empty", "dst/x/empty")});
     ScriptedObserver observer;
     QList<int> order;
     observer.onProgress = [&](const CopyProgress &p) {
@@ -167,7 +99,7 @@ void tst_CopyJob::copiesExactNames() {
     QCOMPARE(name.size() <= 255, true);
     TestTree tree;
     QVERIFY(tree.writeNative("src/" + name, "exact"));
-    CopyJob job({{tree.nativePath("src/" + name), tree.nativePath("dst/" + name)}});
+    CopyJob job({item(tree, "src/" + name, "dst/" + name)});
     ScriptedObserver observer;
     const auto outcome = job.run(observer).front();
     QVERIFY2(outcome.status == CopyOutcome::Copied, qPrintable(outcome.message));
@@ -182,9 +114,11 @@ void tst_CopyJob::perFileErrorsLetTheRestGoOn_data() {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QString>("message");
     QTest::newRow("name of 256 bytes") << QByteArray(256, 'n') << QStringLiteral("longer than 255");
-    QTest::newRow("target is a folder") << QByteArray("folder") << QStringLiteral("is a folder");
+    QTest::newRow("target is a folder") << QByteArray("folder") << QStringLiteral("same name");
     QTest::newRow("target is the source")
         << QByteArray("../src/bad") << QStringLiteral("same file");
+    QTest::newRow("target is a folder's name")
+        << QByteArray("plain/inner") << QStringLiteral("is in the way");
     QTest::newRow("special source") << QByteArray("fifo") << QStringLiteral("special file");
 }
 
@@ -201,8 +135,12 @@ void tst_CopyJob::perFileErrorsLetTheRestGoOn() {
         source = tree.nativePath("src/fifo");
         QCOMPARE(::mkfifo(source.constData(), 0644), 0);
     }
-    CopyJob job({{source, tree.nativePath("dst/" + target)},
-                 {tree.nativePath("src/good"), tree.nativePath("dst/good")}});
+    // "../src/bad" is the source itself, below the source's own root.
+    const CopyItem first = target.startsWith("..")
+                               ? item(tree, "src/bad", "src/bad")
+                               : CopyItem{source, tree.nativePath("dst/" + target),
+                                          tree.nativePath("src"), tree.nativePath("dst")};
+    CopyJob job({first, item(tree, "src/good", "dst/good")});
     ScriptedObserver observer;
     const auto outcomes = job.run(observer);
     QCOMPARE(outcomes[0].status, CopyOutcome::Failed);
@@ -220,7 +158,7 @@ void tst_CopyJob::copiesSymbolicLinkAsLink() {
     QCOMPARE(::symlink("../nowhere/at all", link.constData()), 0);
     const timespec times[2] = {{1000000000, 5}, {1100000000, 987654321}};
     QCOMPARE(::utimensat(AT_FDCWD, link.constData(), times, AT_SYMLINK_NOFOLLOW), 0);
-    CopyJob job({{link, tree.nativePath("dst/link")}});
+    CopyJob job({item(tree, "src/link", "dst/link")});
     ScriptedObserver observer;
     QCOMPARE(job.run(observer).front().status, CopyOutcome::Copied);
 
@@ -237,8 +175,8 @@ void tst_CopyJob::sourceDeletedAfterReviewIsReported() {
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral("src/gone.txt"), "soon gone"));
     QVERIFY(tree.write(QStringLiteral("src/kept.txt"), "kept"));
-    CopyJob job({{tree.nativePath("src/gone.txt"), tree.nativePath("dst/gone.txt")},
-                 {tree.nativePath("src/kept.txt"), tree.nativePath("dst/kept.txt")}});
+    CopyJob job(
+        {item(tree, "src/gone.txt", "dst/gone.txt"), item(tree, "src/kept.txt", "dst/kept.txt")});
     QVERIFY(QFile::remove(tree.path(QStringLiteral("src/gone.txt"))));
     ScriptedObserver observer;
     const auto outcomes = job.run(observer);
@@ -263,7 +201,7 @@ void tst_CopyJob::sourceChangingWhileCopyingIsDiscarded() {
     QVERIFY(tree.setTimes(QStringLiteral("src/big"), 1000000000));
     QVERIFY(tree.write(QStringLiteral("dst/big"), "old"));
     const QByteArray source = tree.nativePath("src/big");
-    CopyJob job({{source, tree.nativePath("dst/big")}});
+    CopyJob job({item(tree, "src/big", "dst/big")});
     job.setPromptBeforeOverwriting(false);
     ScriptedObserver observer;
     bool changed = false;
@@ -295,9 +233,8 @@ void tst_CopyJob::cancelLeavesNoPartialFile() {
     QVERIFY(tree.write(QStringLiteral("src/2"), randomBytes(24 * 1024 * 1024)));
     QVERIFY(tree.write(QStringLiteral("src/3"), "third"));
     QVERIFY(tree.write(QStringLiteral("dst/2"), "old second"));
-    CopyJob job({{tree.nativePath("src/1"), tree.nativePath("dst/1")},
-                 {tree.nativePath("src/2"), tree.nativePath("dst/2")},
-                 {tree.nativePath("src/3"), tree.nativePath("dst/3")}});
+    CopyJob job(
+        {item(tree, "src/1", "dst/1"), item(tree, "src/2", "dst/2"), item(tree, "src/3", "dst/3")});
     job.setPromptBeforeOverwriting(false);
     ScriptedObserver observer;
     qint64 cancelledAt = -1;
@@ -341,7 +278,7 @@ void tst_CopyJob::replaceQuestion() {
         const QByteArray n(name);
         QVERIFY(tree.writeNative("src/" + n, n.toUpper()));
         QVERIFY(tree.writeNative("dst/" + n, n));
-        items.push_back({tree.nativePath("src/" + n), tree.nativePath("dst/" + n)});
+        items.push_back(item(tree, "src/" + n, "dst/" + n));
     }
     CopyJob job(items);
     job.setPromptBeforeOverwriting(true);
@@ -362,7 +299,7 @@ void tst_CopyJob::overwrittenFileGoesToTheTrash() {
     QVERIFY(tree.write(QStringLiteral("src/Report Final.txt"), "new text"));
     QVERIFY(tree.write(QStringLiteral("dst/Report Final.txt"), "old text, kept in the trash"));
     const QByteArray target = tree.nativePath("dst/Report Final.txt");
-    CopyJob job({{tree.nativePath("src/Report Final.txt"), target}});
+    CopyJob job({item(tree, "src/Report Final.txt", "dst/Report Final.txt")});
     ScriptedObserver observer;
     observer.answers.push_back(ReplaceAnswer::Yes);
     QCOMPARE(job.run(observer).front().status, CopyOutcome::Copied);
@@ -397,43 +334,79 @@ void tst_CopyJob::overwrittenFileGoesToTheTrash() {
 }
 
 void tst_CopyJob::refusedTrashAsksBeforeReplacingForGood_data() {
+    QTest::addColumn<QString>("blocked"); // a file where this trash folder belongs
     QTest::addColumn<int>("answer");
-    QTest::addColumn<QByteArray>("expected");
+    QTest::addColumn<QByteArray>("expected"); // what f and g hold afterwards
     QTest::addColumn<int>("status");
-    QTest::newRow("replace for good")
-        << int(ReplaceAnswer::Yes) << QByteArray("new") << int(CopyOutcome::Copied);
-    QTest::newRow("keep") << int(ReplaceAnswer::No) << QByteArray("old")
-                          << int(CopyOutcome::Skipped);
+    // The whole trash refused: known before copying, so one question for both files, before
+    // the first, and no "Replace?" for them.
+    QTest::newRow("known: replace for good") << QStringLiteral("Trash") << int(ReplaceAnswer::Yes)
+                                             << QByteArray("FG") << int(CopyOutcome::Copied);
+    QTest::newRow("known: keep") << QStringLiteral("Trash") << int(ReplaceAnswer::No)
+                                 << QByteArray("fg") << int(CopyOutcome::Skipped);
+    // Refused only when the file is moved: asked per file, after the copy took the name; No
+    // puts the old file back.
+    QTest::newRow("found late: replace for good")
+        << QStringLiteral("Trash/info") << int(ReplaceAnswer::Yes) << QByteArray("FG")
+        << int(CopyOutcome::Copied);
+    QTest::newRow("found late: keep") << QStringLiteral("Trash/info") << int(ReplaceAnswer::No)
+                                      << QByteArray("fg") << int(CopyOutcome::Skipped);
 }
 
 void tst_CopyJob::refusedTrashAsksBeforeReplacingForGood() {
+    QFETCH(QString, blocked);
     QFETCH(int, answer);
     QFETCH(QByteArray, expected);
     QFETCH(int, status);
-    // A file where the trash folder belongs makes the trash refuse everything.
     const QString trash = m_profile.dataHome() + QStringLiteral("/Trash");
     const QString aside = trash + QStringLiteral(".aside");
     QDir().mkpath(m_profile.dataHome());
     QVERIFY(!QFile::exists(trash) || QFile::rename(trash, aside));
-    QFile blocker(trash);
+    QDir().mkpath(trash);
+    QVERIFY(QDir(trash).removeRecursively());
+    QDir().mkpath(QFileInfo(m_profile.dataHome() + QLatin1Char('/') + blocked).path());
+    QFile blocker(m_profile.dataHome() + QLatin1Char('/') + blocked);
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
     auto restore = qScopeGuard([&] {
         QFile::remove(trash);
+        QDir(trash).removeRecursively();
         QFile::rename(aside, trash);
     });
 
     TestTree tree;
-    QVERIFY(tree.write(QStringLiteral("src/f"), "new"));
-    QVERIFY(tree.write(QStringLiteral("dst/f"), "old"));
-    CopyJob job({{tree.nativePath("src/f"), tree.nativePath("dst/f")}});
-    job.setPromptBeforeOverwriting(false);
+    for (const char *name : {"f", "g"}) {
+        const QByteArray n(name);
+        QVERIFY(tree.writeNative("src/" + n, n.toUpper()));
+        QVERIFY(tree.writeNative("dst/" + n, n));
+    }
+    CopyJob job({item(tree, "src/f", "dst/f"), item(tree, "src/g", "dst/g")});
+    job.setPromptBeforeOverwriting(true);
     ScriptedObserver observer;
-    observer.trashAnswers.push_back(ReplaceAnswer(answer));
-    const CopyOutcome outcome = job.run(observer).front();
-    QCOMPARE(observer.askedWithoutTrash.size(), 1);
-    QCOMPARE(int(outcome.status), status);
-    QCOMPARE(readNative(tree.nativePath("dst/f")), expected);
+    const bool known = blocked == QLatin1String("Trash");
+    observer.trashAnswers = {ReplaceAnswer(answer), ReplaceAnswer(answer)};
+    if (!known)
+        observer.answers = {ReplaceAnswer::Yes, ReplaceAnswer::Yes};
+    QList<int> firstProgress;
+    observer.onProgress = [&](const CopyProgress &) {
+        if (firstProgress.isEmpty())
+            firstProgress = {int(observer.askedAllWithoutTrash.size()), int(observer.asked.size())};
+        return true;
+    };
+    const auto outcomes = job.run(observer);
+    if (known) {
+        QCOMPARE(observer.askedAllWithoutTrash,
+                 (QList<QByteArray>{tree.nativePath("dst/f"), tree.nativePath("dst/g")}));
+        QCOMPARE(firstProgress, (QList<int>{2, 0})); // asked before the copy started
+        QVERIFY(observer.asked.isEmpty());
+        QVERIFY(observer.askedWithoutTrash.isEmpty());
+    } else {
+        QVERIFY(observer.askedAllWithoutTrash.isEmpty());
+        QCOMPARE(observer.askedWithoutTrash.size(), 2);
+    }
+    QCOMPARE(int(outcomes[0].status), status);
+    QCOMPARE(int(outcomes[1].status), status);
+    QCOMPARE(readNative(tree.nativePath("dst/f")) + readNative(tree.nativePath("dst/g")), expected);
     QVERIFY(leftovers(tree.root()).isEmpty());
 }
 
@@ -454,7 +427,7 @@ void tst_CopyJob::sparseAndHugeFiles() {
     if (before.st_blocks * 512 > 64 * 1024 * 1024)
         QSKIP("this file system does not keep holes");
 
-    CopyJob job({{source, tree.nativePath("dst/sparse")}});
+    CopyJob job({item(tree, "src/sparse", "dst/sparse")});
     ScriptedObserver observer;
     QCOMPARE(job.run(observer).front().status, CopyOutcome::Copied);
     QCOMPARE(observer.last.bytesTotal, size);
@@ -493,8 +466,7 @@ void tst_CopyJob::diskFullKeepsTheOldTarget() {
     const QByteArray old = randomBytes(100 * 1024);
     QVERIFY(tree.writeNative("full/big", old));
 
-    CopyJob job({{tree.nativePath("src/big"), full + "/big"},
-                 {tree.nativePath("src/small"), full + "/small"}});
+    CopyJob job({item(tree, "src/big", "full/big"), item(tree, "src/small", "full/small")});
     job.setPromptBeforeOverwriting(false);
     ScriptedObserver observer;
     observer.trashAnswers.push_back(ReplaceAnswer::Yes); // not reached: the copy fails first
@@ -526,9 +498,8 @@ void tst_CopyJob::readOnlyTargetFolderIsAPerFileError() {
     QCOMPARE(::chmod(tree.nativePath("dst/locked").constData(), 0555), 0);
     auto unlock = qScopeGuard([&] { ::chmod(tree.nativePath("dst/locked").constData(), 0755); });
 
-    CopyJob job({{tree.nativePath("src/1"), tree.nativePath("dst/locked/1")},
-                 {tree.nativePath("src/2"), tree.nativePath("dst/locked/2")},
-                 {tree.nativePath("src/3"), tree.nativePath("dst/open/3")}});
+    CopyJob job({item(tree, "src/1", "dst/locked/1"), item(tree, "src/2", "dst/locked/2"),
+                 item(tree, "src/3", "dst/open/3")});
     job.setPromptBeforeOverwriting(false);
     ScriptedObserver observer;
     const auto outcomes = job.run(observer);

@@ -1,4 +1,5 @@
 #include "engine/ComparisonFileCollection.h"
+#include "support/ChildRun.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -11,13 +12,19 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QScopeGuard>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTest>
 
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -67,6 +74,12 @@ private Q_SLOTS:
     void cancelCopiesNothingAndPromptIsRemembered();
     void headerClickSortsAndTogglesOrder();
     void summaryNamesEveryFileNotCopied();
+    void reviewTellsWhatTheCopyWillDo_data();
+    void reviewTellsWhatTheCopyWillDo();
+    void questionIsAboveTheProgressWindow_data();
+    void questionIsAboveTheProgressWindow();
+    void progressWindowKeepsItsWidth();
+    void copiesToFatOverFuse();
 
 private:
     TestProfile m_profile;
@@ -212,9 +225,8 @@ void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
         const QByteArray n(name);
         ListItem row = form.lvwFiles->AddItem(QString::fromLatin1(n), QString::fromLatin1(n));
         row.setTag(SyncOperationCode);
-        row.setRecord(std::make_shared<ComparisonFile>(
-            FileObject::fromNativePath(tree.nativePath("src/" + n))));
-        form.SetTarget(row, tree.nativePath("dst/" + n));
+        form.SetCopyItem(row, {tree.nativePath("src/" + n), tree.nativePath("dst/" + n),
+                               tree.nativePath("src"), tree.nativePath("dst")});
     }
     form.lvwFiles->Item(2).setTag(0); // a row with another code is left out
     auto order = [&] {
@@ -236,7 +248,8 @@ void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
 }
 
 void tst_Synchronizer::summaryNamesEveryFileNotCopied() {
-    CopyJob job({{"/s/a", "/t/a"}, {"/s/b", "/t/b"}, {"/s/c", "/t/c"}});
+    CopyJob job(
+        {{"/s/a", "/t/a", "/s", "/t"}, {"/s/b", "/t/b", "/s", "/t"}, {"/s/c", "/t/c", "/s", "/t"}});
     QString details;
     QCOMPARE(CopyProgressDialog::SummaryText(
                  job, std::vector<CopyOutcome>(3, {CopyOutcome::Copied, {}}), &details),
@@ -248,6 +261,193 @@ void tst_Synchronizer::summaryNamesEveryFileNotCopied() {
     QCOMPARE(CopyProgressDialog::SummaryText(job, outcomes, &details),
              QStringLiteral("1 of 3 files copied; 2 not copied:\n\n"
                             "/t/b: No space left on device.\n/t/c: Kept the existing file."));
+}
+
+void tst_Synchronizer::reviewTellsWhatTheCopyWillDo_data() {
+    QTest::addColumn<QString>("name");   // the file copied, below src
+    QTest::addColumn<QString>("setUp");  // what is in the way below dst
+    QTest::addColumn<QString>("action"); // the review's Action starts with it
+    QTest::newRow("new") << QStringLiteral("sub/a.txt") << QString()
+                         << QStringLiteral("Copy (new)");
+    QTest::newRow("overwrite") << QStringLiteral("a.txt") << QStringLiteral("file a.txt")
+                               << QStringLiteral("Copy (overwrite)");
+    QTest::newRow("a link in a folder of the target")
+        << QStringLiteral("sub/a.txt") << QStringLiteral("link sub")
+        << QStringLiteral("Not copied: “%1/sub” is a symbolic link");
+    QTest::newRow("a folder of the same name")
+        << QStringLiteral("a.txt") << QStringLiteral("folder a.txt")
+        << QStringLiteral("Not copied: A folder of the same name is in the way.");
+    QTest::newRow("a file where a folder goes")
+        << QStringLiteral("sub/a.txt") << QStringLiteral("file sub")
+        << QStringLiteral("Not copied: “%1/sub” is in the way");
+    QTest::newRow("a FIFO") << QStringLiteral("fifo") << QString()
+                            << QStringLiteral("Not copied: The source is a special file");
+}
+
+void tst_Synchronizer::reviewTellsWhatTheCopyWillDo() {
+    QFETCH(QString, name);
+    QFETCH(QString, setUp);
+    QFETCH(QString, action);
+    Sides s;
+    if (name == QLatin1String("fifo")) {
+        QVERIFY(s.tree.mkdir(QStringLiteral("src")));
+        QCOMPARE(::mkfifo(s.tree.nativePath("src/fifo").constData(), 0644), 0);
+    } else {
+        QVERIFY(s.tree.write(QStringLiteral("src/") + name, "new"));
+    }
+    QVERIFY(s.tree.write(QStringLiteral("outside/a.txt"), "outside"));
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst")));
+    const QString kind = setUp.section(QLatin1Char(' '), 0, 0);
+    const QString inTheWay = QStringLiteral("dst/") + setUp.section(QLatin1Char(' '), 1);
+    if (kind == QLatin1String("file"))
+        QVERIFY(s.tree.write(inTheWay, "old"));
+    else if (kind == QLatin1String("folder"))
+        QVERIFY(s.tree.mkdir(inTheWay));
+    else if (kind == QLatin1String("link"))
+        QCOMPARE(::symlink(s.tree.nativePath("outside").constData(),
+                           s.tree.nativePath(inTheWay.toUtf8()).constData()),
+                 0);
+    s.walk();
+    s.list(s.source);
+    s.select({name.section(QLatin1Char('/'), -1)});
+    if (action.contains(QLatin1String("%1")))
+        action = action.arg(s.tree.path(QStringLiteral("dst")));
+
+    QString shownAction;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSynchronizer *>(modal);
+        if (!form)
+            return false;
+        shownAction = form->lvwFiles->Item(1).SubItems(2);
+        form->chkPrompt->setChecked(false);
+        form->cmdOK->click();
+        return true;
+    });
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    QVERIFY2(shownAction.startsWith(action), qPrintable(shownAction));
+    QCOMPARE(s.read(QStringLiteral("outside/a.txt")), QByteArray("outside"));
+    if (action.startsWith(QLatin1String("Copy"))) {
+        QVERIFY(watcher.texts().isEmpty()); // copied without a word
+        QCOMPARE(s.read(QStringLiteral("dst/") + name), QByteArray("new"));
+    } else {
+        // The end report names the same reason.
+        QCOMPARE(watcher.texts().size(), 1);
+        QVERIFY2(watcher.texts().first().contains(shownAction.mid(qstrlen("Not copied: "))),
+                 qPrintable(watcher.texts().first()));
+    }
+}
+
+void tst_Synchronizer::questionIsAboveTheProgressWindow_data() {
+    QTest::addColumn<bool>("progressShown");
+    QTest::newRow("progress window already shown") << true;
+    QTest::newRow("progress window not shown yet") << false;
+}
+
+void tst_Synchronizer::questionIsAboveTheProgressWindow() {
+    QFETCH(bool, progressShown);
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("dst/a.txt"), "old"));
+    const CopyItem item{tree.nativePath("src/a.txt"), tree.nativePath("dst/a.txt"),
+                        tree.nativePath("src"), tree.nativePath("dst")};
+    CopyJob job({item});
+    CopyProgressDialog progress(job, &m_owner);
+    if (progressShown) {
+        progress.show();
+        QVERIFY(QTest::qWaitForWindowActive(&progress));
+    }
+    QStringList seen;
+    ModalWatcher watcher([&](QWidget *shown) {
+        auto *box = qobject_cast<QMessageBox *>(shown);
+        if (!box)
+            return false;
+        // Above the progress window (its child, so no window manager puts it below), with
+        // the keyboard, and Enter picks the default.
+        if (box->parentWidget() == &progress)
+            seen << QStringLiteral("child of the progress window");
+        if (progress.isVisible())
+            seen << QStringLiteral("progress window shown first");
+        if (QApplication::activeWindow() == box)
+            seen << QStringLiteral("active");
+        QWidget *focus = QApplication::focusWidget();
+        QTest::keyClick(focus && focus->window() == box ? focus : box, Qt::Key_Return);
+        return true;
+    });
+    QCOMPARE(progress.askReplace(item), ReplaceAnswer::Yes);
+    QCOMPARE(seen, (QStringList{QStringLiteral("child of the progress window"),
+                                QStringLiteral("progress window shown first"),
+                                QStringLiteral("active")}));
+}
+
+void tst_Synchronizer::progressWindowKeepsItsWidth() {
+    const QByteArray name = QByteArray(251, 'n') + ".txt";
+    CopyJob job({{"/s/" + name, "/t/" + QByteArray(200, 'f') + '/' + name, "/s", "/t"}});
+    CopyProgressDialog progress(job, &m_owner);
+    CopyProgress state;
+    state.filesTotal = 1;
+    state.current = 0;
+    progress.progress(state);
+    progress.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&progress));
+    QVERIFY2(progress.width() <= 640, qPrintable(QString::number(progress.width())));
+    QVERIFY(progress.labelText().contains(QChar(0x2026))); // shortened in the middle
+    const auto *cancel = progress.findChild<QPushButton *>();
+    QVERIFY(cancel);
+    QVERIFY(progress.rect().contains(cancel->geometry()));
+}
+
+void tst_Synchronizer::copiesToFatOverFuse() {
+    // A FAT stick as a desktop mounts it without privileges: names without regard to case,
+    // no permissions, no truncation, no unnamed temporary files.
+    if (!ChildRun::isChild()) {
+        ChildRun::run({QStringLiteral("unshare"), QStringLiteral("-m")}, "copiesToFatOverFuse");
+        return;
+    }
+    if (QStandardPaths::findExecutable(QStringLiteral("fusefat")).isEmpty() ||
+        QStandardPaths::findExecutable(QStringLiteral("mkfs.vfat")).isEmpty())
+        QSKIP("this needs fusefat and mkfs.vfat (Debian packages fusefat, dosfstools)");
+    Sides s;
+    const QString image = s.tree.path(QStringLiteral("fat.img"));
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst")));
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(8 * 1024 * 1024));
+    file.close();
+    QCOMPARE(QProcess::execute(QStringLiteral("mkfs.vfat"), {image}), 0);
+    const QString mountPoint = s.tree.path(QStringLiteral("dst"));
+    if (QProcess::execute(QStringLiteral("fusefat"),
+                          {QStringLiteral("-o"), QStringLiteral("rw+"), image, mountPoint}) != 0)
+        QSKIP("FUSE is refused here");
+    auto unmount = qScopeGuard([&] {
+        QProcess::execute(QStringLiteral("fusermount"), {QStringLiteral("-u"), mountPoint});
+    });
+    QVERIFY(s.tree.mkdir(QStringLiteral("dst/docs")));
+    QVERIFY(s.tree.write(QStringLiteral("src/Docs/x.txt"), "copied"));
+    QCOMPARE(::chmod(s.tree.nativePath("src/Docs/x.txt").constData(), 0640), 0);
+    s.walk();
+    s.list(s.source);
+    s.select({QStringLiteral("x.txt")});
+
+    QString destination;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSynchronizer *>(modal);
+        if (!form)
+            return false;
+        destination = form->lvwFiles->Item(1).SubItems(3);
+        form->cmdOK->click();
+        return true;
+    });
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    // The existing folder, as the stick spells it, is where the file goes.
+    QCOMPARE(destination, s.tree.path(QStringLiteral("dst/docs/x.txt")));
+    QCOMPARE(s.read(QStringLiteral("dst/docs/x.txt")), QByteArray("copied"));
+    QCOMPARE(QDir(s.tree.path(QStringLiteral("dst")))
+                 .entryList(QDir::Dirs | QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot)
+                 .filter(QStringLiteral("docs"), Qt::CaseInsensitive),
+             QStringList{QStringLiteral("docs")});
+    QCOMPARE(QDir(s.tree.path(QStringLiteral("dst/docs"))).entryList(QDir::Files | QDir::Hidden),
+             QStringList{QStringLiteral("x.txt")});
+    QCOMPARE(watcher.texts().size(), 1); // the note: the stick keeps no permissions
+    QVERIFY2(watcher.texts().first().contains(QLatin1String("with notes")),
+             qPrintable(watcher.texts().first()));
 }
 
 QTEST_MAIN(tst_Synchronizer)
