@@ -162,6 +162,7 @@ void storeNonDefaults(const TestTree &tree) {
     view.boldDifferences = true;
     Options::setViewOptions(view);
     Options::setIncludeSlack(false);
+    Options::setLetterCase(QStringLiteral("sensitive"));
 }
 
 } // namespace
@@ -304,6 +305,7 @@ void tst_MainCommands::resetOptionsDeclined() {
     QVERIFY(w.window.menus->mnuViewAlwaysOnTop->isChecked());
     QVERIFY(w.window.menus->mnuViewFullPath->isChecked());
     QVERIFY(!w.window.menus->mnuFileIncludeSlack->isChecked());
+    QVERIFY(w.window.menus->mnuViewCase[1]->isChecked());
 }
 
 void tst_MainCommands::resetOptionsAccepted() {
@@ -352,6 +354,11 @@ void tst_MainCommands::resetOptionsAccepted() {
     // 8: the date slack.
     QVERIFY(Options::includeSlack());
     QVERIFY(m.mnuFileIncludeSlack->isChecked());
+    // 9: letter case as each file system counts it; a choice in the menu is remembered.
+    QCOMPARE(Options::letterCase(), QStringLiteral("auto"));
+    QVERIFY(m.mnuViewCase[0]->isChecked());
+    m.mnuViewCase[2]->trigger();
+    QCOMPARE(Options::letterCase(), QStringLiteral("insensitive"));
 
     // The layouts are written when the window closes, as the defaults.
     w.window.close();
