@@ -3,7 +3,6 @@
 #include "cli/ProgressLine.h"
 #include "engine/ComparisonFileCollection.h"
 #include "engine/Pairscope.h"
-#include "engine/PathHelpers.h"
 
 #include <algorithm>
 #include <cerrno>
