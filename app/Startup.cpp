@@ -2,6 +2,7 @@
 
 #include "frmMain.h"
 
+#include "engine/PathHelpers.h"
 #include "views/frmSplash.h"
 
 #include <QApplication>
@@ -18,8 +19,21 @@
 #include <cerrno>
 #include <dirent.h>
 #include <exception>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
+
+/** The working folder's own bytes (QDir::currentPath() loses those that are not UTF-8). */
+QByteArray workingFolder() {
+    QByteArray buffer(4096, Qt::Uninitialized);
+    while (!::getcwd(buffer.data(), std::size_t(buffer.size()))) {
+        if (errno != ERANGE)
+            return QByteArray(".");
+        buffer.resize(buffer.size() * 2);
+    }
+    return QByteArray(buffer.constData());
+}
 
 /** Quotes a path for the Exec key of a desktop entry. */
 QString desktopExecQuoted(const QString &path) {
@@ -77,7 +91,7 @@ void Startup::sampleShift() {
         m_resetPosition = true;
 }
 
-frmMain *Startup::Main(const QStringList &arguments) {
+frmMain *Startup::Main(const QList<QByteArray> &arguments) {
     m_resetPosition = false;
     QPointer<frmMain> main;
     try {
@@ -145,14 +159,20 @@ frmMain *Startup::Main(const QStringList &arguments) {
     return main;
 }
 
-std::array<QString, 2> FoldersFromArguments(const QStringList &arguments) {
+std::array<QString, 2> FoldersFromArguments(const QList<QByteArray> &arguments) {
     std::array<QString, 2> folders;
     for (int side = 0; side < 2 && side < arguments.size(); ++side) {
-        const QFileInfo info(arguments[side]);
+        QByteArray native = arguments[side];
+        struct stat status;
+        if (native.isEmpty() || ::stat(native.constData(), &status) != 0 ||
+            !S_ISDIR(status.st_mode))
+            continue;
         // A folder named relative to the shell's working folder is kept absolute, so that the
         // recent list still names it when the program is next started elsewhere.
-        if (!arguments[side].isEmpty() && info.isDir())
-            folders[side] = QDir::cleanPath(info.absoluteFilePath());
+        if (!native.startsWith('/'))
+            native = workingFolder() + '/' + native;
+        // Cleaned byte for byte: Latin-1 gives every byte a character of its own and back.
+        folders[side] = PathTextFromNative(QDir::cleanPath(QString::fromLatin1(native)).toLatin1());
     }
     return folders;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <QByteArray>
+#include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <array>
 #include <functional>
@@ -42,7 +43,7 @@ public:
      * own name). Returns the shown main window (deleted when it closes), or nullptr when
      * the program must end.
      */
-    frmMain *Main(const QStringList &arguments);
+    frmMain *Main(const QList<QByteArray> &arguments);
 
     /** True once Shift was seen held at any sampling point of the last Main(). */
     bool resetPosition() const { return m_resetPosition; }
@@ -60,11 +61,13 @@ private:
 };
 
 /**
- * The folders the command line names: the first argument when it is an existing folder
- * becomes the source, the second when it is an existing folder the destination. Anything
- * else, and every further argument, is skipped silently; a skipped side is empty.
+ * The folders the command line names, as the path boxes take them: the first argument when it
+ * is an existing folder becomes the source, the second when it is an existing folder the
+ * destination. Anything else, and every further argument, is skipped silently; a skipped side
+ * is empty. The arguments are bytes, as the shell gives them: a folder whose path is not valid
+ * UTF-8 opens too (see PathTextFromNative()).
  */
-std::array<QString, 2> FoldersFromArguments(const QStringList &arguments);
+std::array<QString, 2> FoldersFromArguments(const QList<QByteArray> &arguments);
 
 /** True when the file system can be read: the root folder can be opened and listed. */
 bool ScriptingAvailable();

@@ -8,6 +8,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "engine/Pairscope.h"
+#include "engine/PathHelpers.h"
 #include "engine/TypeNameCache.h"
 #include "settings/Options.h"
 #include "tools/ComparisonsCombo.h"
@@ -44,6 +45,7 @@
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <sys/stat.h>
 
 namespace {
 
@@ -63,7 +65,10 @@ QStringList droppedFolders(const QMimeData *data) {
 }
 
 bool FolderExists(const QString &path) {
-    return !path.isEmpty() && QFileInfo(path).isDir();
+    // Through the native form: a folder given on the command line may not be valid UTF-8.
+    struct stat status;
+    return !path.isEmpty() && ::stat(NativeFromPath(path).constData(), &status) == 0 &&
+           S_ISDIR(status.st_mode);
 }
 
 const QString compareButtonCaption = QStringLiteral("&Compare");

@@ -10,8 +10,11 @@ int main(int argc, char *argv[]) {
     QApplication::setApplicationVersion(QStringLiteral(PAIRSCOPE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("pairscope"));
 
-    QStringList arguments = QApplication::arguments();
-    arguments.removeFirst();
+    // The arguments as the shell gave them (Qt has taken its own out of argv): bytes, so that a
+    // folder whose path is not valid UTF-8 keeps it.
+    QList<QByteArray> arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QByteArray(argv[i]));
     Startup startup;
     if (!startup.Main(arguments))
         return 0;

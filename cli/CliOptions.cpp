@@ -1,5 +1,7 @@
 #include "cli/CliOptions.h"
 
+#include "cli/NameEscaping.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -23,12 +25,16 @@ constexpr ComparisonName comparisonNames[] = {
 };
 
 QString quoted(const QByteArray &text) {
-    return QLatin1Char('\'') + QString::fromLocal8Bit(text) + QLatin1Char('\'');
+    // Escaped as names are in a report, so that the message stays one line of the bytes given.
+    return QLatin1Char('\'') + NameEscaping::readable(text) + QLatin1Char('\'');
 }
 
 std::optional<int> parseComparisons(const QByteArray &list, QString *error) {
     int bits = 0;
+    bool existence = false;
+    qsizetype items = 0;
     for (const QByteArray &item : list.split(',')) {
+        ++items;
         const QByteArray name = item.trimmed().toLower();
         const auto found =
             std::find_if(std::begin(comparisonNames), std::end(comparisonNames),
@@ -39,7 +45,14 @@ std::optional<int> parseComparisons(const QByteArray &list, QString *error) {
                          .arg(quoted(item.trimmed()));
             return std::nullopt;
         }
+        existence = existence || found->bits == 0;
         bits |= found->bits;
+    }
+    // "existence" means nothing else is compared: beside another comparison it contradicts it.
+    if (existence && items > 1) {
+        *error = QStringLiteral("existence cannot be combined with other comparisons in "
+                                "--compare; give it alone");
+        return std::nullopt;
     }
     return bits;
 }
@@ -52,9 +65,15 @@ std::optional<int> parseChunkSize(const QByteArray &text, QString *error) {
                      .arg(quoted(text));
         return std::nullopt;
     }
-    // A tiny or giant buffer helps no one; the value is brought into range rather than refused
-    // so that scripts written for other limits keep working.
-    return int(std::clamp<qlonglong>(value, CliOptions::MinChunkSize, CliOptions::MaxChunkSize));
+    // A value out of range is refused, not quietly changed: the run would not read as asked.
+    if (value < CliOptions::MinChunkSize || value > CliOptions::MaxChunkSize) {
+        *error = QStringLiteral("--chunk-size %1 is out of range; give %2 to %3 bytes")
+                     .arg(quoted(text))
+                     .arg(CliOptions::MinChunkSize)
+                     .arg(CliOptions::MaxChunkSize);
+        return std::nullopt;
+    }
+    return int(value);
 }
 
 std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) {
@@ -192,6 +211,12 @@ CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error)
             for (qsizetype i = 1; i < argument.size(); ++i) {
                 const char letter = argument.at(i);
                 const QByteArray name(1, letter);
+                // "-a=1": a flag given a value, as "--all=1" would be.
+                if (i + 1 < argument.size() && argument.at(i + 1) == '=' &&
+                    !isShortWithValue(letter)) {
+                    *error = QStringLiteral("option %1 takes no value").arg(quoted('-' + name));
+                    return {};
+                }
                 std::optional<QByteArray> attached;
                 const bool takesValue = isShortWithValue(letter);
                 if (takesValue && i + 1 < argument.size())
@@ -213,6 +238,15 @@ CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error)
                            .arg(quoted(roots.at(2)));
         return {};
     }
+    // An empty argument names no folder; it is most often a shell variable that was not set.
+    const char *const sides[] = {"SOURCE", "DESTINATION"};
+    for (int side = 0; side < 2; ++side) {
+        if (roots.at(side).isEmpty()) {
+            *error = QStringLiteral("%1 is an empty argument; give a folder")
+                         .arg(QLatin1String(sides[side]));
+            return {};
+        }
+    }
     options.source = roots.at(0);
     options.destination = roots.at(1);
     return options;
@@ -228,7 +262,8 @@ QString CliOptions::usage() {
         "\n"
         "Options:\n"
         "  -c, --compare LIST   what to compare, separated by commas: size, modified,\n"
-        "                       created, accessed, attributes, crc; or existence alone\n"
+        "                       created, accessed, attributes (with permissions), crc;\n"
+        "                       or existence alone\n"
         "                       (default: size,modified)\n"
         "      --crc-first      compare checksums right after sizes (default: last, only\n"
         "                       for pairs that are equal in everything else)\n"

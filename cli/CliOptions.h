@@ -34,7 +34,7 @@ struct CliOptions {
     bool showHelp = false;
     bool showVersion = false;
 
-    /** Smallest and largest checksum chunk; a value outside is brought to the nearest. */
+    /** Smallest and largest checksum chunk; a value outside is refused. */
     static constexpr int MinChunkSize = 1024;
     static constexpr int MaxChunkSize = 16 * 1024 * 1024;
 

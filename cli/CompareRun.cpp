@@ -3,7 +3,6 @@
 #include "cli/ProgressLine.h"
 #include "engine/ComparisonFileCollection.h"
 #include "engine/Pairscope.h"
-#include "engine/PathHelpers.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -37,11 +36,10 @@ CompareRun::CompareRun(const CliOptions &options)
 bool CompareRun::run() {
     while (attempt() == Pairscope::StatusRescanNeeded) {
         if (m_restarts == MaxRestarts) {
-            m_problems.append(QStringLiteral("%1, %2: the folders kept changing during the "
-                                             "comparison; gave up after %3 restarts")
-                                  .arg(DisplayFromNative(m_options.source),
-                                       DisplayFromNative(m_options.destination))
-                                  .arg(MaxRestarts));
+            m_problems.append({QByteArray(), QStringLiteral("the folders kept changing during "
+                                                            "the comparison; gave up after %1 "
+                                                            "restarts")
+                                                 .arg(MaxRestarts)});
             return false;
         }
         ++m_restarts;
@@ -67,6 +65,8 @@ int CompareRun::attempt() {
     walkBoth(sourceFiles, destFiles);
 
     Pairscope engine;
+    // The json report shows the sizes and dates each pair was judged on, not a later look.
+    engine.setLoadDetails(m_options.format == OutputFormat::Json);
     QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
                      [this](const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
                             int code) { addPair(source, destination, code); });
@@ -90,12 +90,12 @@ int CompareRun::attempt() {
     // be read: that folder is the problem, already listed once.
     for (const ReportPair &pair : m_pairs) {
         if (pair.code == DifferenceCode::SourceUnreadable && pair.source->HasFileObject())
-            m_problems.append(pair.source->Path() + QLatin1String(": ") +
-                              unreadableReason(pair.source->NativePath()));
+            m_problems.append(
+                {pair.source->NativePath(), unreadableReason(pair.source->NativePath())});
         else if (pair.code == DifferenceCode::DestinationUnreadable &&
                  pair.destination->HasFileObject())
-            m_problems.append(pair.destination->Path() + QLatin1String(": ") +
-                              unreadableReason(pair.destination->NativePath()));
+            m_problems.append(
+                {pair.destination->NativePath(), unreadableReason(pair.destination->NativePath())});
     }
     std::sort(m_pairs.begin(), m_pairs.end(),
               [](const ReportPair &a, const ReportPair &b) { return a.path < b.path; });
@@ -130,11 +130,12 @@ void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePt
     const bool listed = code != DifferenceCode::Equal || m_options.listAll;
     if (!listed)
         return;
-    const ComparisonFilePtr &named = source->HasFileObject() ? source : destination;
-    m_pairs.push_back({source, destination, code, named->RelativeNativePath()});
+    const ComparisonFilePtr &named = source && source->HasFileObject() ? source : destination;
+    if (named)
+        m_pairs.push_back({source, destination, code, named->RelativeNativePath()});
 }
 
 void CompareRun::collectProblems(const ComparisonFileCollection &files) {
     for (const CollectionProblem &problem : files.Problems())
-        m_problems.append(problem.toString());
+        m_problems.append({problem.nativePath, problem.reason});
 }

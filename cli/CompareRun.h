@@ -1,9 +1,10 @@
 #pragma once
 
 #include "cli/CliOptions.h"
+#include "cli/RunProblem.h"
 #include "engine/ComparisonFile.h"
 
-#include <QStringList>
+#include <QList>
 
 #include <array>
 #include <functional>
@@ -47,11 +48,11 @@ public:
     /** Every decided pair, listed or not. */
     qint64 pairCount() const;
     /**
-     * Everything that could not be compared, one line each ("PATH: REASON"): folders that
-     * could not be read, files dropped as case duplicates, files whose checksum could not be
-     * read, and a tree that kept changing.
+     * Everything that could not be compared: roots and folders that could not be read, files
+     * dropped as case duplicates, files whose checksum could not be read, and trees that kept
+     * changing.
      */
-    const QStringList &problems() const { return m_problems; }
+    const QList<RunProblem> &problems() const { return m_problems; }
     /** How many restarts the trees' changes forced. */
     int restarts() const { return m_restarts; }
 
@@ -65,6 +66,6 @@ private:
     ProgressLine *m_progress = nullptr;
     std::vector<ReportPair> m_pairs;
     std::array<qint64, 15> m_counts{};
-    QStringList m_problems;
+    QList<RunProblem> m_problems;
     int m_restarts = 0;
 };

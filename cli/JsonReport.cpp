@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <sys/stat.h>
 
 namespace {
 
@@ -65,16 +66,42 @@ QByteArray isoDate(const FileTime &time) {
     return QByteArray(text, length);
 }
 
+/** The kind of file a mode names, in words. */
+const char *kindName(quint32 mode) {
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return "file";
+    case S_IFLNK:
+        return "link";
+    case S_IFIFO:
+        return "fifo";
+    case S_IFSOCK:
+        return "socket";
+    case S_IFCHR:
+        return "character device";
+    case S_IFBLK:
+        return "block device";
+    case S_IFDIR:
+        return "folder";
+    default:
+        return "unknown";
+    }
+}
+
 QByteArray side(const ComparisonFilePtr &record) {
-    if (!record->HasFileObject())
+    // Only what the pair was judged on: a side that does not exist, or whose properties could
+    // not be read when it was judged, has none to show.
+    if (!record || !record->HasFileObject() || !record->DetailsLoaded())
         return QByteArray("null");
-    if (!record->DetailsLoaded())
-        record->UpdateDetails();
-    return "{\"size\": " + QByteArray::number(record->Size()) +
+    const quint32 mode = record->Mode();
+    return "{\"kind\": \"" + QByteArray(kindName(mode)) +
+           "\", \"size\": " + QByteArray::number(record->Size()) +
            ", \"modified\": " + isoDate(record->DateLastModified()) +
            ", \"created\": " + isoDate(record->DateCreated()) +
            ", \"accessed\": " + isoDate(record->DateLastAccessed()) + ", \"attributes\": " +
-           jsonString(ComparisonFile::AttributeString(record->Attributes())) + '}';
+           jsonString(ComparisonFile::AttributeString(record->Attributes())) +
+           ", \"permissions\": \"" + QByteArray::number(mode & 07777, 8).rightJustified(4, '0') +
+           "\"}";
 }
 
 /** `"key": "text"`, and `"keyBytes": "escaped"` beside it when the bytes are not UTF-8. */
@@ -123,8 +150,11 @@ void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStr
     }
     out << "},\n \"problems\": [";
     first = true;
-    for (const QString &problem : run.problems()) {
-        out << (first ? "\n  " : ",\n  ") << jsonString(problem);
+    for (const RunProblem &problem : run.problems()) {
+        out << (first ? "\n  " : ",\n  ") << '{'
+            << (problem.path.isEmpty() ? QByteArray("\"path\": null")
+                                       : nameMembers("path", problem.path))
+            << ", \"reason\": " << jsonString(problem.reason) << '}';
         first = false;
     }
     out << (first ? "]\n}\n" : "\n ]\n}\n");

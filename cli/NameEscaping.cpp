@@ -93,7 +93,9 @@ QString NameEscaping::readable(const QByteArray &name) {
         const uchar byte = uchar(name.at(at));
         const qsizetype length = utf8SequenceLength(name, at);
         const bool printable = length > 0 && byte >= 0x20 && byte != 0x7F;
-        if (printable)
+        if (byte == '\\')
+            out += "\\\\";
+        else if (printable)
             out.append(name.constData() + at, length);
         else if (byte == '\t')
             out += "\\t";

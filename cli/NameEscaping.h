@@ -21,7 +21,8 @@ QByteArray bytes(const QByteArray &name);
 
 /**
  * For people: valid UTF-8 shown as text; bytes that are not valid UTF-8 and control characters
- * as "\xHH" (tab and newline as "\t" and "\n"), so that a name never breaks a row.
+ * as "\xHH" (tab and newline as "\t" and "\n"), so that a name never breaks a row, and a
+ * backslash as "\\", so that two different names never read the same.
  */
 QString readable(const QByteArray &name);
 

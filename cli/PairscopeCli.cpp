@@ -7,7 +7,6 @@
 #include "cli/ProgressLine.h"
 #include "cli/TextReport.h"
 #include "cli/TsvReport.h"
-#include "engine/PathHelpers.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,8 +17,9 @@
 
 namespace {
 
-void reportProblem(std::FILE *err, const QString &line) {
-    std::fprintf(err, "pairscope-cli: %s\n", line.toUtf8().constData());
+void reportProblem(std::FILE *err, const RunProblem &problem) {
+    const QByteArray line = "pairscope-cli: " + problem.line() + '\n';
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), err);
 }
 
 QString systemError(int error) {
@@ -30,11 +30,11 @@ QString systemError(int error) {
 bool isFolder(const QByteArray &root, std::FILE *err) {
     struct stat status;
     if (::stat(root.constData(), &status) != 0) {
-        reportProblem(err, DisplayFromNative(root) + QLatin1String(": ") + systemError(errno));
+        reportProblem(err, {root, systemError(errno)});
         return false;
     }
     if (!S_ISDIR(status.st_mode)) {
-        reportProblem(err, DisplayFromNative(root) + QLatin1String(": not a folder"));
+        reportProblem(err, {root, QStringLiteral("not a folder")});
         return false;
     }
     return true;
@@ -72,7 +72,7 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
     QString error;
     const CliOptions options = CliOptions::parse(arguments, &error);
     if (!error.isEmpty()) {
-        reportProblem(err, error + QLatin1String(" (see pairscope-cli --help)"));
+        reportProblem(err, {QByteArray(), error + QLatin1String(" (see pairscope-cli --help)")});
         return Trouble;
     }
     if (options.showHelp || options.showVersion) {
@@ -105,9 +105,9 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
         writeReport(options, run, stream);
         written = stream.flush();
         if (!written)
-            reportProblem(err, QLatin1String("standard output: ") + systemError(stream.error()));
+            reportProblem(err, {QByteArray("standard output"), systemError(stream.error())});
     }
-    for (const QString &problem : run.problems())
+    for (const RunProblem &problem : run.problems())
         reportProblem(err, problem);
 
     if (!written || !run.problems().isEmpty())

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <libdeflate.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -42,6 +43,26 @@ int openForReading(int dirFd, const char *name) {
         } while (fd < 0 && errno == EINTR);
     }
     return fd;
+}
+
+/**
+ * Puts back the accessed date of the link \a name after its text was read. No flag keeps
+ * readlink from updating it (O_NOATIME is for opened files), and a checksum pass must not
+ * change what a later accessed-date compare sees. The date is set only when the read moved
+ * it, since setting it also updates the change time, and only where the kernel allows it
+ * (the owner, or root); elsewhere the date stays as the read left it.
+ */
+void restoreAccessTime(int dirFd, const char *name, const FileTime &accessed) {
+    if (accessed.isNull())
+        return;
+    struct statx now;
+    if (::statx(dirFd, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_ATIME, &now) != 0)
+        return;
+    if (FileTime(now.stx_atime.tv_sec, qint32(now.stx_atime.tv_nsec)) == accessed)
+        return;
+    const struct timespec times[2] = {{time_t(accessed.seconds()), accessed.nanoseconds()},
+                                      {0, UTIME_OMIT}};
+    ::utimensat(dirFd, name, times, AT_SYMLINK_NOFOLLOW);
 }
 
 } // namespace
@@ -86,13 +107,13 @@ CRC32Object::Result CRC32Object::Checksum(int dirFd, const QByteArray &name,
     case FileKind::Other:
         return {Status::Skipped, 0, 0};
     case FileKind::Symlink:
-        return readLink(dirFd, name.constData(), known.size);
+        return readLink(dirFd, name.constData(), known);
     case FileKind::Regular:
         break;
     }
     if (known.size == 0)
         return {Status::Ok, 0, 0};
-    return readRegular(dirFd, name.constData(), known.size);
+    return readRegular(dirFd, name.constData(), known);
 }
 
 quint32 CRC32Object::update(quint32 crc, const void *data, std::size_t size) {
@@ -105,7 +126,8 @@ bool CRC32Object::yieldAndTest() {
     return !m_cancel.load(std::memory_order_relaxed);
 }
 
-CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, qint64 knownSize) {
+CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, const FileStat &known) {
+    const qint64 knownSize = known.size;
     const FdGuard fd(openForReading(dirFd, name));
     if (fd.get() < 0)
         return {Status::Failed, 0, errno};
@@ -145,19 +167,35 @@ CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, qint64
         if (!yieldAndTest())
             return {Status::Cancelled, 0, 0};
         if (filled < chunk)
-            return {Status::Ok, crc, 0};
+            break;
     }
+    // The pair was judged on the size and date taken before the read; bytes read from a file
+    // that was written meanwhile belong to neither state. The descriptor's own properties
+    // tell, whatever name the file has by now.
+    struct stat after;
+    if (::fstat(fd.get(), &after) != 0)
+        return {Status::Failed, 0, errno};
+    if (total != knownSize || qint64(after.st_size) != knownSize ||
+        FileTime(after.st_mtim.tv_sec, qint32(after.st_mtim.tv_nsec)) != known.modified)
+        return {Status::Changed, 0, 0};
+    return {Status::Ok, crc, 0};
 }
 
-CRC32Object::Result CRC32Object::readLink(int dirFd, const char *name, qint64 knownSize) {
+CRC32Object::Result CRC32Object::readLink(int dirFd, const char *name, const FileStat &known) {
     // The link's own text is its content; the target is never read.
-    std::vector<char> text(std::size_t(std::max<qint64>(knownSize, 255)) + 1);
+    std::vector<char> text(std::size_t(std::max<qint64>(known.size, 255)) + 1);
+    ssize_t n;
     for (;;) {
-        const ssize_t n = ::readlinkat(dirFd, name, text.data(), text.size());
+        n = ::readlinkat(dirFd, name, text.data(), text.size());
         if (n < 0)
             return {Status::Failed, 0, errno};
         if (std::size_t(n) < text.size())
-            return {Status::Ok, update(0, text.data(), std::size_t(n)), 0};
+            break;
         text.resize(text.size() * 2);
     }
+    restoreAccessTime(dirFd, name, known.accessed);
+    // A link's size is the length of its text: another length is another link.
+    if (qint64(n) != known.size)
+        return {Status::Changed, 0, 0};
+    return {Status::Ok, update(0, text.data(), std::size_t(n)), 0};
 }

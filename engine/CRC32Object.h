@@ -15,7 +15,10 @@
  * bytes into one buffer, so that a file of any size costs one chunk of memory. The checksum is
  * computed by libdeflate. A symbolic link is checksummed by its text, never followed; a FIFO,
  * socket or device is never opened. Files are opened without updating their accessed date
- * where the kernel allows it, and are always closed, cancelled or not.
+ * where the kernel allows it (a link's date is put back after its text is read), and are
+ * always closed, cancelled or not. A file whose size or modified date after the read differ
+ * from the properties it was judged on has changed while it was read: its checksum belongs to
+ * neither state, and is not given.
  */
 class CRC32Object {
 public:
@@ -29,6 +32,11 @@ public:
         Skipped,
         /** The file could not be opened or read; error() says why. */
         Failed,
+        /**
+         * The file changed between the look at its properties and the end of the read (its
+         * size or modified date differ): no checksum; the tree has changed.
+         */
+        Changed,
     };
 
     /** The outcome of one checksum. */
@@ -81,8 +89,8 @@ public:
     void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
 private:
-    Result readRegular(int dirFd, const char *name, qint64 knownSize);
-    Result readLink(int dirFd, const char *name, qint64 knownSize);
+    Result readRegular(int dirFd, const char *name, const FileStat &known);
+    Result readLink(int dirFd, const char *name, const FileStat &known);
     bool yieldAndTest();
 
     int m_chunkSize = DefaultChunkSize;

@@ -70,6 +70,9 @@ public:
     void setDateLastAccessed(const FileTime &time);
     /** The kind of file the details were loaded from (Missing before). */
     FileKind Kind() const;
+    /** The st_mode bits (file type and permissions); 0 before the details are loaded. */
+    quint32 Mode() const;
+    void setMode(quint32 mode);
 
     /** The root folder of this record's side, as given to its collection. */
     QString RootPath() const;
@@ -95,6 +98,16 @@ public:
     static QString DateString(const FileTime &date);
     /** "RHSAL" letters of the set bits, all lower case when the compressed bit is set. */
     static QString AttributeString(int attributes);
+    /**
+     * The file type and permissions of \a mode as a listing writes them ("-rw-r--r--",
+     * "lrwxrwxrwx", "prw-------"); "" for 0, a mode never read.
+     */
+    static QString PermissionString(quint32 mode);
+    /**
+     * The Attributes column: the letters, a blank, then PermissionString() of \a mode
+     * ("R -r--r--r--"); either part alone when the other is empty.
+     */
+    static QString AttributesText(int attributes, quint32 mode);
     /** The words for a difference code; "" for codes without text or outside -1..14. */
     static QString DifferenceText(int code);
 

@@ -5,6 +5,7 @@
 #include "engine/TreeListing.h"
 #include "engine/TreeWalker.h"
 
+#include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -41,9 +42,18 @@ void ComparisonFileCollection::setRootFolderNative(const QByteArray &folder) {
 
 namespace {
 
-bool isFolder(const QByteArray &native) {
+/** 0 when \a native names a folder (a link to one counts), else the reason as an errno. */
+int folderError(const QByteArray &native) {
     struct stat st;
-    return !native.isEmpty() && ::stat(native.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+    if (native.isEmpty())
+        return ENOENT;
+    if (::stat(native.constData(), &st) != 0)
+        return errno;
+    return S_ISDIR(st.st_mode) ? 0 : ENOTDIR;
+}
+
+bool isFolder(const QByteArray &native) {
+    return folderError(native) == 0;
 }
 
 } // namespace
@@ -59,14 +69,21 @@ void ComparisonFileCollection::prepareRootFolder(const QString &folder) {
 }
 
 void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString &asGiven) {
-    // A root that is not an existing folder changes nothing, as if it had not been set.
-    if (!isFolder(rootNative))
-        return;
     m_rootFolder = asGiven;
     m_rootNative = normalizedRoot(rootNative);
     m_cancelled = false;
-    m_inProgress = true;
     resetRecords();
+    // A root that is no longer a folder (unmounted, renamed since it was chosen) is a problem
+    // the caller must see: taken as an empty tree, it would show every file of the other side
+    // as missing. The root is kept, so that the other side's files still find their place,
+    // and they could not be read here, as below any folder that could not be read.
+    if (const int error = folderError(rootNative)) {
+        m_prepared.reset();
+        m_rootNode = FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
+        addUnreadableFolder(m_rootNode, error);
+        return;
+    }
+    m_inProgress = true;
     std::unique_ptr<TreeListing> listing = std::move(m_prepared);
     if (listing && (listing->root()->nativePath() != m_rootNative ||
                     listing->root()->rootPath() != m_rootFolder || listing->rule() != m_caseRule))

@@ -58,8 +58,8 @@ public:
     QString RootFolder() const { return m_rootFolder; }
     /**
      * Walks \a folder into a new, empty collection and returns when the walk has finished or
-     * was cancelled. A folder that does not exist changes nothing. A folder that cannot be read
-     * (the root included) is listed in Problems().
+     * was cancelled. A folder that cannot be read, and a root that is not a folder (or no
+     * longer exists), is listed in Problems().
      */
     void setRootFolder(const QString &folder);
     /** Same for a folder given as bytes (a path that is not valid UTF-8). */

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+#include <sys/stat.h>
+
 /** Attribute bits of a file, as the listings and the attribute comparison know them. */
 namespace FileAttributes {
 /** The owner may not write the file. */
@@ -49,6 +51,11 @@ struct FileStat {
     FileTime created;
     FileTime modified;
     FileTime accessed;
+
+    /** The file type bits of the mode: regular file, link, FIFO, socket, device or folder. */
+    quint32 type() const { return mode & S_IFMT; }
+    /** The permission bits of the mode, with set-user-ID, set-group-ID and sticky. */
+    quint32 permissions() const { return mode & 07777; }
 
     /** True when the file exists (its properties could be read). */
     bool isValid() const { return kind != FileKind::Missing; }

@@ -18,10 +18,10 @@ bool datesDiffer(const FileTime &a, const FileTime &b, bool includeSlack);
 
 /**
  * The difference code of a pair from one snapshot of each side, testing in a fixed order and
- * stopping at the first difference: existence, size, checksum (first), dates, attributes,
- * checksum (last). \a checksumTest is called at most once, only when the checksum decides;
- * it returns a difference code, or 0 when the checksums agree (or cannot apply); a
- * cancelled checksum returns Equal, which is the result so far.
+ * stopping at the first difference: existence, kind, size, checksum (first), dates,
+ * attributes (with the permission bits), checksum (last). \a checksumTest is called at most once,
+ * only when the checksum decides; it returns a difference code, or 0 when the checksums agree (or
+ * cannot apply); a cancelled checksum returns Equal, which is the result so far.
  */
 template <typename ChecksumTest>
 int comparePair(const FileStat &source, const FileStat &destination, const PairTestOptions &options,
@@ -34,6 +34,11 @@ int comparePair(const FileStat &source, const FileStat &destination, const PairT
         return Code::SourceMissing;
     if (!destination.isValid())
         return Code::DestinationMissing;
+    // Different kinds of file are never equal, whatever is compared: the kind is tested before
+    // any property that could agree by chance (a FIFO has no content to checksum, a link's
+    // text can match a file's bytes). The kind shows in the attributes, hence their code.
+    if (source.type() != destination.type())
+        return Code::Attributes;
     if (has(sizes) && source.size != destination.size)
         return Code::Size;
     if (has(checksums) && !options.doCRCLast) {
@@ -60,7 +65,8 @@ int comparePair(const FileStat &source, const FileStat &destination, const PairT
                                       Code::SourceAccessedLater, Code::DestinationAccessedLater))
             return code;
     }
-    if (has(attributes) && source.attributes != destination.attributes)
+    if (has(attributes) && (source.attributes != destination.attributes ||
+                            source.permissions() != destination.permissions()))
         return Code::Attributes;
     if (has(checksums) && options.doCRCLast) {
         if (const int code = checksumTest())

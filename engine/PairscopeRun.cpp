@@ -207,11 +207,18 @@ int Pairscope::Run::sourcePass() {
         } else if (!stat.isValid()) {
             code =
                 vanished(stat) ? DifferenceCode::SourceMissing : DifferenceCode::SourceUnreadable;
+            // The details listed for the destination are still those of a fresh look.
+            if (m_engine.m_loadDetails)
+                counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
         } else {
             counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
             code = counterpartStat.isValid() || vanished(counterpartStat)
                        ? judge(record, stat, counterpart, counterpartStat, job)
                        : DifferenceCode::DestinationUnreadable;
+            if (m_source.NeedsRescan() || m_destination.NeedsRescan()) {
+                releaseJob(job);
+                return StatusRescanNeeded;
+            }
         }
         record->setDifferenceCode(code);
         if (counterpart)
@@ -274,6 +281,12 @@ int Pairscope::Run::checksumTest(const ComparisonFilePtr &record, const FileStat
         return DifferenceCode::Equal;
     if (destination.status == Status::Failed)
         return DifferenceCode::DestinationUnreadable;
+    // A file written while it was read no longer matches its record: the tree has changed,
+    // as when a file vanished, and the pass ends before this pair is reported.
+    if (source.status == Status::Changed || destination.status == Status::Changed) {
+        (source.status == Status::Changed ? m_source : m_destination).setNeedsRescan(true);
+        return DifferenceCode::Equal;
+    }
     if (source.status == Status::Skipped || destination.status == Status::Skipped)
         return 0;
     return source.crc != destination.crc ? DifferenceCode::Checksum : 0;

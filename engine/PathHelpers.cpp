@@ -1,5 +1,8 @@
 #include "engine/PathHelpers.h"
 
+#include <QHash>
+#include <QMutex>
+
 namespace {
 
 /** Length of the valid UTF-8 sequence starting at \a p (at most \a left bytes), or 0. */
@@ -103,6 +106,39 @@ QString KeyFromNative(const QByteArray &native) {
     return key;
 }
 
+namespace {
+
+/** The bytes of paths that are not valid UTF-8, by their display form. */
+struct RememberedPaths {
+    QMutex mutex;
+    QHash<QString, QByteArray> native;
+};
+
+RememberedPaths &rememberedPaths() {
+    static RememberedPaths paths;
+    return paths;
+}
+
+} // namespace
+
 QByteArray NativeFromPath(const QString &path) {
+    // Only a text with a replacement character can stand for remembered bytes.
+    if (path.contains(QChar::ReplacementCharacter)) {
+        RememberedPaths &paths = rememberedPaths();
+        const QMutexLocker lock(&paths.mutex);
+        const auto found = paths.native.constFind(path);
+        if (found != paths.native.cend())
+            return *found;
+    }
     return path.toUtf8();
+}
+
+QString PathTextFromNative(const QByteArray &native) {
+    const QString text = DisplayFromNative(native);
+    if (text.toUtf8() != native) {
+        RememberedPaths &paths = rememberedPaths();
+        const QMutexLocker lock(&paths.mutex);
+        paths.native.insert(text, native);
+    }
+    return text;
 }

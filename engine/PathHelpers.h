@@ -28,5 +28,14 @@ QString DisplayFromNative(const QByteArray &native);
  * a backslash as "\\", so that different names never share a key.
  */
 QString KeyFromNative(const QByteArray &native);
-/** The native bytes for a path given as text (the inverse of DisplayFromNative for UTF-8). */
+/**
+ * The native bytes for a path given as text: its UTF-8, or the bytes remembered for that text
+ * by PathTextFromNative().
+ */
 QByteArray NativeFromPath(const QString &path);
+/**
+ * The text of a native path for a path box. A path that is not valid UTF-8 has no text that
+ * gives its bytes back, so its display form is remembered with them for the rest of the run:
+ * NativeFromPath() of that text then names the same folder.
+ */
+QString PathTextFromNative(const QByteArray &native);

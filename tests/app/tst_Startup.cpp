@@ -1,15 +1,22 @@
 #include "app/Startup.h"
+#include "app/StatusLine.h"
 #include "app/frmMain.h"
+#include "engine/PathHelpers.h"
 #include "settings/Options.h"
 #include "settings/SettingsStore.h"
+#include "support/ComparedWindow.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 class tst_Startup : public QObject {
     Q_OBJECT
@@ -20,6 +27,7 @@ private Q_SLOTS:
 
     void foldersFromArguments_data();
     void foldersFromArguments();
+    void folderNotValidUtf8Opens();
     void defaultPlacement_data();
     void defaultPlacement();
 
@@ -66,11 +74,10 @@ void tst_Startup::foldersFromArguments() {
     QVERIFY(tree.write("src/file.txt", "x"));
     QVERIFY(tree.mkdir("dst"));
     QVERIFY(tree.mkdir("with blanks"));
-    for (QString &argument : arguments) {
-        if (!argument.isEmpty())
-            argument = tree.path(argument);
-    }
-    const std::array<QString, 2> folders = FoldersFromArguments(arguments);
+    QList<QByteArray> native;
+    for (const QString &argument : arguments)
+        native << (argument.isEmpty() ? QByteArray() : QFile::encodeName(tree.path(argument)));
+    const std::array<QString, 2> folders = FoldersFromArguments(native);
     QCOMPARE(folders[0], source.isEmpty() ? QString() : tree.path(source));
     QCOMPARE(folders[1], destination.isEmpty() ? QString() : tree.path(destination));
 
@@ -81,6 +88,32 @@ void tst_Startup::foldersFromArguments() {
     QDir::setCurrent(before);
     QCOMPARE(relative[0], tree.path("dst"));
     QCOMPARE(relative[1], tree.path("src"));
+}
+
+void tst_Startup::folderNotValidUtf8Opens() {
+    TestTree tree;
+    const QByteArray odd = tree.nativePath("caf\xe9");
+    QCOMPARE(::mkdir(odd.constData(), 0755), 0);
+    // The temporary folder's own clean-up cannot see a name that is not UTF-8.
+    const auto removeOdd = qScopeGuard([&odd] {
+        ::unlink((odd + "/only-here.txt").constData());
+        ::rmdir(odd.constData());
+    });
+    QVERIFY(tree.writeNative("caf\xe9/only-here.txt", "x"));
+    QVERIFY(tree.mkdir("dst"));
+
+    // Named from the working folder, as the shell hands it over: bytes.
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(tree.root()));
+    const std::array<QString, 2> folders = FoldersFromArguments({"./caf\xe9/", "dst"});
+    QDir::setCurrent(before);
+    QCOMPARE(NativeFromPath(folders[0]), odd);
+
+    // The window compares the folder the bytes name, as pairscope-cli does.
+    ComparedWindow compared(folders[0], folders[1]);
+    compared.compare();
+    QCOMPARE(compared.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
+    QCOMPARE(compared.list(0)->ItemCount(), 1);
 }
 
 void tst_Startup::defaultPlacement_data() {

@@ -55,10 +55,11 @@ void tst_CliOptions::parsesOptions_data() {
     QTest::newRow("flags after the roots")
         << QByteArray("a --crc-first b --no-slack --format tsv") << 3 << 65536 << false << false
         << false << false << int(OutputFormat::Tsv);
-    QTest::newRow("chunk size raised") << QByteArray("--chunk-size 100 a b") << 3 << 1024 << true
-                                       << true << false << false << text;
-    QTest::newRow("chunk size lowered") << QByteArray("--chunk-size=99999999999 a b") << 3
-                                        << 16777216 << true << true << false << false << text;
+    QTest::newRow("chunk size at the floor") << QByteArray("--chunk-size 1024 a b") << 3 << 1024
+                                             << true << true << false << false << text;
+    QTest::newRow("chunk size at the ceiling")
+        << QByteArray("--chunk-size=16777216 a b") << 3 << 16777216 << true << true << false
+        << false << text;
     QTest::newRow("roots after --")
         << QByteArray("-a -- -a --help") << 3 << 65536 << true << true << true << false << text;
 }
@@ -97,13 +98,33 @@ void tst_CliOptions::refusesBadArguments_data() {
     QTest::newRow("unknown format") << QByteArray("--format xml a b") << "unknown --format 'xml'";
     QTest::newRow("unknown case rule")
         << QByteArray("--case=lower a b") << "unknown --case 'lower'";
+    QTest::newRow("chunk size below the floor")
+        << QByteArray("--chunk-size 1023 a b") << "--chunk-size '1023' is out of range";
+    QTest::newRow("chunk size above the ceiling")
+        << QByteArray("--chunk-size=16777217 a b") << "--chunk-size '16777217' is out of range";
+    QTest::newRow("existence with another")
+        << QByteArray("-c existence,size a b") << "existence cannot be combined";
+    QTest::newRow("value on a short flag")
+        << QByteArray("-a=1 a b") << "option '-a' takes no value";
+    QTest::newRow("value on a bundled flag")
+        << QByteArray("-aq=1 a b") << "option '-q' takes no value";
+    QTest::newRow("empty source") << QByteArray("@ b") << "SOURCE is an empty argument";
+    QTest::newRow("empty destination") << QByteArray("a @") << "DESTINATION is an empty argument";
+    QTest::newRow("a newline in an argument stays escaped")
+        << QByteArray("--format x\ny a b") << "unknown --format 'x\\ny'";
 }
 
 void tst_CliOptions::refusesBadArguments() {
     QFETCH(QByteArray, arguments);
     QFETCH(QString, reason);
     QString error;
-    CliOptions::parse(split(arguments.constData()), &error);
+    // "@" stands for an empty argument.
+    QList<QByteArray> list = split(arguments.constData());
+    for (QByteArray &argument : list) {
+        if (argument == "@")
+            argument.clear();
+    }
+    CliOptions::parse(list, &error);
     QVERIFY2(error.startsWith(reason), qPrintable(error));
     QVERIFY(!error.contains(QLatin1Char('\n')));
 }
@@ -117,7 +138,10 @@ void tst_CliOptions::escapesNames_data() {
 
     QTest::newRow("tab, newline, backslash")
         << QByteArray("t\tn\nb\\") << QByteArray("t\\tn\\nb\\\\") << QByteArray("t\\x09n\\x0ab\\\\")
-        << "t\\tn\\nb\\" << true;
+        << "t\\tn\\nb\\\\" << true;
+    // A backslash is doubled for people too: this name and the Latin-1 byte below differ.
+    QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
+                                         << QByteArray("caf\\\\xe9") << "caf\\\\xe9" << true;
     QTest::newRow("carriage return stays in tsv")
         << QByteArray("r\r") << QByteArray("r\r") << QByteArray("r\\x0d") << "r\\x0d" << true;
     QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9 \xe6\x97\xa5")

@@ -1,5 +1,8 @@
+#include "cli/CompareRun.h"
+#include "cli/NameEscaping.h"
 #include "support/TestTree.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -143,7 +146,10 @@ private Q_SLOTS:
     void refusesRoots_data();
     void refusesRoots();
     void oddNames();
+    void rootGoneAfterTheCheck_data();
+    void rootGoneAfterTheCheck();
     void unreadableFolderAndFileAreReportedAndTheRestListed();
+    void jsonSidesAndProblemsAsJudged();
     void progressOnlyWhenAsked();
 };
 
@@ -178,6 +184,9 @@ void tst_PairscopeCli::tsvByComparisons() {
 
 void tst_PairscopeCli::jsonCarriesBothSides() {
     PairTree pair;
+    QCOMPARE(
+        ::chmod(QFile::encodeName(pair.source() + QStringLiteral("/size.txt")).constData(), 0640),
+        0);
     const CliResult result = runCli(pair.arguments(
         {QStringLiteral("--format=json"), QStringLiteral("-c"), QStringLiteral("size,crc"),
          QStringLiteral("--crc-first"), QStringLiteral("--chunk-size"), QStringLiteral("2048"),
@@ -230,6 +239,8 @@ void tst_PairscopeCli::jsonCarriesBothSides() {
                 .match(created.toString())
                 .hasMatch());
     QCOMPARE(source[QLatin1String("attributes")].toString(), QString());
+    QCOMPARE(source[QLatin1String("permissions")].toString(), QStringLiteral("0640"));
+    QCOMPARE(source[QLatin1String("kind")].toString(), QStringLiteral("file"));
 
     QVERIFY(onlySource[QLatin1String("destination")].isNull());
     QCOMPARE(onlySource[QLatin1String("source")].toObject()[QLatin1String("size")].toInteger(), 1);
@@ -326,6 +337,10 @@ void tst_PairscopeCli::refusesRoots_data() {
                                               "(see pairscope-cli --help)\n");
     QTest::newRow("source is a file") << QStringList{QStringLiteral("@/file"), QStringLiteral("@")}
                                       << QByteArray("pairscope-cli: @/file: not a folder\n");
+    QTest::newRow("empty source")
+        << QStringList{QString(), QStringLiteral("@")}
+        << QByteArray("pairscope-cli: SOURCE is an empty argument; give a folder "
+                      "(see pairscope-cli --help)\n");
     QTest::newRow("both missing") << QStringList{QStringLiteral("@/none"), QStringLiteral("@/gone")}
                                   << QByteArray(
                                          "pairscope-cli: @/none: No such file or directory\n"
@@ -385,6 +400,28 @@ void tst_PairscopeCli::oddNames() {
              text.out.constData());
 }
 
+void tst_PairscopeCli::rootGoneAfterTheCheck_data() {
+    QTest::addColumn<bool>("sourceGone");
+    QTest::newRow("source") << true;
+    QTest::newRow("destination") << false;
+}
+
+void tst_PairscopeCli::rootGoneAfterTheCheck() {
+    // The roots are checked before the walk; one can still go (an unmounted disk) before it.
+    // The run is made here, past the check, as it would be then.
+    QFETCH(bool, sourceGone);
+    PairTree pair;
+    CliOptions options;
+    options.source = QFile::encodeName(pair.source());
+    options.destination = QFile::encodeName(pair.destination());
+    const QByteArray gone = sourceGone ? options.source : options.destination;
+    QVERIFY(QDir(QFile::decodeName(gone)).removeRecursively());
+    CompareRun run(options);
+    QVERIFY(run.run());
+    QCOMPARE(run.problems().size(), 1);
+    QCOMPARE(run.problems().first().line(), gone + ": No such file or directory");
+}
+
 void tst_PairscopeCli::unreadableFolderAndFileAreReportedAndTheRestListed() {
     if (::geteuid() != 0 || !canDropPrivileges())
         QSKIP("needs root and setpriv to make a folder and a file that the program may not read");
@@ -420,6 +457,59 @@ void tst_PairscopeCli::unreadableFolderAndFileAreReportedAndTheRestListed() {
     // Behind the folder that could not be read nothing is known: not "missing".
     QVERIFY2(result.out.contains("13\tsource could not be read\tlocked/inside.txt\n"),
              result.out.constData());
+}
+
+void tst_PairscopeCli::jsonSidesAndProblemsAsJudged() {
+    if (::geteuid() != 0 || !canDropPrivileges())
+        QSKIP("needs root and setpriv to make folders that the program may not read");
+    PairTree pair;
+    // A folder that can be listed but not entered: its file is seen, its properties are not.
+    pair.tree().write(QStringLiteral("src/listed/inside.txt"), "1234567");
+    pair.tree().write(QStringLiteral("dst/listed/inside.txt"), "123");
+    // A folder that cannot be read at all, named with a newline and a byte that is not UTF-8.
+    const QByteArray oddPath = QFile::encodeName(pair.source()) + "/odd\nname\xe9";
+    QCOMPARE(::mkdir(oddPath.constData(), 0700), 0);
+    QVERIFY(pair.tree().writeNative("src/odd\nname\xe9/f", "x"));
+    const auto removeOdd = qScopeGuard([&oddPath] {
+        ::unlink((oddPath + "/f").constData());
+        ::rmdir(oddPath.constData());
+    });
+    openUp(pair.tree().root());
+    QCOMPARE(::chmod((QFile::encodeName(pair.source()) + "/listed").constData(), 0744), 0);
+    QCOMPARE(::chmod(oddPath.constData(), 0700), 0);
+
+    const CliResult result = runCli(pair.arguments({QStringLiteral("--format=json"),
+                                                    QStringLiteral("-c"), QStringLiteral("size")}),
+                                    true);
+    QCOMPARE(result.exitCode, 2);
+    // One line per problem whatever the name holds, its bytes as they are; the folder that
+    // cannot be entered is a problem of its own.
+    QVERIFY2(result.err.contains("pairscope-cli: " + QFile::encodeName(pair.source()) +
+                                 "/odd\\nname\xe9: "),
+             result.err.constData());
+    QVERIFY2(result.err.contains(QFile::encodeName(pair.source()) + "/listed: "),
+             result.err.constData());
+    QCOMPARE(result.err.count('\n'), 2);
+
+    QJsonParseError error;
+    const QJsonObject root = QJsonDocument::fromJson(result.out, &error).object();
+    QVERIFY2(error.error == QJsonParseError::NoError, qPrintable(error.errorString()));
+    QJsonObject listed;
+    for (const QJsonValue &value : root[QLatin1String("pairs")].toArray()) {
+        if (value[QLatin1String("path")].toString() == QLatin1String("listed/inside.txt"))
+            listed = value.toObject();
+    }
+    // The side whose properties could not be read has none, not a size of 0; the other
+    // side's are still there.
+    QVERIFY2(listed[QLatin1String("source")].isNull(), result.out.constData());
+    QCOMPARE(listed[QLatin1String("destination")].toObject()[QLatin1String("size")].toInteger(), 3);
+
+    const QJsonArray problems = root[QLatin1String("problems")].toArray();
+    QCOMPARE(problems.size(), 2);
+    const QJsonObject problem = problems.last().toObject();
+    QCOMPARE(problem[QLatin1String("pathBytes")].toString(),
+             QString::fromUtf8(NameEscaping::bytes(oddPath)));
+    QVERIFY(!problem[QLatin1String("reason")].toString().isEmpty());
 }
 
 void tst_PairscopeCli::progressOnlyWhenAsked() {

@@ -61,8 +61,9 @@ private Q_SLOTS:
     void chunkBoundaries_data();
     void chunkBoundaries();
     void randomSplits();
-    void sizeChangedSinceStat_data();
-    void sizeChangedSinceStat();
+    void changedWhileRead_data();
+    void changedWhileRead();
+    void linkText();
     void specialFiles();
     void hugeSparseFile();
 };
@@ -154,32 +155,72 @@ void tst_CRC32Object::randomSplits() {
     }
 }
 
-void tst_CRC32Object::sizeChangedSinceStat_data() {
+void tst_CRC32Object::changedWhileRead_data() {
     QTest::addColumn<int>("before");
     QTest::addColumn<int>("after");
-    QTest::newRow("unchanged") << 100 << 100;
-    QTest::newRow("grown within the chunk") << 100 << 150;
-    QTest::newRow("grown past the chunk") << 100 << 1500;
-    QTest::newRow("shrunk") << 150 << 100;
-    QTest::newRow("shrunk to a chunk") << 1500 << 1024;
-    QTest::newRow("emptied") << 100 << 0;
+    QTest::addColumn<bool>("duringRead");
+    // after = -1: the file is left alone.
+    QTest::newRow("unchanged") << 1500 << -1 << false;
+    QTest::newRow("same size, written since") << 1500 << 1500 << false;
+    QTest::newRow("grown within the chunk") << 100 << 150 << false;
+    QTest::newRow("grown past the chunk") << 100 << 1500 << false;
+    QTest::newRow("shrunk to a chunk") << 1500 << 1024 << false;
+    QTest::newRow("emptied") << 100 << 0 << false;
+    QTest::newRow("same size, written after the first chunk") << 3000 << 3000 << true;
 }
 
-void tst_CRC32Object::sizeChangedSinceStat() {
-    // The size known from the stat only saves a read: the content read is what counts.
+void tst_CRC32Object::changedWhileRead() {
+    // The pair is judged on the size and date of the stat: content read from a file that was
+    // written since belongs to neither state.
     QFETCH(int, before);
     QFETCH(int, after);
+    QFETCH(bool, duringRead);
     TestTree tree;
-    QVERIFY(tree.write(QStringLiteral("f"), randomBytes(before)));
+    const QByteArray original = randomBytes(before);
+    QVERIFY(tree.write(QStringLiteral("f"), original));
+    // An old date, so that a write gives a new one however coarse the clock.
+    QVERIFY(tree.setTimes(QStringLiteral("f"), 1700000000));
     const FileStat stat = FileStat::read(tree.nativePath("f"));
-    QCOMPARE(stat.size, before);
-    const QByteArray now = randomBytes(after);
-    QVERIFY(tree.write(QStringLiteral("f"), now));
     CRC32Object crc;
     crc.setChunkSize(1024);
+    const auto rewrite = [&] {
+        return after < 0 || tree.write(QStringLiteral("f"), randomBytes(after));
+    };
+    if (duringRead)
+        crc.setYieldHook([&, done = false]() mutable {
+            if (!std::exchange(done, true))
+                QVERIFY(rewrite());
+        });
+    else
+        QVERIFY(rewrite());
     const CRC32Object::Result result = crc.Checksum(tree.nativePath("f"), stat);
+    if (after < 0) {
+        QCOMPARE(result.status, CRC32Object::Status::Ok);
+        QCOMPARE(result.crc, referenceCrc(original));
+    } else {
+        QCOMPARE(result.status, CRC32Object::Status::Changed);
+    }
+}
+
+void tst_CRC32Object::linkText() {
+    TestTree tree;
+    const QByteArray link = tree.nativePath("link");
+    QVERIFY(::symlink("target/text", link.constData()) == 0);
+    // An accessed date older than the modified one: reading the text would move it.
+    const timespec times[2] = {{1600000000, 5}, {1700000000, 0}};
+    QVERIFY(::utimensat(AT_FDCWD, link.constData(), times, AT_SYMLINK_NOFOLLOW) == 0);
+    const FileStat stat = FileStat::read(link);
+    CRC32Object crc;
+    const CRC32Object::Result result = crc.Checksum(link, stat);
     QCOMPARE(result.status, CRC32Object::Status::Ok);
-    QCOMPARE(result.crc, referenceCrc(now));
+    QCOMPARE(result.crc, referenceCrc("target/text"));
+    // A checksum pass leaves the accessed date that a later compare reads as it was.
+    QCOMPARE(FileStat::read(link).accessed, stat.accessed);
+
+    // A link pointed elsewhere since its stat has another text: changed, not different.
+    QVERIFY(::unlink(link.constData()) == 0);
+    QVERIFY(::symlink("elsewhere/longer/text", link.constData()) == 0);
+    QCOMPARE(crc.Checksum(link, stat).status, CRC32Object::Status::Changed);
 }
 
 void tst_CRC32Object::specialFiles() {

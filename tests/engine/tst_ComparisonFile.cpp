@@ -4,6 +4,8 @@
 #include <QLocale>
 #include <QTest>
 
+#include <sys/stat.h>
+
 class tst_ComparisonFile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -26,17 +28,39 @@ void tst_ComparisonFile::initTestCase() {
 
 void tst_ComparisonFile::attributeString_data() {
     QTest::addColumn<int>("attributes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("none") << 0 << "";
-    QTest::newRow("compressed lowers") << 2081 << "ra";
-    QTest::newRow("every letter in order") << (1 | 2 | 4 | 32 | 1024) << "RHSAL";
-    QTest::newRow("other bits ignored") << (16 | 8 | 128) << "";
+    QTest::addColumn<uint>("mode");
+    QTest::addColumn<QString>("letters");
+    QTest::addColumn<QString>("column");
+    QTest::newRow("none, mode never read") << 0 << 0u << ""
+                                           << "";
+    QTest::newRow("compressed lowers the letters only") << 2081 << uint(S_IFREG | 0444) << "ra"
+                                                        << "ra -r--r--r--";
+    QTest::newRow("every letter in order") << (1 | 2 | 4 | 32 | 1024) << 0u << "RHSAL"
+                                           << "RHSAL";
+    QTest::newRow("other bits ignored") << (16 | 8 | 128) << uint(S_IFREG | 0644) << ""
+                                        << "-rw-r--r--";
+    QTest::newRow("link") << 1024 << uint(S_IFLNK | 0777) << "L"
+                          << "L lrwxrwxrwx";
+    QTest::newRow("FIFO") << 4 << uint(S_IFIFO | 0600) << "S"
+                          << "S prw-------";
+    QTest::newRow("socket") << 4 << uint(S_IFSOCK | 0755) << "S"
+                            << "S srwxr-xr-x";
+    QTest::newRow("set-user-ID with execute, set-group-ID without")
+        << 0 << uint(S_IFREG | S_ISUID | S_ISGID | 0744) << ""
+        << "-rwsr-Sr--";
+    QTest::newRow("sticky folder") << 0 << uint(S_IFDIR | S_ISVTX | 0777) << ""
+                                   << "drwxrwxrwt";
 }
 
 void tst_ComparisonFile::attributeString() {
     QFETCH(int, attributes);
-    QFETCH(QString, text);
-    QCOMPARE(ComparisonFile::AttributeString(attributes), text);
+    QFETCH(uint, mode);
+    QTEST(ComparisonFile::AttributeString(attributes), "letters");
+    ComparisonFile record;
+    record.setAttributes(attributes);
+    record.setMode(mode);
+    QTEST(record.ColumnString(8, false), "column");
+    QTEST(record.SortString(8), "column");
 }
 
 void tst_ComparisonFile::differenceText_data() {
@@ -64,6 +88,7 @@ void tst_ComparisonFile::differenceText() {
 void tst_ComparisonFile::detailsFromDisk() {
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral(".hidden.txt"), "hello"));
+    QVERIFY(::chmod(tree.nativePath(".hidden.txt").constData(), 0640) == 0);
     ComparisonFile record(FileObject::fromNativePath(tree.nativePath(".hidden.txt")));
     QVERIFY(!record.DetailsLoaded());
     QCOMPARE(record.Size(), 0);
@@ -71,7 +96,7 @@ void tst_ComparisonFile::detailsFromDisk() {
     QVERIFY(record.DetailsLoaded());
     QCOMPARE(record.Size(), 5);
     QCOMPARE(record.ColumnString(3, false), QStringLiteral("5 bytes"));
-    QCOMPARE(record.ColumnString(8, false), QStringLiteral("H"));
+    QCOMPARE(record.ColumnString(8, false), QStringLiteral("H -rw-r-----"));
     QCOMPARE(record.TypeString(), QStringLiteral("plain text document"));
     QCOMPARE(record.ColumnString(1, false), QStringLiteral(".hidden.txt"));
     QCOMPARE(record.ColumnString(0, false), QString());

@@ -85,12 +85,16 @@ void tst_ComparisonFileCollection::emptyAndMissingRoots() {
 
     files.setRootFolder(tree.path(QStringLiteral("one")));
     QCOMPARE(files.Count(), 1);
-    // A folder that does not exist (or is a file) changes nothing.
-    files.setRootFolder(tree.path(QStringLiteral("missing")));
-    files.setRootFolder(tree.path(QStringLiteral("one/f")));
-    QCOMPARE(files.RootFolder(), tree.path(QStringLiteral("one")));
-    QCOMPARE(files.Count(), 1);
     QVERIFY(files.Problems().isEmpty());
+    // A root that is not a folder (gone since it was chosen) is a problem, not an empty tree.
+    for (const QString &root :
+         {tree.path(QStringLiteral("missing")), tree.path(QStringLiteral("one/f"))}) {
+        files.setRootFolder(root);
+        QCOMPARE(files.RootFolder(), root);
+        QCOMPARE(files.Count(), 0);
+        QCOMPARE(files.Problems().size(), 1);
+        QCOMPARE(files.Problems().first().path, root);
+    }
 }
 
 void tst_ComparisonFileCollection::cancelDuringWalk() {

@@ -3,16 +3,47 @@
 #include "support/ChildRun.h"
 #include "support/TestTree.h"
 
+#include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <cstring>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr time_t baseTime = 1700000000;
+
+/**
+ * Makes \a name in \a tree as \a kind: "file" (text "target"), "file 600", "file 755",
+ * "fifo", "socket" or "link" (to "target", so its text is the file's content).
+ */
+bool makeEntry(TestTree &tree, const QByteArray &kind, const QByteArray &name) {
+    const QByteArray path = tree.nativePath(name);
+    if (kind.startsWith("file")) {
+        const mode_t mode = kind == "file" ? 0644 : mode_t(kind.mid(5).toUInt(nullptr, 8));
+        return tree.writeNative(name, "target") && ::chmod(path.constData(), mode) == 0;
+    }
+    if (kind == "fifo")
+        return ::mkfifo(path.constData(), 0644) == 0;
+    if (kind == "link")
+        return ::symlink("target", path.constData()) == 0;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (kind != "socket" || std::size_t(path.size()) >= sizeof address.sun_path)
+        return false;
+    std::memcpy(address.sun_path, path.constData(), std::size_t(path.size()));
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool bound =
+        fd >= 0 && ::bind(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+    if (fd >= 0)
+        ::close(fd);
+    return bound && ::chmod(path.constData(), 0644) == 0;
+}
 
 /** Two walked trees and an engine, with every event written down as text. */
 struct Fixture {
@@ -83,6 +114,11 @@ private Q_SLOTS:
     void cancelDuringChecksum_data();
     void cancelDuringChecksum();
     void fifoAndLinkLoop();
+    void kindsAndPermissions_data();
+    void kindsAndPermissions();
+    void fileWrittenDuringChecksum();
+    void vanishedRoot_data();
+    void vanishedRoot();
     void unreadableFiles();
 };
 
@@ -401,6 +437,99 @@ void tst_Pairscope::fifoAndLinkLoop() {
     QCOMPARE(f.code(QStringLiteral("pipe")), 1);
     QCOMPARE(f.code(QStringLiteral("sub/loop")), 1);
     QCOMPARE(f.code(QStringLiteral("sub/file")), 1);
+}
+
+void tst_Pairscope::kindsAndPermissions_data() {
+    QTest::addColumn<QByteArray>("sourceKind");
+    QTest::addColumn<QByteArray>("destinationKind");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("expected");
+    // Different kinds are never identical, whatever is compared.
+    QTest::newRow("FIFO and file, checksums")
+        << QByteArray("fifo") << QByteArray("file") << 32 << 6;
+    QTest::newRow("FIFO and file, existence only")
+        << QByteArray("fifo") << QByteArray("file") << 0 << 6;
+    QTest::newRow("link and file of its text, sizes and checksums")
+        << QByteArray("link") << QByteArray("file") << 33 << 6;
+    QTest::newRow("FIFO and socket, attributes")
+        << QByteArray("fifo") << QByteArray("socket") << 16 << 6;
+    QTest::newRow("FIFO and FIFO") << QByteArray("fifo") << QByteArray("fifo") << 63 << 1;
+    // Permission bits are attributes.
+    QTest::newRow("600 and 644, attributes")
+        << QByteArray("file 600") << QByteArray("file") << 16 << 6;
+    QTest::newRow("755 and 644, attributes")
+        << QByteArray("file 755") << QByteArray("file") << 16 << 6;
+    QTest::newRow("600 and 644, sizes and checksums")
+        << QByteArray("file 600") << QByteArray("file") << 33 << 1;
+}
+
+void tst_Pairscope::kindsAndPermissions() {
+    QFETCH(QByteArray, sourceKind);
+    QFETCH(QByteArray, destinationKind);
+    QFETCH(int, bits);
+    QFETCH(int, expected);
+    for (const int workers : {0, 2}) {
+        Fixture f(workers);
+        QVERIFY(makeEntry(f.source, sourceKind, "entry"));
+        QVERIFY(makeEntry(f.destination, destinationKind, "entry"));
+        f.walk();
+        QCOMPARE(f.compare(bits), int(Pairscope::StatusComplete));
+        QCOMPARE(f.code(QStringLiteral("entry")), expected);
+    }
+}
+
+void tst_Pairscope::fileWrittenDuringChecksum() {
+    // On the caller's thread, so that the write lands between two chunks of the source.
+    Fixture f(0);
+    const QByteArray content(64 * 1024, 'x');
+    QVERIFY(f.pair("big", content, content));
+    QVERIFY(f.source.setTimes(QStringLiteral("big"), baseTime));
+    QVERIFY(f.destination.setTimes(QStringLiteral("big"), baseTime));
+    f.walk();
+    // Two yields start the comparison; the source is then read in 64 chunks, each with one.
+    int yields = 0;
+    f.engine.setYieldHook([&] {
+        if (++yields == 10)
+            QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
+    });
+    // Not "checksum is different": the walk no longer matches the disk, so the tree is read
+    // again, as when a file vanished.
+    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusRescanNeeded));
+    QVERIFY(f.sourceFiles.NeedsRescan());
+    QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
+             qPrintable(f.events.join(QLatin1Char('\n'))));
+    QVERIFY(yields > 10);
+
+    f.engine.setYieldHook({});
+    f.walk();
+    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusComplete));
+    QCOMPARE(f.code(QStringLiteral("big")), 5);
+}
+
+void tst_Pairscope::vanishedRoot_data() {
+    QTest::addColumn<bool>("sourceGone");
+    QTest::newRow("source") << true;
+    QTest::newRow("destination") << false;
+}
+
+void tst_Pairscope::vanishedRoot() {
+    // A root that went away after it was chosen (an unmounted disk): its side has no files,
+    // and the other side's still find their place beneath it.
+    QFETCH(bool, sourceGone);
+    Fixture f;
+    QVERIFY(f.pair("sub/f", "x", "x"));
+    TestTree &gone = sourceGone ? f.source : f.destination;
+    const QString root = gone.root();
+    QVERIFY(QDir(root).removeRecursively());
+    f.walk();
+    ComparisonFileCollection &files = sourceGone ? f.sourceFiles : f.destinationFiles;
+    QCOMPARE(files.Problems().size(), 1);
+    QCOMPARE(files.Problems().first().path, root);
+    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+    QCOMPARE(files.Count(), 1);
+    QCOMPARE(files.Item(1)->Path(), root + QStringLiteral("/sub/f"));
+    // Whether the file is there cannot be known: it could not be read, not "does not exist".
+    QCOMPARE(files.Item(1)->DifferenceCode(), sourceGone ? 13 : 14);
 }
 
 void tst_Pairscope::unreadableFiles() {

@@ -1,0 +1,8 @@
+#include "cli/RunProblem.h"
+
+#include "cli/NameEscaping.h"
+
+QByteArray RunProblem::line() const {
+    const QByteArray why = NameEscaping::tsv(reason.toUtf8());
+    return path.isEmpty() ? why : NameEscaping::tsv(path) + ": " + why;
+}
