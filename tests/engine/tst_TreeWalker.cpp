@@ -1,6 +1,8 @@
 #include "engine/TreeWalker.h"
 #include "support/TestTree.h"
 
+#include <QProcess>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <algorithm>
@@ -10,6 +12,7 @@ class tst_TreeWalker : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void nameByteOrder();
+    void listingWithoutTypes();
 };
 
 void tst_TreeWalker::nameByteOrder() {
@@ -51,6 +54,44 @@ void tst_TreeWalker::nameByteOrder() {
         ::unlink(tree.nativePath(name).constData());
         ::unlink(tree.nativePath("sub/" + name).constData());
     }
+}
+
+void tst_TreeWalker::listingWithoutTypes() {
+    // A file system without file types in its folders (ext4 made without "filetype") lists
+    // every entry as of unknown type: each must still be walked as what it is.
+    TestTree tree;
+    const QString image = tree.path(QStringLiteral("ext.img"));
+    const QString mountPoint = tree.path(QStringLiteral("mnt"));
+    QVERIFY(tree.mkdir(QStringLiteral("mnt")));
+    const auto run = [](const QString &program, const QStringList &arguments) {
+        QProcess process;
+        process.start(program, arguments);
+        return process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit &&
+               process.exitCode() == 0;
+    };
+    if (!run(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("4M"), image}) ||
+        !run(QStringLiteral("mkfs.ext4"), {QStringLiteral("-q"), QStringLiteral("-O"),
+                                           QStringLiteral("^filetype,^has_journal"), image}) ||
+        !run(QStringLiteral("mount"),
+             {QStringLiteral("-o"), QStringLiteral("loop"), image, mountPoint}))
+        QSKIP("an ext4 image cannot be made and mounted here (needs root and a loop device)");
+    const auto unmount = qScopeGuard([&] { run(QStringLiteral("umount"), {mountPoint}); });
+    QVERIFY(tree.write(QStringLiteral("mnt/sub/inner"), "x"));
+    QVERIFY(tree.write(QStringLiteral("mnt/top"), "x"));
+
+    QList<QByteArray> walked;
+    TreeWalker walker({
+        [] { return false; },
+        [&walked](const FolderRef &folder, std::vector<QByteArray> &files) {
+            for (const QByteArray &name : files)
+                walked << folder->relativeNativePath() + '/' + name;
+            return true;
+        },
+        [](const FolderRef &, int) { QFAIL("a folder could not be read"); },
+    });
+    const QByteArray root = tree.nativePath("mnt");
+    walker.walk(FolderRef::make(root, root.size(), tree.path(QStringLiteral("mnt"))));
+    QCOMPARE(walked, (QList<QByteArray>{"/top", "sub/inner"}));
 }
 
 QTEST_GUILESS_MAIN(tst_TreeWalker)
