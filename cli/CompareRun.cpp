@@ -1,76 +1,55 @@
 #include "cli/CompareRun.h"
 
 #include "cli/ProgressLine.h"
-#include "engine/ComparisonFileCollection.h"
-#include "engine/Pairscope.h"
+#include "engine/CompareSession.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <numeric>
-#include <system_error>
-#include <thread>
-#include <unistd.h>
-
-namespace {
-
-/**
- * Why \a nativePath could not be read. The engine reports only that a checksum failed, so the
- * file is opened once more here for the system's reason; when that now succeeds the failure
- * came later, during the read.
- */
-QString unreadableReason(const QByteArray &nativePath) {
-    const int fd = ::open(nativePath.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        return QStringLiteral("could not be read: ") + QString::fromLocal8Bit(std::strerror(errno));
-    ::close(fd);
-    return QStringLiteral("could not be read");
-}
-
-} // namespace
 
 CompareRun::CompareRun(const CliOptions &options)
     : m_options(options) {}
 
 bool CompareRun::run() {
-    while (attempt() == Pairscope::StatusRescanNeeded) {
-        if (m_restarts == MaxRestarts) {
-            m_problems.append({QByteArray(), QStringLiteral("the folders kept changing during "
-                                                            "the comparison; gave up after %1 "
-                                                            "restarts")
-                                                 .arg(MaxRestarts)});
-            return false;
-        }
-        ++m_restarts;
-    }
-    return true;
+    CompareSession session;
+    // Without a window there is no order of walk events to keep: the trees are walked side by
+    // side. A tree that keeps changing is given up in the end.
+    session.setParallelWalks(true);
+    session.setMaxRestarts(MaxRestarts);
+    // The json report shows the sizes and dates each pair was judged on, not a later look.
+    session.setLoadDetails(m_options.format == OutputFormat::Json);
+    QObject::connect(&session, &CompareSession::attemptStarted, &session,
+                     [this, &session] { connectAttempt(session); });
+    CompareSession::Request request;
+    request.source = m_options.source;
+    request.destination = m_options.destination;
+    request.comparisons = m_options.comparisons;
+    request.includeSlack = m_options.includeSlack;
+    request.doCRCLast = m_options.doCRCLast;
+    request.chunkSize = m_options.chunkSize;
+    request.caseRule = m_options.caseRule;
+    const CompareSession::State state = session.run(request);
+
+    m_restarts = session.restarts();
+    m_problems.clear();
+    for (const CollectionProblem &problem : session.problems())
+        m_problems.append({problem.nativePath, problem.reason});
+    std::sort(m_pairs.begin(), m_pairs.end(),
+              [](const ReportPair &a, const ReportPair &b) { return a.path < b.path; });
+    return state != CompareSession::State::GaveUp;
 }
 
 qint64 CompareRun::pairCount() const {
     return std::accumulate(m_counts.begin(), m_counts.end(), qint64(0));
 }
 
-int CompareRun::attempt() {
+void CompareRun::connectAttempt(CompareSession &session) {
     m_pairs.clear();
     m_counts.fill(0);
-    m_problems.clear();
-
-    // Fresh collections and a fresh engine for every attempt, so that nothing of a walk that
-    // went stale survives into the next one.
-    ComparisonFileCollection sourceFiles;
-    ComparisonFileCollection destFiles;
-    sourceFiles.setCaseRule(m_options.caseRule);
-    destFiles.setCaseRule(m_options.caseRule);
-    walkBoth(sourceFiles, destFiles);
-
-    Pairscope engine;
-    // The json report shows the sizes and dates each pair was judged on, not a later look.
-    engine.setLoadDetails(m_options.format == OutputFormat::Json);
-    QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
+    const Pairscope *engine = session.engine().get();
+    QObject::connect(engine, &Pairscope::FilesCompared, engine,
                      [this](const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
                             int code) { addPair(source, destination, code); });
-    QObject::connect(&engine, &Pairscope::CompareProgress, &engine,
+    QObject::connect(engine, &Pairscope::CompareProgress, engine,
                      [this](int pass, int current, int total) {
                          // A new cycle decides every pair afresh.
                          if (pass == 1 && current == -1 && total == -1) {
@@ -80,48 +59,11 @@ int CompareRun::attempt() {
                          if (m_progress)
                              m_progress->compareProgress(pass, current, total);
                      });
-    const int status =
-        engine.Compare(sourceFiles, destFiles, m_options.comparisons, m_options.includeSlack,
-                       m_options.doCRCLast, m_options.chunkSize);
-
-    collectProblems(sourceFiles);
-    collectProblems(destFiles);
-    // A placeholder on the unreadable side stands for a file behind a folder that could not
-    // be read: that folder is the problem, already listed once.
-    for (const ReportPair &pair : m_pairs) {
-        if (pair.code == DifferenceCode::SourceUnreadable && pair.source->HasFileObject())
-            m_problems.append(
-                {pair.source->NativePath(), unreadableReason(pair.source->NativePath())});
-        else if (pair.code == DifferenceCode::DestinationUnreadable &&
-                 pair.destination->HasFileObject())
-            m_problems.append(
-                {pair.destination->NativePath(), unreadableReason(pair.destination->NativePath())});
-    }
-    std::sort(m_pairs.begin(), m_pairs.end(),
-              [](const ReportPair &a, const ReportPair &b) { return a.path < b.path; });
-    return status;
-}
-
-void CompareRun::walkBoth(ComparisonFileCollection &sourceFiles,
-                          ComparisonFileCollection &destFiles) {
-    // Without a window there is no order of walk events to keep, so the destination is walked
-    // on a second thread while the source is walked here: the two trees share no state. The
-    // progress line follows the source walk alone.
-    std::thread destinationWalk;
-    try {
-        destinationWalk = std::thread(
-            [this, &destFiles] { destFiles.setRootFolderNative(m_options.destination); });
-    } catch (const std::system_error &) {
-        // No thread to be had: walk one tree after the other.
-    }
-    if (m_progress)
-        QObject::connect(&sourceFiles, &ComparisonFileCollection::FileAdded, &sourceFiles,
+    if (m_progress) {
+        const ComparisonFileCollection *source = session.sourceFiles().get();
+        QObject::connect(source, &ComparisonFileCollection::FileAdded, source,
                          [this](int count) { m_progress->fileAdded(count); });
-    sourceFiles.setRootFolderNative(m_options.source);
-    if (destinationWalk.joinable())
-        destinationWalk.join();
-    else
-        destFiles.setRootFolderNative(m_options.destination);
+    }
 }
 
 void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
@@ -133,9 +75,4 @@ void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePt
     const ComparisonFilePtr &named = source && source->HasFileObject() ? source : destination;
     if (named)
         m_pairs.push_back({source, destination, code, named->RelativeNativePath()});
-}
-
-void CompareRun::collectProblems(const ComparisonFileCollection &files) {
-    for (const CollectionProblem &problem : files.Problems())
-        m_problems.append({problem.nativePath, problem.reason});
 }

@@ -10,8 +10,7 @@
 #include <functional>
 #include <vector>
 
-class ComparisonFileCollection;
-class Pairscope;
+class CompareSession;
 class ProgressLine;
 
 /** One decided pair as the report lists it. */
@@ -24,9 +23,9 @@ struct ReportPair {
 };
 
 /**
- * One comparison of two roots as the command line asks for it: walks both trees, compares
- * them, and starts again from fresh walks when a tree changed under the comparison, up to
- * MaxRestarts times. Runs on the caller's thread without an event loop.
+ * One comparison of two roots as the command line asks for it, run through a CompareSession
+ * (restarting when a tree changed, up to MaxRestarts times), with the pairs and counts the
+ * reports need. Runs on the caller's thread without an event loop.
  */
 class CompareRun {
 public:
@@ -57,10 +56,9 @@ public:
     int restarts() const { return m_restarts; }
 
 private:
-    int attempt();
-    void walkBoth(ComparisonFileCollection &sourceFiles, ComparisonFileCollection &destFiles);
+    /** Listens to a new attempt of \a session: its pairs replace those of the last one. */
+    void connectAttempt(CompareSession &session);
     void addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination, int code);
-    void collectProblems(const ComparisonFileCollection &files);
 
     const CliOptions &m_options;
     ProgressLine *m_progress = nullptr;

@@ -14,6 +14,10 @@ struct CollectionProblem {
         UnreadableFolder,
         /** A file whose name differs only in letter case from one it could not be paired with. */
         CaseTwin,
+        /** A file whose contents could not be read for its checksum. */
+        UnreadableFile,
+        /** The trees kept changing under the comparison; no path. */
+        KeptChanging,
     };
 
     Kind kind = Kind::UnreadableFolder;
@@ -24,6 +28,8 @@ struct CollectionProblem {
     /** Why, in words: the system's error text, or the name of the file that was kept. */
     QString reason;
 
-    /** "PATH: REASON", one line for a list or standard error. */
-    QString toString() const { return path + QLatin1String(": ") + reason; }
+    /** "PATH: REASON" (the reason alone without a path), for a list. */
+    QString toString() const {
+        return path.isEmpty() ? reason : path + QLatin1String(": ") + reason;
+    }
 };
