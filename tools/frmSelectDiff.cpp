@@ -40,8 +40,9 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     QBoxLayout *row = PathRow(lblProgram, txtDiff, cmdBrowse);
     QDialogButtonBox *buttons = OkCancelButtons(cmdOK, cmdCancel);
 
+    // The line stays even when empty, so that the dialog does not jump while typing.
     lblProblem->setWordWrap(true);
-    lblProblem->hide();
+    lblProblem->setMinimumHeight(lblProblem->fontMetrics().lineSpacing());
     lblFound->setBuddy(lstFound);
     lstFound->setMaximumHeight(6 * lstFound->fontMetrics().height() + 8);
 
@@ -62,7 +63,9 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     // explained before it is saved.
     connect(txtDiff, &QLineEdit::textChanged, this, [this](const QString &text) {
         lblProblem->setText(text.isEmpty() ? QString() : DiffProgramProblem(text));
-        lblProblem->setVisible(!lblProblem->text().isEmpty());
+        // A reason that wraps needs more room than the dialog was given.
+        if (sizeHint().height() > height())
+            adjustSize();
     });
     // Selection, not the current item: tabbing into the list makes an item current without
     // choosing it, and must not replace what was typed.
@@ -94,6 +97,7 @@ void frmSelectDiff::ShowFound(const QList<FoundDiffProgram> &programs) {
     lblFound->setText(programs.isEmpty()
                           ? QStringLiteral("No diff program was found on this computer.")
                           : QStringLiteral("Diff programs &found on this computer:"));
+    adjustSize();
 }
 
 void frmSelectDiff::Browse() {

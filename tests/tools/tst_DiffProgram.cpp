@@ -197,7 +197,7 @@ void tst_DiffProgram::dialogOffersTheDiffProgramsFound() {
         if (!form)
             return false;
         form->txtDiff->setText(QStringLiteral("nodiff"));
-        problem = form->lblProblem->isVisible() ? form->lblProblem->text() : QString();
+        problem = form->lblProblem->text();
         for (int i = 0; i < form->lstFound->count(); ++i)
             offered << form->lstFound->item(i)->text();
         form->lstFound->setCurrentRow(offered.size() - 1); // a pick replaces the typed text
