@@ -49,8 +49,6 @@ void tst_DesktopIcons::windowsCarryTheProgramIcon() {
     QVERIFY(paints(window.windowIcon(), 48));
     QCOMPARE(window.windowIcon().pixmap(48).toImage(),
              DesktopIdentity::ProgramIcon().pixmap(48).toImage());
-    QVERIFY(DesktopIdentity::ProgramIconSvg().contains("<svg"));
-    QVERIFY(DesktopIdentity::ProgramEntry().contains("\nIcon=org.pairscope.Pairscope\n"));
 }
 
 void tst_DesktopIcons::fileTypesHaveIconsWithoutADesktopTheme_data() {
@@ -58,24 +56,14 @@ void tst_DesktopIcons::fileTypesHaveIconsWithoutADesktopTheme_data() {
     QTest::addColumn<QString>("iconName");
     QTest::newRow("text") << "notes.txt"
                           << "text-x-generic";
-    QTest::newRow("C source") << "main.c"
-                              << "text-x-generic";
     QTest::newRow("shell script") << "run.sh"
                                   << "text-x-script";
-    QTest::newRow("web page") << "index.html"
-                              << "text-html";
     QTest::newRow("picture") << "photo.PNG"
                              << "image-x-generic";
     QTest::newRow("archive") << "backup.tar.gz"
                              << "package-x-generic";
-    QTest::newRow("sound") << "song.mp3"
-                           << "audio-x-generic";
-    QTest::newRow("film") << "clip.mp4"
-                          << "video-x-generic";
     QTest::newRow("document") << "paper.pdf"
                               << "x-office-document";
-    QTest::newRow("spreadsheet") << "sums.ods"
-                                 << "x-office-spreadsheet";
     QTest::newRow("unknown bytes") << "data.bin"
                                    << "application-x-generic";
     QTest::newRow("symbolic link") << "link"
