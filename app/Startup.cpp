@@ -8,12 +8,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
-#include <QSaveFile>
-#include <QStandardPaths>
 #include <QThread>
 
 #include <cerrno>
@@ -33,25 +30,6 @@ QByteArray workingFolder() {
         buffer.resize(buffer.size() * 2);
     }
     return QByteArray(buffer.constData());
-}
-
-/** Quotes a path for the Exec key of a desktop entry. */
-QString desktopExecQuoted(const QString &path) {
-    QString quoted = path;
-    for (const QChar c : {QLatin1Char('\\'), QLatin1Char('"'), QLatin1Char('`'), QLatin1Char('$')})
-        quoted.replace(c, QStringLiteral("\\") + c);
-    // The Exec key is itself unescaped once as a string, so every backslash doubles again.
-    quoted.replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
-    // A percent sign would be read as a field code.
-    quoted.replace(QStringLiteral("%"), QStringLiteral("%%"));
-    return QLatin1Char('"') + quoted + QLatin1Char('"');
-}
-
-/** Escapes a value of a desktop entry's string key. */
-QString desktopString(QString value) {
-    value.replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
-    value.replace(QStringLiteral("\n"), QStringLiteral("\\n"));
-    return value;
 }
 
 const char *const failureMessage =
@@ -80,6 +58,7 @@ StartupEnvironment StartupEnvironment::system() {
     };
     env.Sleep = [](int ms) { QThread::msleep(ulong(ms)); };
     env.ScriptingAvailable = [] { return ::ScriptingAvailable(); };
+    env.dataFolders = DataFolders::standard();
     return env;
 }
 
@@ -139,8 +118,7 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents);
 
-        const QString executable = QCoreApplication::applicationFilePath();
-        RegisterAppPath(executable, QFileInfo(executable).absolutePath(), m_env.applicationsFolder);
+        RegisterAppPath(QCoreApplication::applicationFilePath(), m_env.dataFolders);
 
         const std::array<QString, 2> folders = FoldersFromArguments(arguments);
         for (int side = 0; side < 2; ++side) {
@@ -185,36 +163,6 @@ bool ScriptingAvailable() {
     const bool listed = ::readdir(root) != nullptr || errno == 0;
     ::closedir(root);
     return listed;
-}
-
-bool RegisterAppPath(const QString &executable, const QString &folder,
-                     const QString &applicationsFolder) {
-    const QString dir =
-        applicationsFolder.isEmpty()
-            ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                  QStringLiteral("/applications")
-            : applicationsFolder;
-    if (dir.isEmpty() || !QDir().mkpath(dir))
-        return false;
-    const QString entry = QStringLiteral("[Desktop Entry]\n"
-                                         "Type=Application\n"
-                                         "Name=Pairscope\n"
-                                         "GenericName=Folder Comparison\n"
-                                         "Comment=Compare two folder trees file by file\n"
-                                         "Exec=%1 %F\n"
-                                         "Path=%2\n"
-                                         "Terminal=false\n"
-                                         "Categories=Qt;Utility;\n")
-                              .arg(desktopExecQuoted(executable), desktopString(folder));
-    const QString fileName = dir + QStringLiteral("/pairscope.desktop");
-    QFile existing(fileName);
-    if (existing.open(QIODevice::ReadOnly) && existing.readAll() == entry.toUtf8())
-        return true;
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(entry.toUtf8());
-    return file.commit();
 }
 
 void UnloadAllForms(bool includeMain) {

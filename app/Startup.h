@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/DesktopRegistration.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -22,8 +24,8 @@ struct StartupEnvironment {
     std::function<void(int)> Sleep;
     /** True when the file system can be read (see ScriptingAvailable()). */
     std::function<bool()> ScriptingAvailable;
-    /** The desktop entry's folder; empty means the user's applications folder. */
-    QString applicationsFolder;
+    /** Where the desktop entry is looked for and written (see RegisterAppPath()). */
+    DataFolders dataFolders;
 
     /** The defaults: the real keyboard, a monotonic clock, a real pause, the real check. */
     static StartupEnvironment system();
@@ -31,7 +33,7 @@ struct StartupEnvironment {
 
 /**
  * The program's start-up: shows the splash, checks that folders can be read, prepares and
- * places the main window while the splash stays up at least 500 ms, writes the desktop entry,
+ * places the main window while the splash stays up at least 500 ms, registers with the desktop,
  * takes up to two folders from the command line and lets the splash fade away.
  */
 class Startup {
@@ -71,14 +73,6 @@ std::array<QString, 2> FoldersFromArguments(const QList<QByteArray> &arguments);
 
 /** True when the file system can be read: the root folder can be opened and listed. */
 bool ScriptingAvailable();
-
-/**
- * Writes the desktop entry "pairscope.desktop" into \a applicationsFolder (created when
- * missing), naming \a executable and its folder \a folder. Errors are ignored; the return
- * value says whether the entry is in place.
- */
-bool RegisterAppPath(const QString &executable, const QString &folder,
-                     const QString &applicationsFolder);
 
 /**
  * Hides every top-level window, lets pending events run once, then closes every one that is

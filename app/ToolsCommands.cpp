@@ -6,6 +6,7 @@
 #include "engine/ComparisonFileCollection.h"
 #include "tools/DiffProgram.h"
 #include "tools/ListingPopup.h"
+#include "tools/RowDoubleClick.h"
 #include "tools/ShellContextMenu.h"
 #include "tools/ShowInFolder.h"
 #include "tools/Synchronizer.h"
@@ -39,6 +40,8 @@ ToolsCommands::ToolsCommands(frmMain *window)
                 [this, list, side](const QPoint &position) {
                     ShowListingPopup(side, list->viewport()->mapToGlobal(position));
                 });
+        connect(list, &QAbstractItemView::doubleClicked, this,
+                [this, side] { lvwFiles_DblClick(side); });
     }
     mnuTools_Click();
 }
@@ -86,6 +89,11 @@ void ToolsCommands::mnuToolsCopyToSource_Click() {
 void ToolsCommands::mnuToolsCopyToDest_Click() {
     ShowSynchronizer(m_window, SyncDirection::ToDestination, m_window->lvwFiles[0], collection(0),
                      collection(1));
+}
+
+void ToolsCommands::lvwFiles_DblClick(int side) {
+    RowDoubleClick(m_window, m_window->menus->mnuToolsDiff, m_window->lvwFiles[size_t(side)], side,
+                   collection(0), collection(1));
 }
 
 void ToolsCommands::ShowListingPopup(int side, const QPoint &globalPosition) {

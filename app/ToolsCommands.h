@@ -11,8 +11,8 @@ class frmMain;
 
 /**
  * The main window's file tools: the Tools menu (Open Containing Folder, Examine Differences,
- * Copy to Source, Copy to Destination), File > Select Diff Program... and the right-click
- * popup of both listings.
+ * Copy to Source, Copy to Destination), File > Select Diff Program..., and the right-click
+ * popup and double click of both listings.
  *
  * The Tools items act on the listing that has the focus. Their enabled states, and the command
  * of Open Containing Folder, are computed whenever the menu opens and again before a popup's
@@ -42,6 +42,12 @@ public:
     void mnuToolsCopyToSource_Click();
     /** Reviews, then copies the source listing's selected files into the destination tree. */
     void mnuToolsCopyToDest_Click();
+
+    /**
+     * A double click on a row of listing \a side: a file on both sides is examined in the diff
+     * program, a file on one side only is opened.
+     */
+    void lvwFiles_DblClick(int side);
 
     /**
      * The right-click in listing \a side at the global point \a globalPosition: "No valid files

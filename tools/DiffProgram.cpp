@@ -2,6 +2,7 @@
 
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
+#include "tools/DiffProgramFinder.h"
 #include "tools/RowRecord.h"
 #include "tools/frmSelectDiff.h"
 #include "views/ListView.h"
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QStandardPaths>
 
 #include <gio/gio.h>
 
@@ -25,11 +27,32 @@ QByteArray belowRoot(const ComparisonFile &file, const ComparisonFileCollection 
 
 } // namespace
 
-bool IsDiffProgram(const QString &path) {
-    if (path.isEmpty())
-        return false;
-    const QFileInfo info(path);
-    return info.isFile() && info.isExecutable();
+QString ResolveDiffProgram(const QString &program) {
+    if (program.isEmpty())
+        return {};
+    if (!program.contains(QLatin1Char('/')))
+        return QStandardPaths::findExecutable(program);
+    const QFileInfo info(program);
+    return info.isFile() && info.isExecutable() ? program : QString();
+}
+
+bool IsDiffProgram(const QString &program) {
+    return !ResolveDiffProgram(program).isEmpty();
+}
+
+QString DiffProgramProblem(const QString &program) {
+    if (program.isEmpty())
+        return QStringLiteral("No diff program is chosen.");
+    if (IsDiffProgram(program))
+        return {};
+    if (!program.contains(QLatin1Char('/')))
+        return QStringLiteral("No program named “%1” is on the PATH.").arg(program);
+    const QFileInfo info(program);
+    if (!info.exists())
+        return QStringLiteral("“%1” does not exist.").arg(program);
+    if (info.isDir())
+        return QStringLiteral("“%1” is a folder, not a program.").arg(program);
+    return QStringLiteral("“%1” is not marked as executable.").arg(program);
 }
 
 void LoadDiffProgram(QAction *mnuToolsDiff) {
@@ -41,6 +64,7 @@ void LoadDiffProgram(QAction *mnuToolsDiff) {
 
 void SelectDiffProgram(QWidget *owner, QAction *mnuToolsDiff) {
     frmSelectDiff form(owner);
+    form.ShowFound(FindDiffPrograms());
     // The dialog shows the program in use, not the saved text: a saved name that no longer
     // exists opens as an empty box.
     form.txtDiff->setText(mnuToolsDiff ? mnuToolsDiff->data().toString() : QString());
@@ -65,7 +89,13 @@ DiffPair DiffPaths(const ComparisonFile &file, int side, const ComparisonFileCol
 }
 
 bool LaunchDiffProgram(const QString &program, const DiffPair &pair, QString *error) {
-    const QByteArray executable = QFile::encodeName(program);
+    const QString resolved = ResolveDiffProgram(program);
+    if (resolved.isEmpty()) {
+        if (error)
+            *error = DiffProgramProblem(program);
+        return false;
+    }
+    const QByteArray executable = QFile::encodeName(resolved);
     char *argv[] = {const_cast<char *>(executable.constData()),
                     const_cast<char *>(pair.source.constData()),
                     const_cast<char *>(pair.destination.constData()), nullptr};
@@ -74,8 +104,14 @@ bool LaunchDiffProgram(const QString &program, const DiffPair &pair, QString *er
     GError *gerror = nullptr;
     const bool started =
         g_spawn_async(nullptr, argv, nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, &gerror);
-    if (!started && error)
-        *error = gerror ? QString::fromUtf8(gerror->message) : QString();
+    if (!started && error) {
+        // The file is there, so "not found" means what it needs to run is missing.
+        *error = gerror && g_error_matches(gerror, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)
+                     ? QStringLiteral("“%1” exists, but what it needs to run is missing (for a "
+                                      "script, the interpreter its first line names).")
+                           .arg(resolved)
+                     : QString::fromUtf8(gerror ? gerror->message : "");
+    }
     if (gerror)
         g_error_free(gerror);
     return started;

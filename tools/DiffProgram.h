@@ -14,18 +14,28 @@ class QWidget;
  * launch with the selected file and its counterpart, the source file first.
  */
 
-/** True when \a path names an existing executable file (not a folder). */
-bool IsDiffProgram(const QString &path);
+/**
+ * The program file that \a program names: a bare name (no "/") is looked up on PATH as a
+ * shell would, anything else is a path. "" when that is no existing executable file.
+ */
+QString ResolveDiffProgram(const QString &program);
+
+/** True when \a program names an existing executable file (see ResolveDiffProgram()). */
+bool IsDiffProgram(const QString &program);
+
+/** Why \a program cannot be started, in one sentence; "" when it names a program. */
+QString DiffProgramProblem(const QString &program);
 
 /**
- * Reads "DiffEXE" into the Tag (the data) of \a mnuToolsDiff as a QString: the path when it
- * names a program, else "" (which leaves Examine Differences disabled).
+ * Reads "DiffEXE" into the Tag (the data) of \a mnuToolsDiff as a QString: the text as saved
+ * when it names a program, else "" (which leaves Examine Differences disabled).
  */
 void LoadDiffProgram(QAction *mnuToolsDiff);
 
 /**
- * Runs the diff program dialog over \a owner, starting from the Tag of \a mnuToolsDiff; on OK
- * stores the text as typed and reloads the Tag.
+ * Runs the diff program dialog over \a owner, starting from the Tag of \a mnuToolsDiff and
+ * offering the diff programs found on this computer; on OK stores the text as typed and
+ * reloads the Tag.
  */
 void SelectDiffProgram(QWidget *owner, QAction *mnuToolsDiff);
 
@@ -44,9 +54,9 @@ DiffPair DiffPaths(const ComparisonFile &file, int side, const ComparisonFileCol
                    const ComparisonFileCollection &destination);
 
 /**
- * Starts \a program with \a pair's two paths as its two arguments, detached and without a
- * shell (names with blanks or any other bytes arrive as they are). Returns false with a reason
- * in \a error when it could not be started.
+ * Starts \a program (a path, or a bare name found on PATH) with \a pair's two paths as its
+ * two arguments, detached and without a shell (names with blanks or any other bytes arrive as
+ * they are). Returns false with the reason in \a error when it could not be started.
  */
 bool LaunchDiffProgram(const QString &program, const DiffPair &pair, QString *error);
 

@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -19,6 +20,9 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     , lblProgram(new QLabel(QStringLiteral("&Program:"), this))
     , txtDiff(new QLineEdit(this))
     , cmdBrowse(new QPushButton(QStringLiteral("&Browse..."), this))
+    , lblProblem(new QLabel(this))
+    , lblFound(new QLabel(QStringLiteral("Diff programs &found on this computer:"), this))
+    , lstFound(new QListWidget(this))
     , cmdOK(new QPushButton(QStringLiteral("OK"), this))
     , cmdCancel(new QPushButton(QStringLiteral("Cancel"), this))
     , lblNote(new QLabel(
@@ -36,8 +40,18 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     QBoxLayout *row = PathRow(lblProgram, txtDiff, cmdBrowse);
     QDialogButtonBox *buttons = OkCancelButtons(cmdOK, cmdCancel);
 
+    // The line stays even when empty, so that the dialog does not jump while typing.
+    lblProblem->setWordWrap(true);
+    lblProblem->setMinimumHeight(lblProblem->fontMetrics().lineSpacing());
+    lblFound->setBuddy(lstFound);
+    lstFound->setMaximumHeight(6 * lstFound->fontMetrics().height() + 8);
+
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(row);
+    layout->addWidget(lblProblem);
+    layout->addSpacing(4);
+    layout->addWidget(lblFound);
+    layout->addWidget(lstFound);
     layout->addSpacing(4);
     layout->addWidget(lblNote);
     layout->addStretch(1);
@@ -45,11 +59,45 @@ frmSelectDiff::frmSelectDiff(QWidget *parent)
     setSizeGripEnabled(false);
 
     connect(cmdBrowse, &QPushButton::clicked, this, &frmSelectDiff::Browse);
+    // Said while typing, so that a name that would leave Examine Differences disabled is
+    // explained before it is saved.
+    connect(txtDiff, &QLineEdit::textChanged, this, [this](const QString &text) {
+        lblProblem->setText(text.isEmpty() ? QString() : DiffProgramProblem(text));
+        // A reason that wraps needs more room than the dialog was given.
+        if (sizeHint().height() > height())
+            adjustSize();
+    });
+    // Selection, not the current item: tabbing into the list makes an item current without
+    // choosing it, and must not replace what was typed.
+    connect(lstFound, &QListWidget::itemSelectionChanged, this, [this] {
+        const QList<QListWidgetItem *> chosen = lstFound->selectedItems();
+        if (!chosen.isEmpty())
+            txtDiff->setText(chosen.first()->data(Qt::UserRole).toString());
+    });
+    connect(lstFound, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem *item) {
+        txtDiff->setText(item->data(Qt::UserRole).toString());
+        cmdOK->click();
+    });
 
     m_drops = new PathDropFilter(
         PathDropFilter::Accepts::File, [this](const QString &file) { txtDiff->setText(file); },
         this);
     m_drops->Attach(this);
+}
+
+void frmSelectDiff::ShowFound(const QList<FoundDiffProgram> &programs) {
+    lstFound->clear();
+    for (const FoundDiffProgram &program : programs) {
+        auto *item = new QListWidgetItem(
+            QIcon::fromTheme(program.iconName),
+            QStringLiteral("%1 (%2)").arg(program.name, program.program), lstFound);
+        item->setData(Qt::UserRole, program.program);
+    }
+    lstFound->setVisible(!programs.isEmpty());
+    lblFound->setText(programs.isEmpty()
+                          ? QStringLiteral("No diff program was found on this computer.")
+                          : QStringLiteral("Diff programs &found on this computer:"));
+    adjustSize();
 }
 
 void frmSelectDiff::Browse() {

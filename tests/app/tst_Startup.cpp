@@ -11,8 +11,10 @@
 #include <QComboBox>
 #include <QDir>
 #include <QPointer>
+#include <QProcess>
 #include <QScopeGuard>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -33,6 +35,7 @@ private Q_SLOTS:
 
     void shiftSampling_data();
     void shiftSampling();
+    void desktopEntry_data();
     void desktopEntry();
     void closingLeavesNoWindow();
 
@@ -141,7 +144,7 @@ namespace {
 struct ScriptedStartup {
     enum Phase { FadeIn, Wait, After };
 
-    ScriptedStartup(QSet<Phase> shiftHeld, QString applications)
+    ScriptedStartup(QSet<Phase> shiftHeld, QString dataHome)
         : held(std::move(shiftHeld)) {
         env = StartupEnvironment::system();
         env.clockMs = [this] {
@@ -152,7 +155,7 @@ struct ScriptedStartup {
         };
         env.IsShiftDown = [this] { return held.contains(phase); };
         env.Sleep = [](int) {};
-        env.applicationsFolder = std::move(applications);
+        env.dataFolders = {std::move(dataHome), {}};
     }
 
     StartupEnvironment env;
@@ -185,7 +188,7 @@ void tst_Startup::shiftSampling() {
         held << ScriptedStartup::FadeIn;
     if (duringWait)
         held << ScriptedStartup::Wait;
-    ScriptedStartup script(held, m_profile.dataHome() + QStringLiteral("/applications"));
+    ScriptedStartup script(held, m_profile.dataHome());
     Startup startup(script.env);
     QPointer<frmMain> window = startup.Main({});
     QVERIFY(window);
@@ -202,26 +205,73 @@ void tst_Startup::shiftSampling() {
     QCOMPARE(Options::windowRect({}), (Options::WindowRect{10, 20, 700, 500}));
 }
 
+void tst_Startup::desktopEntry_data() {
+    QTest::addColumn<QString>("executable"); // below the tree
+    QTest::addColumn<QString>("userEntry");  // what the user's folder holds before
+    QTest::addColumn<bool>("systemEntry");   // whether the system folder holds an entry
+    QTest::addColumn<int>("result");
+    QTest::addColumn<QString>("userEntryAfter"); // "" gone, "start-up" written at start-up
+    const QString mine = QStringLiteral("start-up");
+    const QString installed = QStringLiteral("[Desktop Entry]\nName=installed\n");
+    const QString written = QStringLiteral("X-Pairscope-Written-At-Start-Up=true\n");
+    const auto r = [](Registration registration) { return int(registration); };
+    QTest::newRow("unpacked elsewhere") << "opt/my $tools/pairscope"
+                                        << "" << false << r(Registration::Written) << mine;
+    QTest::newRow("installed for everyone") << "opt/pairscope"
+                                            << "" << true << r(Registration::Installed) << "";
+    QTest::newRow("installed for the user")
+        << "opt/pairscope" << installed << false << r(Registration::Installed) << installed;
+    QTest::newRow("installed after a start wrote one")
+        << "opt/pairscope" << written << true << r(Registration::Installed) << "";
+    QTest::newRow("a build folder") << "build/app/pairscope"
+                                    << "" << false << r(Registration::BuildFolder) << "";
+}
+
 void tst_Startup::desktopEntry() {
+    QFETCH(QString, executable);
+    QFETCH(QString, userEntry);
+    QFETCH(bool, systemEntry);
+    QFETCH(int, result);
+    QFETCH(QString, userEntryAfter);
     TestTree tree;
-    const QString folder = tree.path("apps");
-    QVERIFY(RegisterAppPath(QStringLiteral("/opt/my tools/pairscope"),
-                            QStringLiteral("/opt/my tools"), folder));
-    QFile file(folder + QStringLiteral("/pairscope.desktop"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString entry = QString::fromUtf8(file.readAll());
-    QVERIFY(entry.startsWith(QStringLiteral("[Desktop Entry]\n")));
-    QVERIFY(entry.contains(QStringLiteral("\nExec=\"/opt/my tools/pairscope\" %F\n")));
-    QVERIFY(entry.contains(QStringLiteral("\nPath=/opt/my tools\n")));
+    const QString name = QStringLiteral("/applications/org.pairscope.Pairscope.desktop");
+    QVERIFY(tree.write("build/CMakeCache.txt", ""));
+    if (!userEntry.isEmpty())
+        QVERIFY(tree.write("user" + name, userEntry.toUtf8()));
+    if (systemEntry)
+        QVERIFY(tree.write("system" + name, "[Desktop Entry]\n"));
+    const DataFolders folders{tree.path("user"), {tree.path("none"), tree.path("system")}};
+
+    QCOMPARE(int(RegisterAppPath(tree.path(executable), folders)), result);
+    QFile entry(tree.path("user" + name));
+    if (userEntryAfter.isEmpty()) {
+        QVERIFY(!entry.exists());
+        return;
+    }
+    QVERIFY(entry.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(entry.readAll());
+    if (userEntryAfter != QLatin1String("start-up")) {
+        QCOMPARE(text, userEntryAfter);
+        return;
+    }
+    // Written: it runs this program, names an icon that is there, and passes the validator.
+    QVERIFY2(
+        text.contains(
+            QStringLiteral("\nExec=\"%1\" %F\n").arg(tree.path(executable).replace("$", "\\\\$"))),
+        qPrintable(text));
+    QVERIFY(
+        QFile::exists(tree.path("user/icons/hicolor/scalable/apps/org.pairscope.Pairscope.svg")));
+    if (!QStandardPaths::findExecutable(QStringLiteral("desktop-file-validate")).isEmpty())
+        QCOMPARE(QProcess::execute(QStringLiteral("desktop-file-validate"), {entry.fileName()}), 0);
 
     // A folder that cannot be made is no error for start-up: the entry is simply not there.
     QVERIFY(tree.write("blocked", "a file, not a folder"));
-    QVERIFY(!RegisterAppPath(QStringLiteral("/x/pairscope"), QStringLiteral("/x"),
-                             tree.path("blocked/apps")));
+    QCOMPARE(RegisterAppPath(tree.path(executable), {tree.path("blocked/data"), {}}),
+             Registration::Failed);
 }
 
 void tst_Startup::closingLeavesNoWindow() {
-    ScriptedStartup script({}, m_profile.dataHome() + QStringLiteral("/applications"));
+    ScriptedStartup script({}, m_profile.dataHome());
     Startup startup(script.env);
     QPointer<frmMain> window = startup.Main({});
     QVERIFY(window);

@@ -30,9 +30,12 @@ private Q_SLOTS:
     void listingPopup();
     void copyToDestinationEndToEnd();
     void examineDifferencesFromAPlaceholder();
+    void doubleClickExaminesOrOpens_data();
+    void doubleClickExaminesOrOpens();
 
 private:
     TestProfile m_profile;
+    TestTree m_bin;
 };
 
 namespace {
@@ -105,6 +108,22 @@ QByteArray contentsOf(const QString &path) {
 
 void tst_ToolsMenu::initTestCase() {
     QVERIFY(m_profile.isValid());
+    // The desktop's default application for text files records what it was given.
+    const QString program = writeRecordingProgram(m_bin, m_bin.path("opened"));
+    QVERIFY(QFile::rename(program, m_bin.path("opener")));
+    const QString applications = m_profile.dataHome() + QStringLiteral("/applications/");
+    QVERIFY(QDir().mkpath(applications) && QDir().mkpath(m_profile.configHome()));
+    const QList<QPair<QString, QByteArray>> files = {
+        {applications + "opener.desktop", "[Desktop Entry]\nType=Application\nName=Opener\n"
+                                          "MimeType=text/plain;\nExec=\"" +
+                                              QFile::encodeName(m_bin.path("opener")) + "\" %F\n"},
+        {applications + "mimeinfo.cache", "[MIME Cache]\ntext/plain=opener.desktop;\n"},
+        {m_profile.configHome() + "/mimeapps.list",
+         "[Default Applications]\ntext/plain=opener.desktop\n"}};
+    for (const auto &[name, content] : files) {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
 }
 
 void tst_ToolsMenu::init() {
@@ -297,6 +316,50 @@ void tst_ToolsMenu::examineDifferencesFromAPlaceholder() {
     QCOMPARE(QString::fromUtf8(contentsOf(record)),
              QStringLiteral("2\n%1/Only Dest.txt\n%2/Only Dest.txt\n")
                  .arg(pair.roots[0], pair.roots[1]));
+}
+
+void tst_ToolsMenu::doubleClickExaminesOrOpens_data() {
+    QTest::addColumn<int>("side");
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QString>("record");    // "diffed" or "opened"
+    QTest::addColumn<QString>("arguments"); // <S> and <D> stand for the two roots
+    QTest::newRow("on both sides") << 1 << "Report A.txt"
+                                   << "diffed"
+                                   << "2\n<S>/Report A.txt\n<D>/Report A.txt\n";
+    QTest::newRow("source only, in the destination's listing") << 1 << "other/b.txt"
+                                                               << "opened"
+                                                               << "1\n<S>/other/b.txt\n";
+    QTest::newRow("destination only") << 0 << "Only Dest.txt"
+                                      << "opened"
+                                      << "1\n<D>/Only Dest.txt\n";
+}
+
+void tst_ToolsMenu::doubleClickExaminesOrOpens() {
+    QFETCH(int, side);
+    QFETCH(QString, row);
+    QFETCH(QString, record);
+    QFETCH(QString, arguments);
+    for (const char *name : {"diffed", "opened"})
+        QFile::remove(m_bin.path(QLatin1String(name)));
+    Options::setDiffEXE(writeRecordingProgram(m_bin, m_bin.path("diffed")));
+    ComparedPair pair;
+    ListView *list = pair.list(side);
+    const int position = pair.item(side, row).Index() - 1;
+    // Rows reach the view in batches.
+    QTRY_VERIFY(list->model()->rowCount() > position);
+    const QModelIndex index = list->model()->index(position, 0);
+    list->scrollTo(index);
+    // A double click is a click and then the second press, as the window system sends it.
+    const QPoint at = list->visualRect(index).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+
+    QTRY_VERIFY(QFile::exists(m_bin.path(record)));
+    arguments.replace(QStringLiteral("<S>"), pair.roots[0]);
+    arguments.replace(QStringLiteral("<D>"), pair.roots[1]);
+    QCOMPARE(QString::fromUtf8(contentsOf(m_bin.path(record))), arguments);
+    QTest::qWait(200);
+    QCOMPARE(QDir(m_bin.root()).entryList({"diffed", "opened"}), QStringList{record});
 }
 
 QTEST_MAIN(tst_ToolsMenu)

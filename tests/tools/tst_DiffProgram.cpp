@@ -8,8 +8,10 @@
 #include "views/ListView.h"
 
 #include <QAction>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -48,7 +50,9 @@ private Q_SLOTS:
     void loadKeepsOnlyAProgram();
     void programGetsTwoArgumentsSourceFirst_data();
     void programGetsTwoArgumentsSourceFirst();
+    void startFailureIsReported_data();
     void startFailureIsReported();
+    void dialogOffersTheDiffProgramsFound();
     void dialogShowsTheProgramInUseAndStoresAsTyped();
     void dropTakesAnExistingFileOnly_data();
     void dropTakesAnExistingFileOnly();
@@ -67,27 +71,53 @@ void tst_DiffProgram::initTestCase() {
     QCOMPARE(::symlink("diff tool",
                        QFile::encodeName(m_tree->path(QStringLiteral("bin/link"))).constData()),
              0);
+    QVERIFY(m_tree->write(QStringLiteral("bin/no interpreter"), "#!/no/such/shell\n"));
+    QCOMPARE(::chmod(m_tree->nativePath("bin/no interpreter").constData(), 0755), 0);
+    // Found on PATH by name: a well-known diff program, and one a desktop entry announces.
+    QVERIFY(writeScript(*m_tree, QStringLiteral("path/meld"), "exit 0\n"));
+    QVERIFY(writeScript(*m_tree, QStringLiteral("path/cmp-gui"), "exit 0\n"));
+    QVERIFY(writeScript(*m_tree, QStringLiteral("path/editor"), "exit 0\n"));
+    QVERIFY(writeScript(*m_tree, QStringLiteral("path/termdiff"), "exit 0\n"));
+    qputenv("PATH",
+            QFile::encodeName(m_tree->path(QStringLiteral("path"))) + ':' + qgetenv("PATH"));
+    QVERIFY(QDir().mkpath(m_profile.dataHome() + QStringLiteral("/applications")));
+    const auto entry = [this](const QString &id, const QByteArray &keys) {
+        QFile file(m_profile.dataHome() + QStringLiteral("/applications/") + id);
+        return file.open(QIODevice::WriteOnly) &&
+               file.write("[Desktop Entry]\nType=Application\n" + keys) > 0;
+    };
+    QVERIFY(entry("cmp.desktop", "Name=Compare GUI\nExec=cmp-gui %F\nKeywords=merge;Diff;\n"));
+    QVERIFY(entry("editor.desktop", "Name=Editor\nExec=editor %F\nKeywords=text;different;\n"));
+    QVERIFY(entry("term.desktop", "Name=Term Diff\nExec=termdiff\nTerminal=true\n"
+                                  "GenericName=Diff Viewer\n"));
+    QVERIFY(entry("boxed.desktop", "Name=Boxed\nExec=env cmp-gui\nCategories=Comparison;\n"));
     m_owner.show();
 }
 
 void tst_DiffProgram::loadKeepsOnlyAProgram_data() {
-    QTest::addColumn<QString>("saved");
+    QTest::addColumn<QString>("saved"); // below the tree when it has a "/"
     QTest::addColumn<bool>("kept");
-    QTest::newRow("missing") << QStringLiteral("bin/nothing") << false;
-    QTest::newRow("folder") << QStringLiteral("bin/folder") << false;
-    QTest::newRow("not executable") << QStringLiteral("bin/plain") << false;
-    QTest::newRow("link to a program") << QStringLiteral("bin/link") << true;
+    QTest::addColumn<QString>("problem"); // "%1" is the saved text
+    QTest::newRow("missing") << "bin/nothing" << false << "“%1” does not exist.";
+    QTest::newRow("folder") << "bin/folder" << false << "“%1” is a folder, not a program.";
+    QTest::newRow("not executable") << "bin/plain" << false << "“%1” is not marked as executable.";
+    QTest::newRow("link to a program") << "bin/link" << true << "";
+    QTest::newRow("a name on PATH") << "meld" << true << "";
+    QTest::newRow("a name not on PATH")
+        << "nodiff" << false << "No program named “%1” is on the PATH.";
 }
 
 void tst_DiffProgram::loadKeepsOnlyAProgram() {
     QFETCH(QString, saved);
     QFETCH(bool, kept);
-    const QString path = saved.isEmpty() ? QString() : m_tree->path(saved);
-    QVERIFY(Options::setDiffEXE(path));
+    QFETCH(QString, problem);
+    const QString text = saved.contains(QLatin1Char('/')) ? m_tree->path(saved) : saved;
+    QVERIFY(Options::setDiffEXE(text));
     QAction mnuToolsDiff;
     mnuToolsDiff.setData(QStringLiteral("stale"));
     LoadDiffProgram(&mnuToolsDiff);
-    QCOMPARE(mnuToolsDiff.data().toString(), kept ? path : QString());
+    QCOMPARE(mnuToolsDiff.data().toString(), kept ? text : QString());
+    QCOMPARE(DiffProgramProblem(text), problem.isEmpty() ? problem : problem.arg(text));
 }
 
 void tst_DiffProgram::programGetsTwoArgumentsSourceFirst_data() {
@@ -140,11 +170,49 @@ void tst_DiffProgram::programGetsTwoArgumentsSourceFirst() {
     ::unlink(tree.nativePath("left side/sub dir/" + name).constData());
 }
 
+void tst_DiffProgram::startFailureIsReported_data() {
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("error"); // what it starts with; "%1" the program
+    QTest::newRow("missing") << m_tree->path("bin/nothing") << "“%1” does not exist.";
+    QTest::newRow("not on PATH") << "nodiff"
+                                 << "No program named “%1” is on the PATH.";
+    QTest::newRow("its interpreter is missing")
+        << m_tree->path("bin/no interpreter") << "“%1” exists, but what it needs to run is missing";
+}
+
 void tst_DiffProgram::startFailureIsReported() {
-    QString error;
-    QVERIFY(!LaunchDiffProgram(m_tree->path(QStringLiteral("bin/nothing")), {"/a", "/b"}, &error));
-    QVERIFY(!error.isEmpty());
-    QVERIFY(!LaunchDiffProgram(m_tree->path(QStringLiteral("bin/plain")), {"/a", "/b"}, &error));
+    QFETCH(QString, program);
+    QFETCH(QString, error);
+    QString reason;
+    QVERIFY(!LaunchDiffProgram(program, {"/a", "/b"}, &reason));
+    QVERIFY2(reason.startsWith(error.arg(program)), qPrintable(reason));
+}
+
+void tst_DiffProgram::dialogOffersTheDiffProgramsFound() {
+    QAction mnuToolsDiff;
+    QStringList offered;
+    QString problem;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSelectDiff *>(modal);
+        if (!form)
+            return false;
+        form->txtDiff->setText(QStringLiteral("nodiff"));
+        problem = form->lblProblem->text();
+        for (int i = 0; i < form->lstFound->count(); ++i)
+            offered << form->lstFound->item(i)->text();
+        form->lstFound->setCurrentRow(offered.size() - 1); // a pick replaces the typed text
+        form->cmdOK->click();
+        return true;
+    });
+    SelectDiffProgram(&m_owner, &mnuToolsDiff);
+    // Announced by a desktop entry, under its own name, or well known; never a terminal's, a
+    // launcher's or one whose words only resemble comparing.
+    const QString path = m_tree->path(QStringLiteral("path"));
+    QCOMPARE(offered, (QStringList{QStringLiteral("Compare GUI (%1/cmp-gui)").arg(path),
+                                   QStringLiteral("Meld (%1/meld)").arg(path)}));
+    QCOMPARE(problem, QStringLiteral("No program named “nodiff” is on the PATH."));
+    QCOMPARE(Options::diffEXE(), path + QStringLiteral("/meld"));
+    QCOMPARE(mnuToolsDiff.data().toString(), path + QStringLiteral("/meld"));
 }
 
 void tst_DiffProgram::dialogShowsTheProgramInUseAndStoresAsTyped() {

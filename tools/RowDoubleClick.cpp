@@ -1,0 +1,39 @@
+#include "tools/RowDoubleClick.h"
+
+#include "engine/ComparisonFileCollection.h"
+#include "tools/DesktopActions.h"
+#include "tools/DiffProgram.h"
+#include "tools/RowRecord.h"
+#include "views/ListView.h"
+
+#include <QAction>
+#include <QMessageBox>
+
+void RowDoubleClick(QWidget *owner, QAction *mnuToolsDiff, const ListView *listing, int side,
+                    const ComparisonFileCollection &source,
+                    const ComparisonFileCollection &destination) {
+    if (!mnuToolsDiff || !listing || (side != 0 && side != 1))
+        return;
+    const ListItem selected = listing->SelectedItem();
+    const ComparisonFileCollection &own = side == 0 ? source : destination;
+    const ComparisonFilePtr file = selected ? RowRecord(selected, own) : nullptr;
+    if (!file)
+        return;
+    const ComparisonFileCollection &other = side == 0 ? destination : source;
+    const ComparisonFilePtr counterpart = other.Counterpart(*file, own);
+    const bool here = file->HasFileObject();
+    const bool there = counterpart && counterpart->HasFileObject();
+    if (here && there) {
+        if (mnuToolsDiff->data().toString().isEmpty())
+            SelectDiffProgram(owner, mnuToolsDiff);
+        ExamineDifferences(owner, mnuToolsDiff->data().toString(), listing, side, source,
+                           destination);
+        return;
+    }
+    if (!here && !there)
+        return;
+    QString error;
+    if (!DesktopActions::Open({(here ? file : counterpart)->NativePath()}, &error))
+        QMessageBox::warning(owner, QStringLiteral("Pairscope"),
+                             QStringLiteral("The file could not be opened:\n%1").arg(error));
+}
