@@ -98,6 +98,18 @@ frmMain::frmMain(QWidget *parent)
     setStatusBar(StatusBar1);
     connect(StatusBar1, &StatusLine::textClicked, this, &frmMain::ShowProblems);
 
+    m_session.setYieldHook([this] { m_yield(); });
+    // Rows are filled from the statx each pair was judged on.
+    m_session.setLoadDetails(true);
+    connect(&m_session, &CompareSession::attemptStarted, this, &frmMain::StartAttempt);
+    connect(&m_session, &CompareSession::stateChanged, this, [this](CompareSession::State state) {
+        // With every file listed, each list gets a row per record of its side at least.
+        if (state == CompareSession::State::Comparing && Options::viewOptions().allFiles) {
+            lvwFiles[0]->ReserveItems(colSourceFiles->Count());
+            lvwFiles[1]->ReserveItems(colDestFiles->Count());
+        }
+    });
+
     // Enter starts a compare from anywhere in the window, and Esc cancels a running one, as
     // the default and cancel buttons of a dialog would. The press is immediate, not animated:
     // a delayed click could land after the run it meant to cancel and start a new one.
@@ -433,7 +445,7 @@ void frmMain::ClearDisplay() {
 }
 
 bool frmMain::IsComparing() const {
-    return cmdCompare->text() == cancelButtonCaption;
+    return m_session.isRunning();
 }
 
 bool frmMain::IsBusy() const {
@@ -469,12 +481,7 @@ void frmMain::SetCompareMode(bool comparing) {
 void frmMain::cmdCompare_Click() {
     if (IsComparing()) {
         cmdCompare->setEnabled(false);
-        if (colSourceFiles)
-            colSourceFiles->Cancel();
-        if (colDestFiles)
-            colDestFiles->Cancel();
-        if (oPairscope)
-            oPairscope->Cancel();
+        m_session.cancel();
         return;
     }
     if (!cmdCompare->isEnabled())
@@ -495,17 +502,23 @@ void frmMain::cmdCompare_Click() {
     SetCompareMode(true);
     setCursor(Qt::WaitCursor);
     m_running = true;
-    const bool finished = RunAttempts();
+    CompareSession::Request request;
+    request.source = NativeFromPath(cboSelectPath[0]->currentText());
+    request.destination = NativeFromPath(cboSelectPath[1]->currentText());
+    request.comparisons = m_comparisons->Comparisons();
+    request.includeSlack = Options::includeSlack();
+    request.doCRCLast = Options::doCRCLast();
+    request.chunkSize = Options::crcChunkSize();
+    request.caseRule = m_caseRule;
+    // A tree that keeps changing is compared again for as long as the user lets it.
+    const bool cancelled = m_session.run(request) == CompareSession::State::Cancelled;
     m_running = false;
-    if (!finished) {
+    if (m_closeRequested) {
         // The window was closed during the run: it goes now, without being restored.
         QTimer::singleShot(0, this, &QWidget::close);
         return;
     }
 
-    const bool cancelled = (colSourceFiles && colSourceFiles->Cancelled()) ||
-                           (colDestFiles && colDestFiles->Cancelled()) ||
-                           (oPairscope && oPairscope->Cancelled());
     if (cancelled) {
         UpdateStatus(QStringLiteral("Compare cancelled."), false, -1, true);
         oPairscope.reset();
@@ -521,72 +534,29 @@ void frmMain::cmdCompare_Click() {
         ResortLinkedLists();
     unsetCursor();
     if (m_problems)
-        m_problems->SetProblems(colSourceFiles->Problems(), colDestFiles->Problems());
+        m_problems->SetProblems(m_session.problemsOf(0), m_session.problemsOf(1));
 }
 
-bool frmMain::RunAttempts() {
-    const auto hook = [this] { m_yield(); };
-    int result = Pairscope::StatusComplete;
-    do {
-        colSourceFiles = std::make_unique<ComparisonFileCollection>();
-        colDestFiles = std::make_unique<ComparisonFileCollection>();
-        colSourceFiles->setCaseRule(m_caseRule);
-        colDestFiles->setCaseRule(m_caseRule);
-        oPairscope = std::make_unique<Pairscope>();
-        // Rows are filled from the statx each pair was judged on.
-        oPairscope->setLoadDetails(true);
-        colSourceFiles->setYieldHook(hook);
-        colDestFiles->setYieldHook(hook);
-        oPairscope->setYieldHook(hook);
-        connect(colSourceFiles.get(), &ComparisonFileCollection::FileAdded, this,
-                &frmMain::colSourceFiles_FileAdded);
-        connect(colDestFiles.get(), &ComparisonFileCollection::FileAdded, this,
-                &frmMain::colDestFiles_FileAdded);
-        connect(oPairscope.get(), &Pairscope::CompareProgress, this,
-                &frmMain::oPairscope_CompareProgress);
-        connect(oPairscope.get(), &Pairscope::FilesCompared, this,
-                &frmMain::oPairscope_FilesCompared);
+void frmMain::StartAttempt() {
+    colSourceFiles = m_session.sourceFiles();
+    colDestFiles = m_session.destinationFiles();
+    oPairscope = m_session.engine();
+    connect(colSourceFiles.get(), &ComparisonFileCollection::FileAdded, this,
+            &frmMain::colSourceFiles_FileAdded);
+    connect(colDestFiles.get(), &ComparisonFileCollection::FileAdded, this,
+            &frmMain::colDestFiles_FileAdded);
+    connect(oPairscope.get(), &Pairscope::CompareProgress, this,
+            &frmMain::oPairscope_CompareProgress);
+    connect(oPairscope.get(), &Pairscope::FilesCompared, this, &frmMain::oPairscope_FilesCompared);
 
-        for (int i = 0; i < 2; ++i) {
-            lvwFiles[i]->ClearItems();
-            lblPath[i]->setText(QString());
-        }
-        repaint();
-        m_yield.now();
-        if (m_closeRequested)
-            return false;
-
-        // Each walk returns once it has finished or was cancelled; the source tree is always
-        // walked completely before the destination tree is begun. Both trees are read from
-        // the disk ahead, each on a thread of its own, while records are made here.
-        colSourceFiles->prepareRootFolder(cboSelectPath[0]->currentText());
-        colDestFiles->prepareRootFolder(cboSelectPath[1]->currentText());
-        colSourceFiles->setRootFolder(cboSelectPath[0]->currentText());
-        if (m_closeRequested)
-            return false;
-        if (colSourceFiles->Cancelled()) {
-            colDestFiles->Clear(); // stops reading the destination ahead
-            break;
-        }
-        colDestFiles->setRootFolder(cboSelectPath[1]->currentText());
-        if (m_closeRequested)
-            return false;
-        if (colDestFiles->Cancelled())
-            break;
-
-        // With every file listed, each list gets a row per record of its side at least.
-        if (menus->mnuViewAllFiles->isChecked()) {
-            lvwFiles[0]->ReserveItems(colSourceFiles->Count());
-            lvwFiles[1]->ReserveItems(colDestFiles->Count());
-        }
-        const int comparisons = m_comparisons->Comparisons();
-        result = oPairscope->Compare(*colSourceFiles, *colDestFiles, qMax(comparisons, 0),
-                                     menus->mnuFileIncludeSlack->isChecked(), Options::doCRCLast(),
-                                     Options::crcChunkSize());
-        if (m_closeRequested)
-            return false;
-    } while (result == Pairscope::StatusRescanNeeded);
-    return true;
+    for (int i = 0; i < 2; ++i) {
+        lvwFiles[i]->ClearItems();
+        lblPath[i]->setText(QString());
+    }
+    repaint();
+    m_yield.now();
+    if (m_closeRequested)
+        m_session.cancel();
 }
 
 void frmMain::UpdateProgress(const std::function<QString()> &makeText, int completionPercentage) {
@@ -651,12 +621,7 @@ ResultListing::ViewState frmMain::CurrentViewState() const {
 }
 
 int frmMain::ProblemCount() const {
-    int count = 0;
-    if (colSourceFiles)
-        count += int(colSourceFiles->Problems().size());
-    if (colDestFiles)
-        count += int(colDestFiles->Problems().size());
-    return count;
+    return int(m_session.problems().size());
 }
 
 QString frmMain::CompleteText() const {
@@ -676,7 +641,7 @@ void frmMain::ShowProblems() {
         SetTopmost(m_problems, menus->mnuViewAlwaysOnTop->isChecked());
         CenterOverWindow(m_problems, this);
     }
-    m_problems->SetProblems(colSourceFiles->Problems(), colDestFiles->Problems());
+    m_problems->SetProblems(m_session.problemsOf(0), m_session.problemsOf(1));
     m_problems->show();
     m_problems->raise();
     m_problems->activateWindow();

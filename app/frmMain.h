@@ -6,6 +6,7 @@
 #include "ThrottledYield.h"
 
 #include "engine/CaseRule.h"
+#include "engine/CompareSession.h"
 #include "engine/ComparisonFile.h"
 
 #include <QMainWindow>
@@ -157,11 +158,11 @@ public:
     std::unique_ptr<MainMenuBar> menus;
 
     /** The source side of the last run; replaced at the start of every run attempt. */
-    std::unique_ptr<ComparisonFileCollection> colSourceFiles;
+    std::shared_ptr<ComparisonFileCollection> colSourceFiles;
     /** The destination side of the last run. */
-    std::unique_ptr<ComparisonFileCollection> colDestFiles;
+    std::shared_ptr<ComparisonFileCollection> colDestFiles;
     /** The engine of the last run; released when a run ends cancelled. */
-    std::unique_ptr<Pairscope> oPairscope;
+    std::shared_ptr<Pairscope> oPairscope;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -182,7 +183,8 @@ private:
     void ApplyCaseRule(CaseRule rule);
     void ClearDisplay();
 
-    bool RunAttempts();
+    /** Takes a new attempt's collections and engine and clears the listings for it. */
+    void StartAttempt();
     ResultListing::ViewState CurrentViewState() const;
     void ResortLinkedLists();
 
@@ -202,6 +204,7 @@ private:
     QShortcut *m_keypadEnter = nullptr;
     QShortcut *m_escape = nullptr;
     CaseRule m_caseRule = CaseRule::Automatic;
+    CompareSession m_session;
     /** Set when the window was asked to close during a run: it closes once the run unwinds. */
     bool m_closeRequested = false;
     /** True while the run's handler is on the stack. */

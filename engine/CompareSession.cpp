@@ -134,22 +134,25 @@ void CompareSession::walkSideBySide(const Request &request) {
     }
 }
 
-QList<CollectionProblem> CompareSession::problems() const {
-    QList<CollectionProblem> problems;
-    if (!m_source || !m_destination)
-        return problems;
-    problems << m_source->Problems() << m_destination->Problems();
+QList<CollectionProblem> CompareSession::problemsOf(int side) const {
+    const ComparisonFileCollection *files = side == 0 ? m_source.get() : m_destination.get();
+    if (!files)
+        return {};
+    QList<CollectionProblem> problems = files->Problems();
     // A record whose contents could not be read; a placeholder in its place stands for a file
     // behind a folder that could not be read, and that folder is already listed.
-    for (const ComparisonFileCollection *side : {m_source.get(), m_destination.get()}) {
-        const int unreadable = side == m_source.get() ? DifferenceCode::SourceUnreadable
-                                                      : DifferenceCode::DestinationUnreadable;
-        for (const ComparisonFilePtr &record : *side) {
-            if (record->DifferenceCode() == unreadable && record->HasFileObject())
-                problems.append({CollectionProblem::Kind::UnreadableFile, record->Path(),
-                                 record->NativePath(), unreadableReason(record->NativePath())});
-        }
+    const int unreadable =
+        side == 0 ? DifferenceCode::SourceUnreadable : DifferenceCode::DestinationUnreadable;
+    for (const ComparisonFilePtr &record : *files) {
+        if (record->DifferenceCode() == unreadable && record->HasFileObject())
+            problems.append({CollectionProblem::Kind::UnreadableFile, record->Path(),
+                             record->NativePath(), unreadableReason(record->NativePath())});
     }
+    return problems;
+}
+
+QList<CollectionProblem> CompareSession::problems() const {
+    QList<CollectionProblem> problems = problemsOf(0) + problemsOf(1);
     if (m_state == State::GaveUp)
         problems.append({CollectionProblem::Kind::KeptChanging, QString(), QByteArray(),
                          QStringLiteral("the folders kept changing during the comparison; gave "

@@ -84,6 +84,9 @@ public:
      * whose contents could not be read, then a tree that kept changing (its path empty).
      */
     QList<CollectionProblem> problems() const;
+    /** The problems of one side (0 source, 1 destination): its tree's, then its unreadable files.
+     */
+    QList<CollectionProblem> problemsOf(int side) const;
 
 Q_SIGNALS:
     void stateChanged(CompareSession::State state);
