@@ -158,6 +158,8 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         return valued(parseFormat, options.format);
     if (name == "case")
         return valued(parseCaseRule, options.caseRule);
+    if (name == "no-normalize")
+        return flag(options.normalizeNames, false);
     if (name == "crc-first")
         return flag(options.doCRCLast, false);
     if (name == "no-slack")
@@ -273,6 +275,9 @@ QString CliOptions::usage() {
         "      --case RULE      letter case in names: auto (default: as each folder's file\n"
         "                       system does), sensitive, or insensitive (names that differ\n"
         "                       only in case pair, an exact namesake preferred)\n"
+        "      --no-normalize   names spelt with decomposed accents (as some systems write\n"
+        "                       them) pair only with the same spelling (default: names\n"
+        "                       equal once composed pair when no exact namesake exists)\n"
         "      --chunk-size BYTES\n"
         "                       read files for checksums in chunks of BYTES\n"
         "                       (1024 to 16777216; default 65536)\n"

@@ -27,6 +27,7 @@ struct CliOptions {
     bool includeSlack = true;
     bool listAll = false;
     CaseRule caseRule = CaseRule::Automatic;
+    bool normalizeNames = true;
     int chunkSize = 65536;
     OutputFormat format = OutputFormat::Text;
     bool quiet = false;

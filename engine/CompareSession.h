@@ -44,6 +44,8 @@ public:
         bool doCRCLast = true;
         int chunkSize = 65536;
         CaseRule caseRule = CaseRule::Automatic;
+        /** See ComparisonFileCollection::setNormalizesNames. */
+        bool normalizeNames = true;
     };
 
     explicit CompareSession(QObject *parent = nullptr);

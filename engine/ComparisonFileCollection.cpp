@@ -194,8 +194,8 @@ void ComparisonFileCollection::addUnreadableFolder(const FolderRef &folder, int 
 void ComparisonFileCollection::AddCaseTwinProblem(const ComparisonFile &record,
                                                   const ComparisonFile &twin) {
     addProblem({CollectionProblem::Kind::CaseTwin, record.Path(), record.NativePath(),
-                QStringLiteral("differs only in letter case from %1 on the other side; the two "
-                               "are not paired")
+                QStringLiteral("differs only in letter case or in how its accents are "
+                               "written from %1 on the other side; the two are not paired")
                     .arg(twin.Path())});
 }
 
@@ -354,7 +354,7 @@ ComparisonFileCollection::Counterpart(const ComparisonFile &other, quint32 keyHa
     const qsizetype found = find(other, keyHash);
     if (found >= 0)
         return m_records[std::size_t(found)];
-    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase())
+    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase() && !composesNames(otherSide))
         return nullptr;
     return caseBlindCounterpart(other, keyHash, otherSide);
 }
@@ -362,15 +362,25 @@ ComparisonFileCollection::Counterpart(const ComparisonFile &other, quint32 keyHa
 namespace {
 
 /**
- * True when the file systems would take the two paths, equal but for letter case, for the
- * same: at each part spelt differently, the folder holding it ignores case on one side.
+ * True when two names of a path, equal once folded, would be taken for one: spelt alike, or
+ * alike once both are composed (\a composed), or held by a folder that ignores letter case
+ * on one side.
  */
-bool mayPair(const ComparisonFile &a, const ComparisonFile &b) {
+bool namesMayPair(const QByteArray &a, const QByteArray &b, bool composed, bool caseBlind) {
+    return a == b || caseBlind || (composed && RecordKey::namesEqualComposed(a, b));
+}
+
+/**
+ * True when the file systems would take the two paths, equal once folded, for the same: each
+ * part spelt differently passes namesMayPair() with the folders that hold it.
+ */
+bool mayPair(const ComparisonFile &a, const ComparisonFile &b, bool composed) {
     const FolderNode *folderA = a.Folder().get();
     const FolderNode *folderB = b.Folder().get();
     if (!folderA || !folderB)
         return false;
-    if (a.NativeName() != b.NativeName() && !folderA->ignoresCase() && !folderB->ignoresCase())
+    if (!namesMayPair(a.NativeName(), b.NativeName(), composed,
+                      folderA->ignoresCase() || folderB->ignoresCase()))
         return false;
     while (!folderA->sameRelativeKey(*folderB)) {
         const FolderNode *parentA = folderA->parent();
@@ -378,8 +388,8 @@ bool mayPair(const ComparisonFile &a, const ComparisonFile &b) {
         // A folder made from a whole path has no parents to ask: exact spelling only.
         if (!parentA || !parentB)
             return false;
-        if (folderA->name() != folderB->name() && !parentA->ignoresCase() &&
-            !parentB->ignoresCase())
+        if (!namesMayPair(folderA->name(), folderB->name(), composed,
+                          parentA->ignoresCase() || parentB->ignoresCase()))
             return false;
         folderA = parentA;
         folderB = parentB;
@@ -399,7 +409,8 @@ ComparisonFileCollection::caseBlindCounterpart(const ComparisonFile &other, quin
     m_index.find(keyHash, [&](qsizetype position) {
         const ComparisonFilePtr &record = m_records[std::size_t(position)];
         if (!record->HasFileObject() || !RecordIndex::sameKeyIgnoringCase(*record, other) ||
-            !mayPair(other, *record) || otherSide.find(*record, keyHash) >= 0)
+            !mayPair(other, *record, composesNames(otherSide)) ||
+            otherSide.find(*record, keyHash) >= 0)
             return false;
         if (candidate)
             ambiguous = true;
@@ -412,8 +423,8 @@ ComparisonFileCollection::caseBlindCounterpart(const ComparisonFile &other, quin
     const qsizetype rival = otherSide.m_index.find(keyHash, [&](qsizetype position) {
         const ComparisonFilePtr &record = otherSide.m_records[std::size_t(position)];
         return record.get() != &other && record->HasFileObject() &&
-               RecordIndex::sameKeyIgnoringCase(*record, other) && mayPair(*record, *candidate) &&
-               find(*record, keyHash) < 0;
+               RecordIndex::sameKeyIgnoringCase(*record, other) &&
+               mayPair(*record, *candidate, composesNames(otherSide)) && find(*record, keyHash) < 0;
     });
     return rival >= 0 ? nullptr : candidate;
 }
@@ -421,12 +432,12 @@ ComparisonFileCollection::caseBlindCounterpart(const ComparisonFile &other, quin
 ComparisonFilePtr
 ComparisonFileCollection::CaseTwin(const ComparisonFile &other,
                                    const ComparisonFileCollection &otherSide) const {
-    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase())
+    if (!mayIgnoreCase() && !otherSide.mayIgnoreCase() && !composesNames(otherSide))
         return nullptr;
     const qsizetype found = m_index.find(RecordIndex::hashOf(other), [&](qsizetype position) {
         const ComparisonFilePtr &record = m_records[std::size_t(position)];
         return record->HasFileObject() && RecordIndex::sameKeyIgnoringCase(*record, other) &&
-               mayPair(other, *record);
+               mayPair(other, *record, composesNames(otherSide));
     });
     return found < 0 ? nullptr : m_records[std::size_t(found)];
 }

@@ -21,7 +21,8 @@
  * Records are kept in insertion order and keyed by their exact path (ComparisonFile::Key).
  * A record's counterpart on the other side is the record of the same path; where a folder of
  * either tree resolves names without regard to case (see CaseRule), a path that differs only
- * in letter case will do when no exact namesake exists and the pairing is unambiguous.
+ * in letter case will do when no exact namesake exists and the pairing is unambiguous; so will
+ * a name that is the same once Unicode composed (see setNormalizesNames()).
  *
  * Everything runs on the caller's thread; the yield hook is called after each file so that
  * Cancel() can arrive from an event handler.
@@ -53,6 +54,14 @@ public:
     /** How letter case counts, for the next walk and for every look-up of a counterpart. */
     CaseRule caseRule() const { return m_caseRule; }
     void setCaseRule(CaseRule rule) { m_caseRule = rule; }
+
+    /**
+     * Whether names that are the same once Unicode composed (NFC) pair when no exact namesake
+     * exists: a tree copied from a system that writes accents decomposed. Default true; both
+     * sides must allow it.
+     */
+    bool normalizesNames() const { return m_normalizeNames; }
+    void setNormalizesNames(bool on) { m_normalizeNames = on; }
 
     /** The folder last walked, as given ("" after Clear()). */
     QString RootFolder() const { return m_rootFolder; }
@@ -157,6 +166,9 @@ private:
     void addUnreadableFolder(const FolderRef &folder, int error);
     /** True when some folder of the tree (or the rule) ignores letter case. */
     bool mayIgnoreCase() const { return m_anyIgnoresCase; }
+    bool composesNames(const ComparisonFileCollection &otherSide) const {
+        return m_normalizeNames && otherSide.m_normalizeNames;
+    }
     ComparisonFilePtr caseBlindCounterpart(const ComparisonFile &other, quint32 keyHash,
                                            const ComparisonFileCollection &otherSide) const;
     /**
@@ -189,6 +201,7 @@ private:
     quint64 m_generation = 0;
     CaseRule m_caseRule = CaseRule::Automatic;
     bool m_anyIgnoresCase = false;
+    bool m_normalizeNames = true;
     bool m_needsRescan = false;
     bool m_needsRecompare = false;
     bool m_inProgress = false;

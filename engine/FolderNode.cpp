@@ -22,7 +22,7 @@ FolderNode::FolderNode(QByteArray nativePath, qsizetype rootNativeLength, QStrin
     m_rootKeyLength = rootNativeLength >= m_nativePath.size()
                           ? m_keyPath.size()
                           : keyFolder(m_nativePath.left(rootNativeLength)).size();
-    m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, relativeKey().toString().toLower());
+    m_relativeKeyHash = RecordKey::feed(RecordKey::Seed, RecordKey::fold(relativeKey()));
 }
 
 FolderNode::FolderNode(const FolderNode &parent, const QByteArray &name)
@@ -74,5 +74,5 @@ QByteArray FolderNode::name() const {
 
 bool FolderNode::sameRelativeKeyIgnoringCase(const FolderNode &other) const {
     return m_relativeKeyHash == other.m_relativeKeyHash &&
-           relativeKey().toString().toLower() == other.relativeKey().toString().toLower();
+           RecordKey::fold(relativeKey()) == RecordKey::fold(other.relativeKey());
 }

@@ -24,7 +24,7 @@ bool RecordIndex::sameKeyIgnoringCase(const ComparisonFile &a, const ComparisonF
     const FolderRef &folderA = a.Folder();
     const FolderRef &folderB = b.Folder();
     if (!folderA || !folderB)
-        return a.RelativeKey().toLower() == b.RelativeKey().toLower();
+        return RecordKey::fold(a.RelativeKey()) == RecordKey::fold(b.RelativeKey());
     return RecordKey::namesEqualIgnoringCase(a.NativeName(), b.NativeName()) &&
            folderA->sameRelativeKeyIgnoringCase(*folderB);
 }

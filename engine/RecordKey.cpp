@@ -20,7 +20,7 @@ constexpr char16_t asciiLower(unsigned char c) {
 }
 
 QString nameKey(const QByteArray &name) {
-    return KeyFromNative(name).toLower();
+    return RecordKey::fold(KeyFromNative(name));
 }
 
 } // namespace
@@ -31,8 +31,18 @@ RecordKey::State RecordKey::feed(State state, QStringView text) {
     return state;
 }
 
+QString RecordKey::fold(QStringView key) {
+    return key.toString().toLower().normalized(QString::NormalizationForm_C);
+}
+
 quint32 RecordKey::hash(QStringView key) {
-    return finish(feed(Seed, key.toString().toLower()));
+    return finish(feed(Seed, fold(key)));
+}
+
+bool RecordKey::namesEqualComposed(const QByteArray &a, const QByteArray &b) {
+    return a == b || (!isPlain(a) && !isPlain(b) &&
+                      KeyFromNative(a).normalized(QString::NormalizationForm_C) ==
+                          KeyFromNative(b).normalized(QString::NormalizationForm_C));
 }
 
 RecordKey::State RecordKey::feedName(State state, const QByteArray &name) {

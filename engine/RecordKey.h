@@ -6,8 +6,8 @@
 /**
  * Records' keys are their paths below the root in key form (KeyFromNative: invalid bytes and
  * backslashes escaped), letter case kept, so that two different names never share a key.
- * Look-ups hash the folded key (lower case) instead, so that one index answers both an exact
- * look-up and one without regard to case, for folders whose file system ignores case. This
+ * Look-ups hash the folded key (fold(): lower case, accents composed) instead, so that one
+ * index answers both an exact look-up and one without regard to case or composition. This
  * namespace hashes and compares keys without building the key text: most names are plain
  * ASCII, handled byte by byte; only a name with other bytes goes through the full Unicode key.
  * The hash is defined over the folded key's UTF-16 code units, so a key given as text and a
@@ -36,10 +36,20 @@ inline quint32 finish(State state) {
     state *= 0xbf58476d1ce4e5b9ull;
     return quint32(state >> 32);
 }
+/**
+ * The folded form of a key: lower case and Unicode composed (NFC), so that a name spelt
+ * with decomposed accents, as some systems write them, finds its composed twin.
+ */
+QString fold(QStringView key);
 /** The hash of a whole key given as text (folded here). */
 quint32 hash(QStringView key);
 
-/** True when the native names \a a and \a b have the same folded key (equal but for case). */
+/**
+ * True when the native names \a a and \a b have the same folded key: equal but for letter
+ * case and the composition of accents.
+ */
 bool namesEqualIgnoringCase(const QByteArray &a, const QByteArray &b);
+/** True when \a a and \a b are the same name once both are Unicode composed (NFC). */
+bool namesEqualComposed(const QByteArray &a, const QByteArray &b);
 
 } // namespace RecordKey
