@@ -1,5 +1,6 @@
 #include "StatusText.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -17,6 +18,14 @@ void StatusText::setText(const QString &text) {
         return;
     m_text = text;
     update();
+    // Painted text is invisible to a screen reader: the text is also the accessible name of
+    // this label and of the status bar that holds it, and each change is announced.
+    const QString spoken = text.trimmed();
+    setAccessibleName(spoken);
+    if (QWidget *bar = parentWidget())
+        bar->setAccessibleName(spoken);
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
 }
 
 void StatusText::setClickable(bool clickable) {
@@ -43,8 +52,14 @@ void StatusText::paintEvent(QPaintEvent *) {
     painter.setFont(font);
     if (m_clickable)
         painter.setPen(palette().color(QPalette::Link));
-    const QRect area = rect().adjusted(2, 0, -2, 0);
-    const QString shown = QFontMetrics(font).elidedText(m_text, Qt::ElideRight, area.width());
+    // The leading blanks indent the text; a link underlines the words alone.
+    qsizetype words = 0;
+    while (words < m_text.size() && m_text.at(words).isSpace())
+        ++words;
+    const int indent = fontMetrics().horizontalAdvance(m_text.left(words));
+    const QRect area = rect().adjusted(2 + indent, 0, -2, 0);
+    const QString shown =
+        QFontMetrics(font).elidedText(m_text.mid(words), Qt::ElideRight, area.width());
     painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
     if (hasFocus()) {
         QStyleOptionFocusRect option;

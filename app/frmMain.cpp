@@ -202,6 +202,10 @@ void frmMain::buildPanes() {
         lblPath[i]->setMinimumHeight(lblPath[i]->fontMetrics().height());
         lvwFiles[i] = new ListView(picSide[i]);
         lvwFiles[i]->setObjectName(QStringLiteral("lvwFiles%1").arg(i));
+        lvwFiles[i]->setAccessibleName(i == 0 ? QStringLiteral("Source files")
+                                              : QStringLiteral("Destination files"));
+        // The caption above a list ("Files from ...") labels it for a screen reader too.
+        lblPath[i]->setBuddy(lvwFiles[i]);
         lvwFiles[i]->setAcceptDrops(false);
         lvwFiles[i]->viewport()->setAcceptDrops(false);
         lvwFiles[i]->setSmallIcons(ImageList1);

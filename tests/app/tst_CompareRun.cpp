@@ -12,6 +12,7 @@
 #include "views/ListSorting.h"
 #include "views/ListView.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
@@ -341,6 +342,10 @@ void tst_CompareRun::problemsOpenFromTheStatus() {
              QStringLiteral("  Compare complete.  1 item could not be compared."));
     QVERIFY(w.window.StatusBar1->textClickable());
     QVERIFY(!w.window.findChild<frmProblems *>());
+    // What a screen reader finds: the status text and the two lists by name.
+    QCOMPARE(QAccessible::queryAccessibleInterface(w.window.StatusBar1)->text(QAccessible::Name),
+             QStringLiteral("Compare complete.  1 item could not be compared."));
+    QCOMPARE(w.window.lvwFiles[1]->accessibleName(), QStringLiteral("Destination files"));
 
     const ComparisonFileCollection *run = w.window.colSourceFiles.get();
     auto *text = w.window.StatusBar1->findChild<QWidget *>(QStringLiteral("StatusText"));

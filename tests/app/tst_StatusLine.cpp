@@ -1,6 +1,7 @@
 #include "app/StatusLine.h"
 #include "app/StatusText.h"
 
+#include <QAccessible>
 #include <QElapsedTimer>
 #include <QProgressBar>
 #include <QTest>
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void progressTextsThrottled_data();
     void progressTextsThrottled();
     void finalTextShownAtOnce();
+    void textIsSpoken();
 };
 
 namespace {
@@ -126,6 +128,18 @@ void tst_StatusLine::finalTextShownAtOnce() {
     // The progress text still pending must not overwrite the final one later.
     QTest::qWait(StatusLine::paintIntervalMs * 2);
     QCOMPARE(line.findChild<StatusText *>()->text(), QStringLiteral("  Compare complete."));
+}
+
+void tst_StatusLine::textIsSpoken() {
+    // A screen reader reads the status bar's accessible text, progress texts included.
+    StatusLine line;
+    line.show();
+    QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(&line);
+    QVERIFY(bar);
+    line.UpdateStatus(QStringLiteral("Building source file list (3)"), true, -1);
+    QTRY_COMPARE(bar->text(QAccessible::Name), QStringLiteral("Building source file list (3)"));
+    line.UpdateStatus(QStringLiteral("Compare complete."), false, -1);
+    QCOMPARE(bar->text(QAccessible::Name), QStringLiteral("Compare complete."));
 }
 
 QTEST_MAIN(tst_StatusLine)
