@@ -99,10 +99,12 @@ QString CopyProgressDialog::SummaryText(const CopyJob &job,
         return QString();
     const int notCopied = int(outcomes.size()) - copied;
     QString text = job.wasCancelled() ? QStringLiteral("The copy was cancelled. ") : QString();
-    text += (notCopied > 0 ? QStringLiteral("%1 of %2 files copied; %3 not copied:")
-                           : QStringLiteral("%1 of %2 files copied, with notes:"))
-                .arg(locale.toString(copied), locale.toString(int(outcomes.size())),
-                     locale.toString(notCopied));
+    const QString copiedOfAll =
+        QStringLiteral("%1 of %2 files copied")
+            .arg(locale.toString(copied), locale.toString(int(outcomes.size())));
+    text += notCopied > 0
+                ? copiedOfAll + QStringLiteral("; %1 not copied:").arg(locale.toString(notCopied))
+                : copiedOfAll + QStringLiteral(", with notes:");
     text += QStringLiteral("\n\n") + lines.mid(0, ListedInBox).join(QLatin1Char('\n'));
     if (lines.size() > ListedInBox || notCopied > lines.size())
         text += QStringLiteral("\n...");

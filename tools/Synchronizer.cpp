@@ -45,7 +45,8 @@ QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection
 }
 
 QString SyncCountText(int count) {
-    return QStringLiteral("  ") + QLocale().toString(count) + QStringLiteral(" files to copy.");
+    return QStringLiteral("  ") + QLocale().toString(count) +
+           (count == 1 ? QStringLiteral(" file to copy.") : QStringLiteral(" files to copy."));
 }
 
 ListItem AddToSynchronizer(const ComparisonFilePtr &file, ListView *lvwSync, ImageList *Images) {

@@ -41,7 +41,8 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
 QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection &from,
                       const ComparisonFileCollection &to);
 
-/** The review dialog's status text: two blanks, the count with grouping, " files to copy.". */
+/** The review dialog's status text: two blanks, the count with grouping, " files to copy." ("1
+ * file"). */
 QString SyncCountText(int count);
 
 /**

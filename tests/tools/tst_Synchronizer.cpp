@@ -95,6 +95,7 @@ void tst_Synchronizer::initTestCase() {
 void tst_Synchronizer::countText_data() {
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("text");
+    QTest::newRow("one") << 1 << QStringLiteral("  1 file to copy.");
     QTest::newRow("thousands") << 1234 << QStringLiteral("  1,234 files to copy.");
     QTest::newRow("millions") << 1234567 << QStringLiteral("  1,234,567 files to copy.");
 }
