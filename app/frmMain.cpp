@@ -228,6 +228,8 @@ void frmMain::connectMenus() {
     connect(m.mnuFileExit, &QAction::triggered, this, &QWidget::close);
     connect(m.mnuFileIncludeSlack, &QAction::triggered, this,
             [](bool checked) { Options::setIncludeSlack(checked); });
+    connect(m.mnuFileIgnoreTimeShift, &QAction::triggered, this,
+            [](bool checked) { Options::setIgnoreTimeShift(checked); });
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
     m_tools = std::make_unique<ToolsCommands>(this);
@@ -269,6 +271,7 @@ void frmMain::InitializeDisplay() {
     ApplyOrientation(Options::orientation());
     ApplyAlwaysOnTop(Options::alwaysOnTop());
     menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    menus->mnuFileIgnoreTimeShift->setChecked(Options::ignoreTimeShift());
     ApplyCaseRule(caseRuleFromWord(Options::letterCase()).value_or(CaseRule::Automatic));
     LoadDiffProgram(menus->mnuToolsDiff);
     ApplyViewOptions();
@@ -409,6 +412,8 @@ void frmMain::ResetOptions() {
     ApplyViewOptions();
     Options::setIncludeSlack(true);
     menus->mnuFileIncludeSlack->setChecked(true);
+    Options::setIgnoreTimeShift(false);
+    menus->mnuFileIgnoreTimeShift->setChecked(false);
     Options::setLetterCase(caseRuleWord(CaseRule::Automatic));
     ApplyCaseRule(CaseRule::Automatic);
 
@@ -535,6 +540,8 @@ bool frmMain::RunAttempts() {
         oPairscope = std::make_unique<Pairscope>();
         // Rows are filled from the statx each pair was judged on.
         oPairscope->setLoadDetails(true);
+        if (menus->mnuFileIgnoreTimeShift->isChecked())
+            oPairscope->setTimeShifts({60});
         colSourceFiles->setYieldHook(hook);
         colDestFiles->setYieldHook(hook);
         oPairscope->setYieldHook(hook);

@@ -76,6 +76,18 @@ std::optional<int> parseChunkSize(const QByteArray &text, QString *error) {
     return int(value);
 }
 
+std::optional<int> parseTimeShift(const QByteArray &text, QString *error) {
+    bool ok = false;
+    const int minutes = text.trimmed().toInt(&ok);
+    if (!ok || minutes < 1 || minutes > CliOptions::MaxTimeShift) {
+        *error = QStringLiteral("invalid --time-shift %1; give a whole number of minutes, 1 to %2")
+                     .arg(quoted(text))
+                     .arg(CliOptions::MaxTimeShift);
+        return std::nullopt;
+    }
+    return minutes;
+}
+
 std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) {
     if (text == "text")
         return OutputFormat::Text;
@@ -158,6 +170,13 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         return valued(parseFormat, options.format);
     if (name == "case")
         return valued(parseCaseRule, options.caseRule);
+    if (name == "time-shift") {
+        std::optional<int> minutes;
+        if (!valued(parseTimeShift, minutes))
+            return false;
+        options.timeShifts.append(*minutes);
+        return true;
+    }
     if (name == "crc-first")
         return flag(options.doCRCLast, false);
     if (name == "no-slack")
@@ -269,6 +288,10 @@ QString CliOptions::usage() {
         "                       for pairs that are equal in everything else)\n"
         "      --no-slack       dates must be exactly equal (default: dates up to two\n"
         "                       seconds apart count as equal)\n"
+        "      --time-shift MINUTES\n"
+        "                       dates exactly MINUTES apart, either way, count as equal\n"
+        "                       (within the two seconds unless --no-slack), as on FAT\n"
+        "                       or across a daylight-saving change; repeatable\n"
         "  -a, --all            list identical pairs too\n"
         "      --case RULE      letter case in names: auto (default: as each folder's file\n"
         "                       system does), sensitive, or insensitive (names that differ\n"

@@ -25,6 +25,8 @@ struct CliOptions {
     int comparisons = ComparisonBits::Sizes | ComparisonBits::Modified;
     bool doCRCLast = true;
     bool includeSlack = true;
+    /** `--time-shift`: date differences of exactly these minutes count as equal. */
+    QList<int> timeShifts;
     bool listAll = false;
     CaseRule caseRule = CaseRule::Automatic;
     int chunkSize = 65536;
@@ -37,6 +39,8 @@ struct CliOptions {
     /** Smallest and largest checksum chunk; a value outside is refused. */
     static constexpr int MinChunkSize = 1024;
     static constexpr int MaxChunkSize = 16 * 1024 * 1024;
+    /** The largest time shift: a week, in minutes. */
+    static constexpr int MaxTimeShift = 7 * 24 * 60;
 
     /**
      * Parses the arguments that follow the program name. On failure returns the defaults and

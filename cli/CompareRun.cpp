@@ -27,6 +27,7 @@ bool CompareRun::run() {
     request.doCRCLast = m_options.doCRCLast;
     request.chunkSize = m_options.chunkSize;
     request.caseRule = m_options.caseRule;
+    request.timeShifts = m_options.timeShifts;
     const CompareSession::State state = session.run(request);
 
     m_restarts = session.restarts();

@@ -124,8 +124,10 @@ void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStr
     out << " \"comparisons\": {\"bits\": " << options.comparisons << ", \"description\": "
         << jsonString(ComparisonDescription(options.comparisons, options.doCRCLast)) << "},\n";
     out << " \"options\": {\"crcFirst\": " << jsonBool(!options.doCRCLast)
-        << ", \"slack\": " << jsonBool(options.includeSlack)
-        << ", \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
+        << ", \"slack\": " << jsonBool(options.includeSlack) << ", \"timeShifts\": [";
+    for (qsizetype i = 0; i < options.timeShifts.size(); ++i)
+        out << (i ? ", " : "") << options.timeShifts.at(i);
+    out << "], \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
         << "},\n";
 
     out << " \"pairs\": [";

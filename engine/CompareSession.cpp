@@ -89,6 +89,7 @@ int CompareSession::attempt(const Request &request) {
     }
     m_engine->setYieldHook(m_yield);
     m_engine->setLoadDetails(m_loadDetails);
+    m_engine->setTimeShifts(request.timeShifts);
     setState(State::WalkingSource);
     Q_EMIT attemptStarted();
     if (m_cancelRequested)

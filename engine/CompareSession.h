@@ -44,6 +44,8 @@ public:
         bool doCRCLast = true;
         int chunkSize = 65536;
         CaseRule caseRule = CaseRule::Automatic;
+        /** See Pairscope::setTimeShifts. */
+        QList<int> timeShifts;
     };
 
     explicit CompareSession(QObject *parent = nullptr);

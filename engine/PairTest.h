@@ -3,11 +3,15 @@
 #include "engine/DifferenceCode.h"
 #include "engine/FileStat.h"
 
+#include <vector>
+
 /** The selected comparisons of one Compare() call. */
 struct PairTestOptions {
     int bits = 0;
     bool includeSlack = true;
     bool doCRCLast = true;
+    /** Differences between dates, in seconds, that count as equal too (either direction). */
+    std::vector<qint64> timeShifts;
 };
 
 /**
@@ -15,6 +19,13 @@ struct PairTestOptions {
  * "No date" equals only "no date".
  */
 bool datesDiffer(const FileTime &a, const FileTime &b, bool includeSlack);
+
+/**
+ * datesDiffer(), where dates that differ by exactly one of \a shifts (seconds, either
+ * direction; within the slack when it is on) are equal too.
+ */
+bool datesDiffer(const FileTime &a, const FileTime &b, bool includeSlack,
+                 const std::vector<qint64> &shifts);
 
 /**
  * The difference code of a pair from one snapshot of each side, testing in a fixed order and
@@ -46,7 +57,7 @@ int comparePair(const FileStat &source, const FileStat &destination, const PairT
             return code;
     }
     const auto dateTest = [&](const FileTime &a, const FileTime &b, int later, int earlier) {
-        if (!datesDiffer(a, b, options.includeSlack))
+        if (!datesDiffer(a, b, options.includeSlack, options.timeShifts))
             return 0;
         return a > b ? later : earlier;
     };

@@ -90,6 +90,14 @@ bool setIncludeSlack(bool value) {
     return writeBoolean(QStringLiteral("IncludeSlack"), value);
 }
 
+bool ignoreTimeShift() {
+    return readBoolean(QStringLiteral("IgnoreTimeShift"), false);
+}
+
+bool setIgnoreTimeShift(bool value) {
+    return writeBoolean(QStringLiteral("IgnoreTimeShift"), value);
+}
+
 QString letterCase() {
     const QString word = SettingsStore::text(section, QStringLiteral("LetterCase")).trimmed();
     return word == QLatin1String("sensitive") || word == QLatin1String("insensitive")

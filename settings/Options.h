@@ -46,6 +46,11 @@ bool setAlwaysOnTop(bool value);
 bool includeSlack();
 bool setIncludeSlack(bool value);
 
+/** Whether dates exactly one hour apart (a FAT tree, a daylight-saving change) count as equal.
+ * Default false. */
+bool ignoreTimeShift();
+bool setIgnoreTimeShift(bool value);
+
 /**
  * How letter case counts when names are paired: "auto" (as each folder's file system does,
  * the default), "sensitive" or "insensitive". Any other stored text reads as "auto".

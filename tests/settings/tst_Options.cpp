@@ -21,6 +21,7 @@ const BooleanKey booleanOptions[] = {
     {"DoCRCLast", Options::doCRCLast, Options::setDoCRCLast, true},
     {"AlwaysOnTop", Options::alwaysOnTop, Options::setAlwaysOnTop, false},
     {"IncludeSlack", Options::includeSlack, Options::setIncludeSlack, true},
+    {"IgnoreTimeShift", Options::ignoreTimeShift, Options::setIgnoreTimeShift, false},
     {"LinkListings", Options::linkListings, Options::setLinkListings, true},
     {"UseMissingPlaceholders", Options::useMissingPlaceholders, Options::setUseMissingPlaceholders,
      true},
