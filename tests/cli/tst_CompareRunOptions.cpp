@@ -1,14 +1,18 @@
 #include "cli/CompareRun.h"
 #include "support/TestTree.h"
 
+#include <QFile>
 #include <QTest>
 
 namespace {
 
 constexpr time_t Base = 1700000000;
 
-/** The listed pairs of a run with \a arguments: "code path" a line, sorted by path. */
-QByteArray listed(QStringList arguments, const TestTree &tree) {
+/**
+ * The listed pairs of a run with \a arguments: "code path" a line, sorted by path, each code
+ * followed by the pair's further differences when \a differences is set ("4,7,6 path").
+ */
+QByteArray listed(QStringList arguments, const TestTree &tree, bool differences = false) {
     arguments << tree.path(QStringLiteral("src")) << tree.path(QStringLiteral("dst"));
     QList<QByteArray> native;
     for (const QString &argument : arguments)
@@ -20,8 +24,13 @@ QByteArray listed(QStringList arguments, const TestTree &tree) {
     CompareRun run(options);
     run.run();
     QByteArray out;
-    for (const ReportPair &pair : run.pairs())
-        out += QByteArray::number(pair.code) + ' ' + pair.path + '\n';
+    for (const ReportPair &pair : run.pairs()) {
+        QByteArrayList codes{QByteArray::number(pair.code)};
+        const QList<int> all = pair.source->Differences().codes();
+        for (qsizetype i = 1; differences && i < all.size(); ++i)
+            codes << QByteArray::number(all.at(i));
+        out += codes.join(',') + ' ' + pair.path + '\n';
+    }
     return out;
 }
 
@@ -33,6 +42,8 @@ class tst_CompareRunOptions : public QObject {
 private Q_SLOTS:
     void timeShifts_data();
     void timeShifts();
+    void everyDifference_data();
+    void everyDifference();
 };
 
 void tst_CompareRunOptions::timeShifts_data() {
@@ -67,6 +78,41 @@ void tst_CompareRunOptions::timeShifts() {
     QVERIFY(tree.setTimes(QStringLiteral("dst/hour.txt"), Base + 3600));
     QVERIFY(tree.setTimes(QStringLiteral("dst/hour-and-2s.txt"), Base + 3602));
     QTEST(listed(options, tree), "expected");
+}
+
+void tst_CompareRunOptions::everyDifference_data() {
+    QTest::addColumn<QString>("compare");
+    QTest::addColumn<QByteArray>("expected");
+
+    // a.txt differs in size, modified date and permissions; b.txt in content and date only.
+    QTest::newRow("size, date, attributes")
+        << QStringLiteral("size,modified,attributes") << QByteArray("4,8,6 a.txt\n8 b.txt\n");
+    QTest::newRow("in the order of the tests, not of the option")
+        << QStringLiteral("attributes,modified") << QByteArray("8,6 a.txt\n8 b.txt\n");
+    QTest::newRow("checksum last: read only when nothing else differs")
+        << QStringLiteral("size,crc") << QByteArray("4 a.txt\n5 b.txt\n");
+    QTest::newRow("checksum first: then the dates")
+        << QStringLiteral("crc,modified --crc-first") << QByteArray("5,8 a.txt\n5,8 b.txt\n");
+    QTest::newRow("existence only") << QStringLiteral("existence") << QByteArray();
+}
+
+void tst_CompareRunOptions::everyDifference() {
+    QFETCH(QString, compare);
+    TestTree tree;
+    QVERIFY(tree.write(QStringLiteral("src/a.txt"), "aaaa"));
+    QVERIFY(tree.write(QStringLiteral("dst/a.txt"), "aaaaa"));
+    QVERIFY(tree.write(QStringLiteral("src/b.txt"), "bbbb"));
+    QVERIFY(tree.write(QStringLiteral("dst/b.txt"), "BBBB"));
+    for (const char *side : {"src/", "dst/"}) {
+        for (const char *name : {"a.txt", "b.txt"})
+            QVERIFY(tree.setTimes(QLatin1String(side) + QLatin1String(name),
+                                  Base + (side[0] == 'd' ? 100 : 0)));
+    }
+    QFile(tree.path(QStringLiteral("dst/a.txt")))
+        .setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    QStringList options{QStringLiteral("-c")};
+    options << compare.split(QLatin1Char(' '));
+    QTEST(listed(options, tree, true), "expected");
 }
 
 QTEST_GUILESS_MAIN(tst_CompareRunOptions)
