@@ -35,6 +35,7 @@ public:
     QAction *mnuFileZ3 = nullptr;
     QAction *mnuFileIncludeSlack = nullptr;
     QAction *mnuFileIgnoreTimeShift = nullptr;
+    QAction *mnuFileFilters = nullptr;
     QAction *mnuFileSelectDiff = nullptr;
     QAction *mnuFileOptions = nullptr;
     QAction *mnuFileZ4 = nullptr;

@@ -15,6 +15,7 @@
 #include "tools/DiffProgram.h"
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
+#include "tools/frmFilters.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
 #include "views/DrawEdge.h"
@@ -230,6 +231,10 @@ void frmMain::connectMenus() {
             [](bool checked) { Options::setIncludeSlack(checked); });
     connect(m.mnuFileIgnoreTimeShift, &QAction::triggered, this,
             [](bool checked) { Options::setIgnoreTimeShift(checked); });
+    connect(m.mnuFileFilters, &QAction::triggered, this, [this] {
+        if (frmFilters::Edit(this))
+            StatusBar1->setFiltered(frmFilters::StoredFilter() != nullptr);
+    });
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
     m_tools = std::make_unique<ToolsCommands>(this);
@@ -272,6 +277,7 @@ void frmMain::InitializeDisplay() {
     ApplyAlwaysOnTop(Options::alwaysOnTop());
     menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
     menus->mnuFileIgnoreTimeShift->setChecked(Options::ignoreTimeShift());
+    StatusBar1->setFiltered(frmFilters::StoredFilter() != nullptr);
     ApplyCaseRule(caseRuleFromWord(Options::letterCase()).value_or(CaseRule::Automatic));
     LoadDiffProgram(menus->mnuToolsDiff);
     ApplyViewOptions();
@@ -531,12 +537,15 @@ void frmMain::cmdCompare_Click() {
 
 bool frmMain::RunAttempts() {
     const auto hook = [this] { m_yield(); };
+    const std::shared_ptr<const TreeFilter> filter = frmFilters::StoredFilter();
     int result = Pairscope::StatusComplete;
     do {
         colSourceFiles = std::make_unique<ComparisonFileCollection>();
         colDestFiles = std::make_unique<ComparisonFileCollection>();
         colSourceFiles->setCaseRule(m_caseRule);
         colDestFiles->setCaseRule(m_caseRule);
+        colSourceFiles->setFilter(filter);
+        colDestFiles->setFilter(filter);
         oPairscope = std::make_unique<Pairscope>();
         // Rows are filled from the statx each pair was judged on.
         oPairscope->setLoadDetails(true);

@@ -2,6 +2,7 @@
 
 #include "cli/NameEscaping.h"
 
+#include <QFile>
 #include <QStringList>
 
 #include <algorithm>
@@ -177,6 +178,27 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         options.timeShifts.append(*minutes);
         return true;
     }
+    if (name == "exclude" || name == "include") {
+        const auto pattern = reader.value(shown, attached, error);
+        if (pattern)
+            options.filter.rules.add(*pattern, name == "include");
+        return pattern.has_value();
+    }
+    if (name == "exclude-from") {
+        const auto path = reader.value(shown, attached, error);
+        if (!path)
+            return false;
+        QFile file(QFile::decodeName(*path));
+        if (!file.open(QIODevice::ReadOnly)) {
+            *error = QStringLiteral("cannot read --exclude-from %1: %2")
+                         .arg(quoted(*path), file.errorString());
+            return false;
+        }
+        options.filter.rules.addLines(file.readAll());
+        return true;
+    }
+    if (name == "gitignore")
+        return flag(options.filter.gitignore, true);
     if (name == "crc-first")
         return flag(options.doCRCLast, false);
     if (name == "no-slack")
@@ -292,6 +314,18 @@ QString CliOptions::usage() {
         "                       dates exactly MINUTES apart, either way, count as equal\n"
         "                       (within the two seconds unless --no-slack), as on FAT\n"
         "                       or across a daylight-saving change; repeatable\n"
+        "      --exclude PATTERN, --include PATTERN\n"
+        "                       leave out, or keep, what PATTERN matches below either\n"
+        "                       root; repeatable, the last matching pattern wins. As in\n"
+        "                       git: * and ? stay within a name, ** crosses folders, a\n"
+        "                       trailing / matches folders only, a leading / anchors at\n"
+        "                       the root. A folder left out is not read at all\n"
+        "      --exclude-from FILE\n"
+        "                       patterns from FILE, one a line, as in .gitignore (# for\n"
+        "                       comments, ! to keep)\n"
+        "      --gitignore      each tree's .gitignore files apply in and below their\n"
+        "                       folder, and .git folders are left out; the options above\n"
+        "                       win over them\n"
         "  -a, --all            list identical pairs too\n"
         "      --case RULE      letter case in names: auto (default: as each folder's file\n"
         "                       system does), sensitive, or insensitive (names that differ\n"

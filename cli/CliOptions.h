@@ -2,6 +2,7 @@
 
 #include "engine/CaseRule.h"
 #include "engine/ComparisonSet.h"
+#include "engine/TreeFilter.h"
 
 #include <QByteArray>
 #include <QList>
@@ -27,6 +28,8 @@ struct CliOptions {
     bool includeSlack = true;
     /** `--time-shift`: date differences of exactly these minutes count as equal. */
     QList<int> timeShifts;
+    /** `--exclude`, `--include`, `--exclude-from` in their order, and `--gitignore`. */
+    TreeFilter filter;
     bool listAll = false;
     CaseRule caseRule = CaseRule::Automatic;
     int chunkSize = 65536;

@@ -85,6 +85,7 @@ int CompareSession::attempt(const Request &request) {
     m_engine = std::make_shared<Pairscope>();
     for (ComparisonFileCollection *side : {m_source.get(), m_destination.get()}) {
         side->setCaseRule(request.caseRule);
+        side->setFilter(request.filter);
         side->setYieldHook(m_yield);
     }
     m_engine->setYieldHook(m_yield);

@@ -46,6 +46,8 @@ public:
         CaseRule caseRule = CaseRule::Automatic;
         /** See Pairscope::setTimeShifts. */
         QList<int> timeShifts;
+        /** What both walks leave out, relative to each root; none when null. */
+        std::shared_ptr<const TreeFilter> filter;
     };
 
     explicit CompareSession(QObject *parent = nullptr);

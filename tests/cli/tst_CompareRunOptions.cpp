@@ -44,6 +44,8 @@ private Q_SLOTS:
     void timeShifts();
     void everyDifference_data();
     void everyDifference();
+    void filters_data();
+    void filters();
 };
 
 void tst_CompareRunOptions::timeShifts_data() {
@@ -113,6 +115,53 @@ void tst_CompareRunOptions::everyDifference() {
     QStringList options{QStringLiteral("-c")};
     options << compare.split(QLatin1Char(' '));
     QTEST(listed(options, tree, true), "expected");
+}
+
+void tst_CompareRunOptions::filters_data() {
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("expected");
+
+    const auto options = [](const char *line) {
+        return QString::fromLatin1(line).split(QLatin1Char(' '));
+    };
+    QTest::newRow("none") << QStringList()
+                          << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 sub/keep.log\n"
+                                        "4 sub/t.tmp\n4 x.log\n");
+    QTest::newRow("a name at any depth, on both sides")
+        << options("--exclude *.log") << QByteArray("4 a.txt\n4 build/out.o\n4 sub/t.tmp\n");
+    QTest::newRow("a later include wins")
+        << options("--exclude *.log --include sub/keep.log")
+        << QByteArray("4 a.txt\n4 build/out.o\n4 sub/keep.log\n4 sub/t.tmp\n");
+    QTest::newRow("a folder") << options("--exclude=build/")
+                              << QByteArray("4 a.txt\n2 only.log\n4 sub/keep.log\n"
+                                            "4 sub/t.tmp\n4 x.log\n");
+    QTest::newRow("each .gitignore below its folder")
+        << options("--gitignore") << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 x.log\n");
+    QTest::newRow("the options win over .gitignore")
+        << options("--gitignore --include keep.log")
+        << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 sub/keep.log\n4 x.log\n");
+    QTest::newRow("from a file") << options("--exclude-from @rules")
+                                 << QByteArray("4 a.txt\n4 sub/t.tmp\n4 x.log\n");
+    QTest::newRow("an unreadable rules file")
+        << options("--exclude-from /nonexistent/rules")
+        << QByteArray("cannot read --exclude-from '/nonexistent/rules': No such file or directory");
+}
+
+void tst_CompareRunOptions::filters() {
+    QFETCH(QStringList, options);
+    TestTree tree;
+    for (const char *name : {"a.txt", "x.log", "build/out.o", "sub/keep.log", "sub/t.tmp"}) {
+        QVERIFY(tree.write(QLatin1String("src/") + QLatin1String(name), "1"));
+        QVERIFY(tree.write(QLatin1String("dst/") + QLatin1String(name), "22"));
+    }
+    QVERIFY(tree.write(QStringLiteral("dst/only.log"), "1"));
+    for (const char *side : {"src/", "dst/"}) {
+        QVERIFY(tree.write(QLatin1String(side) + QLatin1String(".gitignore"), "*.tmp\n"));
+        QVERIFY(tree.write(QLatin1String(side) + QLatin1String("sub/.gitignore"), "*.log\n"));
+    }
+    QVERIFY(tree.write(QStringLiteral("rules"), "# rules\nbuild/\n*.log\n!x.log\n"));
+    options.replaceInStrings(QStringLiteral("@rules"), tree.path(QStringLiteral("rules")));
+    QTEST(listed(options << QStringLiteral("-c") << QStringLiteral("size"), tree), "expected");
 }
 
 QTEST_GUILESS_MAIN(tst_CompareRunOptions)

@@ -22,6 +22,7 @@ const BooleanKey booleanOptions[] = {
     {"AlwaysOnTop", Options::alwaysOnTop, Options::setAlwaysOnTop, false},
     {"IncludeSlack", Options::includeSlack, Options::setIncludeSlack, true},
     {"IgnoreTimeShift", Options::ignoreTimeShift, Options::setIgnoreTimeShift, false},
+    {"UseGitignore", Options::useGitignore, Options::setUseGitignore, false},
     {"LinkListings", Options::linkListings, Options::setLinkListings, true},
     {"UseMissingPlaceholders", Options::useMissingPlaceholders, Options::setUseMissingPlaceholders,
      true},
