@@ -24,6 +24,8 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
     mnuFileClear = mnuFile->addAction(QStringLiteral("C&lear Display"));
     mnuFileZ3 = mnuFile->addSeparator();
     mnuFileIncludeSlack = checkItem(mnuFile, QStringLiteral("Include &2-Second Slack For Dates"));
+    mnuFileIgnoreTimeShift = checkItem(mnuFile, QStringLiteral("Ignore 1-&Hour Time Shifts"));
+    mnuFileFilters = mnuFile->addAction(QStringLiteral("F&ilters..."));
     mnuFileSelectDiff = mnuFile->addAction(QStringLiteral("Select Di&ff Program..."));
     mnuFileOptions = mnuFile->addAction(QStringLiteral("&Reset Options"));
     mnuFileZ4 = mnuFile->addSeparator();

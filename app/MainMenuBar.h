@@ -34,6 +34,8 @@ public:
     QAction *mnuFileClear = nullptr;
     QAction *mnuFileZ3 = nullptr;
     QAction *mnuFileIncludeSlack = nullptr;
+    QAction *mnuFileIgnoreTimeShift = nullptr;
+    QAction *mnuFileFilters = nullptr;
     QAction *mnuFileSelectDiff = nullptr;
     QAction *mnuFileOptions = nullptr;
     QAction *mnuFileZ4 = nullptr;

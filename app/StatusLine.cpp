@@ -3,12 +3,14 @@
 #include "CoarseClock.h"
 #include "StatusText.h"
 
+#include <QLabel>
 #include <QProgressBar>
 
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent)
     , m_text(new StatusText(this))
-    , m_progress(new QProgressBar(this)) {
+    , m_progress(new QProgressBar(this))
+    , m_filtered(new QLabel(QStringLiteral("Filtered"), this)) {
     setObjectName(QStringLiteral("StatusBar1"));
     m_text->setObjectName(QStringLiteral("StatusText"));
     m_progress->setObjectName(QStringLiteral("ProgressBar1"));
@@ -20,6 +22,8 @@ StatusLine::StatusLine(QWidget *parent)
     m_progress->setTextVisible(false);
     addPermanentWidget(m_progress);
     m_progress->hide();
+    addPermanentWidget(m_filtered);
+    m_filtered->hide();
     connect(m_text, &StatusText::clicked, this, &StatusLine::textClicked);
 
     m_flush.setSingleShot(true);
@@ -100,4 +104,12 @@ void StatusLine::paintPending() {
 void StatusLine::showProgressPanel(bool show) {
     if (m_progress->isVisibleTo(this) != show)
         m_progress->setVisible(show);
+}
+
+void StatusLine::setFiltered(bool filtered) {
+    m_filtered->setVisible(filtered);
+}
+
+bool StatusLine::filtered() const {
+    return !m_filtered->isHidden();
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QLabel;
 class QProgressBar;
 class StatusText;
 
@@ -41,6 +42,9 @@ public:
     /** When true, the status text looks like a link and a click on it emits textClicked(). */
     void setTextClickable(bool clickable);
     bool textClickable() const;
+    /** Shows "Filtered" at the right while a filter leaves files out of compares. */
+    void setFiltered(bool filtered);
+    bool filtered() const;
 
     /** The least time between two painted progress texts. */
     static constexpr int paintIntervalMs = 30;
@@ -58,6 +62,7 @@ private:
 
     StatusText *m_text = nullptr;
     QProgressBar *m_progress = nullptr;
+    QLabel *m_filtered = nullptr;
     QString m_pending;
     /** When set, makes the pending text in place of m_pending. */
     std::function<QString()> m_makePending;

@@ -15,6 +15,7 @@
 #include "tools/DiffProgram.h"
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
+#include "tools/frmFilters.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
 #include "views/DrawEdge.h"
@@ -244,6 +245,12 @@ void frmMain::connectMenus() {
     connect(m.mnuFileExit, &QAction::triggered, this, &QWidget::close);
     connect(m.mnuFileIncludeSlack, &QAction::triggered, this,
             [](bool checked) { Options::setIncludeSlack(checked); });
+    connect(m.mnuFileIgnoreTimeShift, &QAction::triggered, this,
+            [](bool checked) { Options::setIgnoreTimeShift(checked); });
+    connect(m.mnuFileFilters, &QAction::triggered, this, [this] {
+        if (frmFilters::Edit(this))
+            StatusBar1->setFiltered(frmFilters::StoredFilter() != nullptr);
+    });
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
     m_tools = std::make_unique<ToolsCommands>(this);
@@ -285,6 +292,8 @@ void frmMain::InitializeDisplay() {
     ApplyOrientation(Options::orientation());
     ApplyAlwaysOnTop(Options::alwaysOnTop());
     menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    menus->mnuFileIgnoreTimeShift->setChecked(Options::ignoreTimeShift());
+    StatusBar1->setFiltered(frmFilters::StoredFilter() != nullptr);
     ApplyCaseRule(caseRuleFromWord(Options::letterCase()).value_or(CaseRule::Automatic));
     LoadDiffProgram(menus->mnuToolsDiff);
     ApplyViewOptions();
@@ -425,6 +434,8 @@ void frmMain::ResetOptions() {
     ApplyViewOptions();
     Options::setIncludeSlack(true);
     menus->mnuFileIncludeSlack->setChecked(true);
+    Options::setIgnoreTimeShift(false);
+    menus->mnuFileIgnoreTimeShift->setChecked(false);
     Options::setLetterCase(caseRuleWord(CaseRule::Automatic));
     ApplyCaseRule(CaseRule::Automatic);
 
@@ -514,6 +525,9 @@ void frmMain::cmdCompare_Click() {
     request.doCRCLast = Options::doCRCLast();
     request.chunkSize = Options::crcChunkSize();
     request.caseRule = m_caseRule;
+    if (Options::ignoreTimeShift())
+        request.timeShifts = {60};
+    request.filter = frmFilters::StoredFilter();
     // A tree that keeps changing is compared again for as long as the user lets it.
     const bool cancelled = m_session.run(request) == CompareSession::State::Cancelled;
     m_running = false;

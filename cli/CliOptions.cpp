@@ -2,6 +2,7 @@
 
 #include "cli/NameEscaping.h"
 
+#include <QFile>
 #include <QStringList>
 
 #include <algorithm>
@@ -74,6 +75,18 @@ std::optional<int> parseChunkSize(const QByteArray &text, QString *error) {
         return std::nullopt;
     }
     return int(value);
+}
+
+std::optional<int> parseTimeShift(const QByteArray &text, QString *error) {
+    bool ok = false;
+    const int minutes = text.trimmed().toInt(&ok);
+    if (!ok || minutes < 1 || minutes > CliOptions::MaxTimeShift) {
+        *error = QStringLiteral("invalid --time-shift %1; give a whole number of minutes, 1 to %2")
+                     .arg(quoted(text))
+                     .arg(CliOptions::MaxTimeShift);
+        return std::nullopt;
+    }
+    return minutes;
 }
 
 std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) {
@@ -160,6 +173,34 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         return valued(parseCaseRule, options.caseRule);
     if (name == "no-normalize")
         return flag(options.normalizeNames, false);
+    if (name == "time-shift") {
+        std::optional<int> minutes;
+        if (!valued(parseTimeShift, minutes))
+            return false;
+        options.timeShifts.append(*minutes);
+        return true;
+    }
+    if (name == "exclude" || name == "include") {
+        const auto pattern = reader.value(shown, attached, error);
+        if (pattern)
+            options.filter.rules.add(*pattern, name == "include");
+        return pattern.has_value();
+    }
+    if (name == "exclude-from") {
+        const auto path = reader.value(shown, attached, error);
+        if (!path)
+            return false;
+        QFile file(QFile::decodeName(*path));
+        if (!file.open(QIODevice::ReadOnly)) {
+            *error = QStringLiteral("cannot read --exclude-from %1: %2")
+                         .arg(quoted(*path), file.errorString());
+            return false;
+        }
+        options.filter.rules.addLines(file.readAll());
+        return true;
+    }
+    if (name == "gitignore")
+        return flag(options.filter.gitignore, true);
     if (name == "crc-first")
         return flag(options.doCRCLast, false);
     if (name == "no-slack")
@@ -271,6 +312,22 @@ QString CliOptions::usage() {
         "                       for pairs that are equal in everything else)\n"
         "      --no-slack       dates must be exactly equal (default: dates up to two\n"
         "                       seconds apart count as equal)\n"
+        "      --time-shift MINUTES\n"
+        "                       dates exactly MINUTES apart, either way, count as equal\n"
+        "                       (within the two seconds unless --no-slack), as on FAT\n"
+        "                       or across a daylight-saving change; repeatable\n"
+        "      --exclude PATTERN, --include PATTERN\n"
+        "                       leave out, or keep, what PATTERN matches below either\n"
+        "                       root; repeatable, the last matching pattern wins. As in\n"
+        "                       git: * and ? stay within a name, ** crosses folders, a\n"
+        "                       trailing / matches folders only, a leading / anchors at\n"
+        "                       the root. A folder left out is not read at all\n"
+        "      --exclude-from FILE\n"
+        "                       patterns from FILE, one a line, as in .gitignore (# for\n"
+        "                       comments, ! to keep)\n"
+        "      --gitignore      each tree's .gitignore files apply in and below their\n"
+        "                       folder, and .git folders are left out; the options above\n"
+        "                       win over them\n"
         "  -a, --all            list identical pairs too\n"
         "      --case RULE      letter case in names: auto (default: as each folder's file\n"
         "                       system does), sensitive, or insensitive (names that differ\n"
@@ -295,7 +352,8 @@ QString CliOptions::usage() {
         "  tsv   code TAB difference TAB relative path, one line per pair, sorted by path;\n"
         "        tab, newline and backslash in names are written \\t, \\n and \\\\\n"
         "  json  one object with the roots, the comparison, the options and every pair\n"
-        "        with both sides' size, dates (ISO 8601) and attributes\n"
+        "        with all its differences and both sides' size, dates (ISO 8601) and\n"
+        "        attributes\n"
         "\n"
         "Exit status: 0 when no listed pair differs, 1 when some differ, 2 on trouble (bad\n"
         "arguments, a root that is not a folder, folders or files that could not be read, a\n"

@@ -2,6 +2,7 @@
 
 #include "engine/CaseRule.h"
 #include "engine/ComparisonSet.h"
+#include "engine/TreeFilter.h"
 
 #include <QByteArray>
 #include <QList>
@@ -25,6 +26,10 @@ struct CliOptions {
     int comparisons = ComparisonBits::Sizes | ComparisonBits::Modified;
     bool doCRCLast = true;
     bool includeSlack = true;
+    /** `--time-shift`: date differences of exactly these minutes count as equal. */
+    QList<int> timeShifts;
+    /** `--exclude`, `--include`, `--exclude-from` in their order, and `--gitignore`. */
+    TreeFilter filter;
     bool listAll = false;
     CaseRule caseRule = CaseRule::Automatic;
     bool normalizeNames = true;
@@ -38,6 +43,8 @@ struct CliOptions {
     /** Smallest and largest checksum chunk; a value outside is refused. */
     static constexpr int MinChunkSize = 1024;
     static constexpr int MaxChunkSize = 16 * 1024 * 1024;
+    /** The largest time shift: a week, in minutes. */
+    static constexpr int MaxTimeShift = 7 * 24 * 60;
 
     /**
      * Parses the arguments that follow the program name. On failure returns the defaults and

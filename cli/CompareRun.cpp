@@ -28,6 +28,9 @@ bool CompareRun::run() {
     request.chunkSize = m_options.chunkSize;
     request.caseRule = m_options.caseRule;
     request.normalizeNames = m_options.normalizeNames;
+    request.timeShifts = m_options.timeShifts;
+    if (m_options.filter.isActive())
+        request.filter = std::make_shared<const TreeFilter>(m_options.filter);
     const CompareSession::State state = session.run(request);
 
     m_restarts = session.restarts();

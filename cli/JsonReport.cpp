@@ -115,6 +115,18 @@ QByteArray nameMembers(const char *key, const QByteArray &native) {
     return out;
 }
 
+/** Every difference of the pair, each with its code and text, in the order of the tests. */
+QByteArray differences(const ReportPair &pair) {
+    const ComparisonFilePtr &record = pair.source ? pair.source : pair.destination;
+    const QList<int> codes = record ? record->Differences().codes() : QList<int>{pair.code};
+    QByteArray out = "[";
+    for (qsizetype i = 0; i < codes.size(); ++i) {
+        out += (i ? ", {\"code\": " : "{\"code\": ") + QByteArray::number(codes.at(i)) +
+               ", \"text\": " + jsonString(ComparisonFile::DifferenceText(codes.at(i))) + '}';
+    }
+    return out + ']';
+}
+
 } // namespace
 
 void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStream &out) {
@@ -124,8 +136,10 @@ void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStr
     out << " \"comparisons\": {\"bits\": " << options.comparisons << ", \"description\": "
         << jsonString(ComparisonDescription(options.comparisons, options.doCRCLast)) << "},\n";
     out << " \"options\": {\"crcFirst\": " << jsonBool(!options.doCRCLast)
-        << ", \"slack\": " << jsonBool(options.includeSlack)
-        << ", \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
+        << ", \"slack\": " << jsonBool(options.includeSlack) << ", \"timeShifts\": [";
+    for (qsizetype i = 0; i < options.timeShifts.size(); ++i)
+        out << (i ? ", " : "") << options.timeShifts.at(i);
+    out << "], \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
         << "},\n";
 
     out << " \"pairs\": [";
@@ -134,8 +148,9 @@ void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStr
         out << (first ? "\n  " : ",\n  ");
         first = false;
         out << "{\"code\": " << pair.code
-            << ", \"text\": " << jsonString(ComparisonFile::DifferenceText(pair.code)) << ", "
-            << nameMembers("path", pair.path) << ", \"source\": " << side(pair.source)
+            << ", \"text\": " << jsonString(ComparisonFile::DifferenceText(pair.code))
+            << ", \"differences\": " << differences(pair) << ", " << nameMembers("path", pair.path)
+            << ", \"source\": " << side(pair.source)
             << ", \"destination\": " << side(pair.destination) << '}';
     }
     out << (first ? "],\n" : "\n ],\n");

@@ -86,10 +86,12 @@ int CompareSession::attempt(const Request &request) {
     for (ComparisonFileCollection *side : {m_source.get(), m_destination.get()}) {
         side->setCaseRule(request.caseRule);
         side->setNormalizesNames(request.normalizeNames);
+        side->setFilter(request.filter);
         side->setYieldHook(m_yield);
     }
     m_engine->setYieldHook(m_yield);
     m_engine->setLoadDetails(m_loadDetails);
+    m_engine->setTimeShifts(request.timeShifts);
     setState(State::WalkingSource);
     Q_EMIT attemptStarted();
     if (m_cancelRequested)

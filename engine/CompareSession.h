@@ -46,6 +46,10 @@ public:
         CaseRule caseRule = CaseRule::Automatic;
         /** See ComparisonFileCollection::setNormalizesNames. */
         bool normalizeNames = true;
+        /** See Pairscope::setTimeShifts. */
+        QList<int> timeShifts;
+        /** What both walks leave out, relative to each root; none when null. */
+        std::shared_ptr<const TreeFilter> filter;
     };
 
     explicit CompareSession(QObject *parent = nullptr);

@@ -112,6 +112,7 @@ ComparisonFile::ComparisonFile(const ComparisonFile &other)
     , m_name(other.m_name)
     , m_details(other.m_details ? std::make_unique<Details>(*other.m_details) : nullptr)
     , m_differenceCode(other.m_differenceCode)
+    , m_differences(other.m_differences)
     , m_hasFile(other.m_hasFile)
     , m_parentTrailing(other.m_parentTrailing)
     , m_detailsLoaded(other.m_detailsLoaded) {}
@@ -123,6 +124,7 @@ ComparisonFile &ComparisonFile::operator=(const ComparisonFile &other) {
         std::swap(m_name, copy.m_name);
         std::swap(m_details, copy.m_details);
         m_differenceCode = other.m_differenceCode;
+        m_differences = other.m_differences;
         m_hasFile = other.m_hasFile;
         m_parentTrailing = other.m_parentTrailing;
         m_detailsLoaded = other.m_detailsLoaded;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/DifferenceCode.h"
+#include "engine/DifferenceList.h"
 #include "engine/FileObject.h"
 
 #include <QMetaType>
@@ -78,7 +79,17 @@ public:
     QString RootPath() const;
 
     int DifferenceCode() const { return m_differenceCode; }
-    void setDifferenceCode(int code) { m_differenceCode = code; }
+    /** Sets the code; the pair's differences become that code alone. */
+    void setDifferenceCode(int code) {
+        m_differenceCode = code;
+        m_differences = {};
+    }
+    /** Every difference of the pair, the difference code first. */
+    DifferenceList Differences() const {
+        return m_differences.isEmpty() ? DifferenceList::of(m_differenceCode) : m_differences;
+    }
+    /** Sets the differences of a judged pair, after its code. */
+    void setDifferences(DifferenceList differences) { m_differences = differences; }
 
     bool DetailsLoaded() const { return m_detailsLoaded; }
     /**
@@ -141,6 +152,7 @@ private:
     QByteArray m_name;
     std::unique_ptr<Details> m_details;
     int m_differenceCode = 0;
+    DifferenceList m_differences;
     bool m_hasFile = false;
     bool m_parentTrailing = false;
     bool m_detailsLoaded = false;

@@ -64,8 +64,8 @@ void ComparisonFileCollection::prepareRootFolder(const QString &folder) {
     if (!isFolder(native))
         return;
     const QByteArray root = normalizedRoot(native);
-    m_prepared =
-        std::make_unique<TreeListing>(FolderRef::make(root, root.size(), folder), m_caseRule);
+    m_prepared = std::make_unique<TreeListing>(FolderRef::make(root, root.size(), folder),
+                                               m_caseRule, m_filter);
 }
 
 void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString &asGiven) {
@@ -86,7 +86,8 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
     m_inProgress = true;
     std::unique_ptr<TreeListing> listing = std::move(m_prepared);
     if (listing && (listing->root()->nativePath() != m_rootNative ||
-                    listing->root()->rootPath() != m_rootFolder || listing->rule() != m_caseRule))
+                    listing->root()->rootPath() != m_rootFolder || listing->rule() != m_caseRule ||
+                    listing->filter() != m_filter))
         listing.reset();
     m_rootNode = listing ? listing->root()
                          : FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
@@ -112,7 +113,7 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
             },
             [this](const FolderRef &folder, int error) { addUnreadableFolder(folder, error); },
         },
-        m_caseRule);
+        m_caseRule, m_filter);
     for (;;) {
         if (m_cancelled)
             break;

@@ -4,6 +4,7 @@
 #include "engine/CollectionProblem.h"
 #include "engine/ComparisonFile.h"
 #include "engine/RecordIndex.h"
+#include "engine/TreeFilter.h"
 #include "engine/YieldHook.h"
 
 #include <QHash>
@@ -54,6 +55,8 @@ public:
     /** How letter case counts, for the next walk and for every look-up of a counterpart. */
     CaseRule caseRule() const { return m_caseRule; }
     void setCaseRule(CaseRule rule) { m_caseRule = rule; }
+    /** What the walk leaves out (none when null); set before the root. */
+    void setFilter(std::shared_ptr<const TreeFilter> filter) { m_filter = std::move(filter); }
 
     /**
      * Whether names that are the same once Unicode composed (NFC) pair when no exact namesake
@@ -200,6 +203,7 @@ private:
     YieldHook m_yield;
     quint64 m_generation = 0;
     CaseRule m_caseRule = CaseRule::Automatic;
+    std::shared_ptr<const TreeFilter> m_filter;
     bool m_anyIgnoresCase = false;
     bool m_normalizeNames = true;
     bool m_needsRescan = false;

@@ -32,8 +32,10 @@ int Pairscope::Compare(ComparisonFileCollection &SourceFiles, ComparisonFileColl
     m_crc->setChunkSize(CRCChunkSize);
     m_crc->setYieldHook(m_yield);
 
-    Run run(*this, SourceFiles, DestFiles, {Comparisons, IncludeSlack, DoCRCLast},
-            m_crc->ChunkSize());
+    PairTestOptions options{Comparisons, IncludeSlack, DoCRCLast, {}};
+    for (const int minutes : m_timeShifts)
+        options.timeShifts.push_back(qint64(minutes) * 60);
+    Run run(*this, SourceFiles, DestFiles, options, m_crc->ChunkSize());
     Run *const outer = std::exchange(m_run, &run);
     const int status = run.execute();
     m_run = outer;

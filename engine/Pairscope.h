@@ -5,6 +5,7 @@
 #include "engine/PathHelpers.h"
 #include "engine/YieldHook.h"
 
+#include <QList>
 #include <QObject>
 
 #include <atomic>
@@ -83,6 +84,12 @@ public:
      */
     void setLoadDetails(bool load) { m_loadDetails = load; }
     bool loadDetails() const { return m_loadDetails; }
+    /**
+     * Date differences of exactly these many minutes (either direction, within the slack when
+     * it is on) count as equal: a tree kept on FAT, or copied across a daylight-saving change,
+     * is off by an hour in every date.
+     */
+    void setTimeShifts(const QList<int> &minutes) { m_timeShifts = minutes; }
 
 Q_SIGNALS:
     /**
@@ -105,4 +112,5 @@ private:
     bool m_inProgress = false;
     int m_workerCount;
     bool m_loadDetails = false;
+    QList<int> m_timeShifts;
 };

@@ -194,6 +194,7 @@ int Pairscope::Run::sourcePass() {
         }
 
         int code;
+        DifferenceList differences;
         const FileStat stat = job ? job->sourceStat : record->FileObject().Stat();
         FileStat counterpartStat;
         if (!counterpart) {
@@ -212,17 +213,22 @@ int Pairscope::Run::sourcePass() {
                 counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
         } else {
             counterpartStat = job ? job->destinationStat : counterpart->FileObject().Stat();
-            code = counterpartStat.isValid() || vanished(counterpartStat)
-                       ? judge(record, stat, counterpart, counterpartStat, job)
-                       : DifferenceCode::DestinationUnreadable;
+            if (counterpartStat.isValid() || vanished(counterpartStat))
+                differences = judge(record, stat, counterpart, counterpartStat, job);
+            else
+                differences = DifferenceList::of(DifferenceCode::DestinationUnreadable);
+            code = differences.first();
             if (m_source.NeedsRescan() || m_destination.NeedsRescan()) {
                 releaseJob(job);
                 return StatusRescanNeeded;
             }
         }
         record->setDifferenceCode(code);
-        if (counterpart)
+        record->setDifferences(differences);
+        if (counterpart) {
             counterpart->setDifferenceCode(code);
+            counterpart->setDifferences(differences);
+        }
         if (m_engine.m_loadDetails) {
             record->UpdateDetails(stat);
             if (counterpart && counterpartStat.isValid())
@@ -249,10 +255,10 @@ int Pairscope::Run::unpairedCode(const ComparisonFile &record, const FileStat &s
     return isSource ? DifferenceCode::DestinationMissing : DifferenceCode::SourceMissing;
 }
 
-int Pairscope::Run::judge(const ComparisonFilePtr &record, const FileStat &stat,
-                          const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
-                          const ReadAhead::Job *job) {
-    return comparePair(stat, counterpartStat, m_options, [&] {
+DifferenceList Pairscope::Run::judge(const ComparisonFilePtr &record, const FileStat &stat,
+                                     const ComparisonFilePtr &counterpart,
+                                     const FileStat &counterpartStat, const ReadAhead::Job *job) {
+    return pairDifferences(stat, counterpartStat, m_options, [&] {
         return checksumTest(record, stat, counterpart, counterpartStat, job);
     });
 }

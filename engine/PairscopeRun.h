@@ -34,9 +34,9 @@ private:
      */
     int unpairedCode(const ComparisonFile &record, const FileStat &stat,
                      ComparisonFileCollection &side, ComparisonFileCollection &other);
-    int judge(const ComparisonFilePtr &record, const FileStat &stat,
-              const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
-              const ReadAhead::Job *job);
+    DifferenceList judge(const ComparisonFilePtr &record, const FileStat &stat,
+                         const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
+                         const ReadAhead::Job *job);
     int checksumTest(const ComparisonFilePtr &record, const FileStat &stat,
                      const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
                      const ReadAhead::Job *job);

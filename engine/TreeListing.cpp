@@ -5,9 +5,10 @@
 
 #include <chrono>
 
-TreeListing::TreeListing(FolderRef root, CaseRule rule)
+TreeListing::TreeListing(FolderRef root, CaseRule rule, std::shared_ptr<const TreeFilter> filter)
     : m_root(std::move(root))
     , m_rule(rule)
+    , m_filter(std::move(filter))
     , m_thread([this] { run(); }) {}
 
 TreeListing::~TreeListing() {
@@ -43,7 +44,7 @@ void TreeListing::run() {
                 publish(std::move(batch));
             },
         },
-        m_rule);
+        m_rule, m_filter);
     walker.walk(m_root);
     {
         const std::lock_guard lock(m_mutex);

@@ -2,6 +2,7 @@
 
 #include "engine/CaseRule.h"
 #include "engine/FolderNode.h"
+#include "engine/TreeFilter.h"
 
 #include <QByteArray>
 
@@ -32,7 +33,7 @@ public:
     };
 
     /** Starts listing the tree below \a root, telling letter case apart by \a rule. */
-    TreeListing(FolderRef root, CaseRule rule);
+    TreeListing(FolderRef root, CaseRule rule, std::shared_ptr<const TreeFilter> filter = {});
     /** Stops the listing and waits for its thread. */
     ~TreeListing();
 
@@ -41,6 +42,7 @@ public:
 
     const FolderRef &root() const { return m_root; }
     CaseRule rule() const { return m_rule; }
+    const std::shared_ptr<const TreeFilter> &filter() const { return m_filter; }
 
     /**
      * Moves the next step into \a batch, waiting for it; false when the walk is over. While
@@ -53,6 +55,7 @@ private:
 
     FolderRef m_root;
     CaseRule m_rule;
+    std::shared_ptr<const TreeFilter> m_filter;
     std::mutex m_mutex;
     std::condition_variable m_ready;
     std::deque<Batch> m_batches;

@@ -18,6 +18,8 @@ namespace {
 constexpr std::size_t listingBufferSize = 64 * 1024;
 /** Listed names tried for a case-flipped spelling that is not itself listed. */
 constexpr int probeTries = 8;
+/** A .gitignore is read up to this size; the rest is ignored. */
+constexpr qsizetype maxIgnoreFileSize = 1024 * 1024;
 
 quint64 prefixOf(const char *name, std::size_t length) {
     quint64 prefix = 0;
@@ -62,12 +64,13 @@ bool fileSystemIgnoresCase(int fd) {
 
 } // namespace
 
-TreeWalker::TreeWalker(Callbacks callbacks, CaseRule rule)
+TreeWalker::TreeWalker(Callbacks callbacks, CaseRule rule, std::shared_ptr<const TreeFilter> filter)
     : m_callbacks(std::move(callbacks))
     , m_rule(rule)
+    , m_filter(filter && filter->isActive() ? std::move(filter) : nullptr)
     , m_buffer(listingBufferSize) {}
 
-bool TreeWalker::list(const FolderRef &folder, bool isRoot) {
+bool TreeWalker::list(const FolderRef &folder, bool isRoot, TreeFilter::ScopePtr &scope) {
     m_names.clear();
     m_entries.clear();
     if (m_rule != CaseRule::Automatic)
@@ -87,6 +90,8 @@ bool TreeWalker::list(const FolderRef &folder, bool isRoot) {
         error = probe(fd, *folder.get(), isRoot);
         if (error == 0)
             resolveUnknownTypes(fd);
+        if (error == 0 && m_filter)
+            applyFilter(fd, *folder.get(), scope);
     }
     ::close(fd);
     if (error != 0) {
@@ -198,6 +203,36 @@ void TreeWalker::resolveUnknownTypes(int fd) {
         std::erase_if(m_entries, [](const Entry &entry) { return entry.length == 0; });
 }
 
+void TreeWalker::applyFilter(int fd, const FolderNode &folder, TreeFilter::ScopePtr &scope) {
+    QByteArray base = folder.relativeNativePath();
+    if (!base.isEmpty())
+        base += '/';
+    if (m_filter->gitignore && listed(QByteArrayLiteral(".gitignore"))) {
+        const int file = ::openat(fd, ".gitignore", O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        if (file >= 0) {
+            // A .gitignore that cannot be read leaves nothing out.
+            QByteArray text;
+            char chunk[4096];
+            ssize_t n;
+            while (text.size() < maxIgnoreFileSize && (n = ::read(file, chunk, sizeof chunk)) > 0)
+                text.append(chunk, n);
+            ::close(file);
+            auto own = std::make_shared<TreeFilter::Scope>();
+            own->rules.addLines(text);
+            own->parent = scope;
+            own->baseLength = base.size();
+            if (!own->rules.isEmpty())
+                scope = std::move(own);
+        }
+    }
+    QByteArray path = base;
+    std::erase_if(m_entries, [&](const Entry &entry) {
+        path.truncate(base.size());
+        path.append(m_names.data() + entry.offset, qsizetype(entry.length));
+        return m_filter->excluded(scope.get(), path, entry.folder);
+    });
+}
+
 bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders) {
     subfolders.clear();
     m_files.clear();
@@ -211,11 +246,13 @@ void TreeWalker::walk(const FolderRef &root) {
         FolderRef folder;
         std::vector<QByteArray> subfolders;
         std::size_t next = 0;
+        /** The .gitignore rules in force in this folder. */
+        TreeFilter::ScopePtr scope;
     };
     std::vector<Frame> stack;
 
-    stack.push_back({root, {}, 0});
-    if (!list(root, true) || !visitFiles(root, stack.back().subfolders))
+    stack.push_back({root, {}, 0, {}});
+    if (!list(root, true, stack.back().scope) || !visitFiles(root, stack.back().subfolders))
         return;
 
     while (!stack.empty()) {
@@ -228,8 +265,8 @@ void TreeWalker::walk(const FolderRef &root) {
         if (m_callbacks.stop())
             return;
         FolderRef child = FolderRef::makeChild(top.folder, top.subfolders[top.next++]);
-        Frame frame{child, {}, 0};
-        if (!list(child, false))
+        Frame frame{child, {}, 0, top.scope};
+        if (!list(child, false, frame.scope))
             continue;
         if (!visitFiles(child, frame.subfolders))
             return;

@@ -2,10 +2,12 @@
 
 #include "engine/CaseRule.h"
 #include "engine/FolderNode.h"
+#include "engine/TreeFilter.h"
 
 #include <QByteArray>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 /**
@@ -19,6 +21,9 @@
  * It tells whether the folder can be entered at all (a folder that can be listed but not
  * searched yields names whose files cannot be reached) and, under CaseRule::Automatic,
  * whether its file system resolves names without regard to case (FolderNode::ignoresCase()).
+ *
+ * With a filter, what it leaves out is dropped from each listing before anything of it is
+ * reported or entered: a folder left out is never opened.
  */
 class TreeWalker {
 public:
@@ -38,7 +43,8 @@ public:
         std::function<void(const FolderRef &folder, int error)> unreadable;
     };
 
-    explicit TreeWalker(Callbacks callbacks, CaseRule rule = CaseRule::Automatic);
+    explicit TreeWalker(Callbacks callbacks, CaseRule rule = CaseRule::Automatic,
+                        std::shared_ptr<const TreeFilter> filter = {});
 
     /** Walks below \a root. */
     void walk(const FolderRef &root);
@@ -59,7 +65,12 @@ private:
      * Lists a folder into m_entries, sorted, or returns false (after reporting) when it
      * cannot be read.
      */
-    bool list(const FolderRef &folder, bool isRoot);
+    bool list(const FolderRef &folder, bool isRoot, TreeFilter::ScopePtr &scope);
+    /**
+     * Drops from the listing of \a folder (open as \a fd) what the filter leaves out, after
+     * taking in its .gitignore, which then becomes \a scope.
+     */
+    void applyFilter(int fd, const FolderNode &folder, TreeFilter::ScopePtr &scope);
     /** Reads the whole listing of \a fd into m_entries; an errno, or 0. */
     int readEntries(int fd);
     void sortEntries();
@@ -78,6 +89,7 @@ private:
 
     Callbacks m_callbacks;
     CaseRule m_rule;
+    std::shared_ptr<const TreeFilter> m_filter;
     std::vector<char> m_buffer;
     /** The names of the folder being listed, one after another (no terminators). */
     std::vector<char> m_names;

@@ -90,6 +90,30 @@ bool setIncludeSlack(bool value) {
     return writeBoolean(QStringLiteral("IncludeSlack"), value);
 }
 
+bool ignoreTimeShift() {
+    return readBoolean(QStringLiteral("IgnoreTimeShift"), false);
+}
+
+bool setIgnoreTimeShift(bool value) {
+    return writeBoolean(QStringLiteral("IgnoreTimeShift"), value);
+}
+
+QString filters() {
+    return SettingsStore::text(section, QStringLiteral("Filters"));
+}
+
+bool setFilters(const QString &value) {
+    return SettingsStore::write(section, QStringLiteral("Filters"), value);
+}
+
+bool useGitignore() {
+    return readBoolean(QStringLiteral("UseGitignore"), false);
+}
+
+bool setUseGitignore(bool value) {
+    return writeBoolean(QStringLiteral("UseGitignore"), value);
+}
+
 QString letterCase() {
     const QString word = SettingsStore::text(section, QStringLiteral("LetterCase")).trimmed();
     return word == QLatin1String("sensitive") || word == QLatin1String("insensitive")

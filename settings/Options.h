@@ -46,6 +46,18 @@ bool setAlwaysOnTop(bool value);
 bool includeSlack();
 bool setIncludeSlack(bool value);
 
+/** Whether dates exactly one hour apart (a FAT tree, a daylight-saving change) count as equal.
+ * Default false. */
+bool ignoreTimeShift();
+bool setIgnoreTimeShift(bool value);
+
+/** The patterns a compare leaves out, one a line as in a .gitignore. Default "". */
+QString filters();
+bool setFilters(const QString &value);
+/** Whether each tree's .gitignore files apply. Default false. */
+bool useGitignore();
+bool setUseGitignore(bool value);
+
 /**
  * How letter case counts when names are paired: "auto" (as each folder's file system does,
  * the default), "sensitive" or "insensitive". Any other stored text reads as "auto".

@@ -50,6 +50,15 @@ QVariant ListModel::data(const QModelIndex &index, int role) const {
         return QVariant();
     case Qt::TextAlignmentRole:
         return int(column(index.column())->Alignment() | Qt::AlignVCenter);
+    case Qt::ToolTipRole:
+        // The Difference cell names every difference of the pair, not only the first.
+        if (recordColumnType(r, index.column()) == ColumnType::Difference) {
+            QStringList texts;
+            for (const int code : r.record->Differences().codes())
+                texts << ComparisonFile::DifferenceText(code);
+            return texts.join(QLatin1Char('\n'));
+        }
+        return QVariant();
     case Qt::FontRole:
         // A row stands for an identical pair when its tag holds difference code 1.
         if (m_boldDifferent && r.tag.toInt() != 1)

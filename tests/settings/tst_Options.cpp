@@ -21,6 +21,8 @@ const BooleanKey booleanOptions[] = {
     {"DoCRCLast", Options::doCRCLast, Options::setDoCRCLast, true},
     {"AlwaysOnTop", Options::alwaysOnTop, Options::setAlwaysOnTop, false},
     {"IncludeSlack", Options::includeSlack, Options::setIncludeSlack, true},
+    {"IgnoreTimeShift", Options::ignoreTimeShift, Options::setIgnoreTimeShift, false},
+    {"UseGitignore", Options::useGitignore, Options::setUseGitignore, false},
     {"LinkListings", Options::linkListings, Options::setLinkListings, true},
     {"UseMissingPlaceholders", Options::useMissingPlaceholders, Options::setUseMissingPlaceholders,
      true},
