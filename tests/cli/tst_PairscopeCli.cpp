@@ -1,5 +1,6 @@
 #include "cli/CompareRun.h"
 #include "cli/NameEscaping.h"
+#include "support/ChildRun.h"
 #include "support/TestTree.h"
 
 #include <QDir>
@@ -49,10 +50,8 @@ CliResult runCli(const QStringList &arguments, bool unprivileged = false,
     process.setProcessEnvironment(environment);
     const QString program = QStringLiteral(PAIRSCOPE_CLI_PATH);
     if (unprivileged) {
-        process.start(QStringLiteral("setpriv"),
-                      QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                                  QStringLiteral("--clear-groups"), program} +
-                          arguments);
+        const QStringList launcher = ChildRun::unprivileged();
+        process.start(launcher.first(), launcher.mid(1) + QStringList{program} + arguments);
     } else {
         process.start(program, arguments);
     }
@@ -80,28 +79,24 @@ CliResult runCli(const QStringList &arguments, bool unprivileged = false,
 class PairTree {
 public:
     PairTree() {
-        both("same.txt", "same");
-        m_tree.write(QStringLiteral("src/size.txt"), "1234");
-        m_tree.write(QStringLiteral("dst/size.txt"), "12345");
-        m_tree.write(QStringLiteral("src/content.txt"), "AAAA");
-        m_tree.write(QStringLiteral("dst/content.txt"), "AAAB");
-        both("newer.txt", "newer");
-        both("near.txt", "near");
-        both("read-only.txt", "ro");
-        m_tree.write(QStringLiteral("src/Case.TXT"), "case");
-        m_tree.write(QStringLiteral("dst/case.txt"), "case");
-        m_tree.write(QStringLiteral("src/a/only-source.txt"), "s");
-        m_tree.write(QStringLiteral("dst/b/only-destination.txt"), "d");
-        for (const char *side : {"src/", "dst/"}) {
-            for (const char *name :
-                 {"same.txt", "size.txt", "content.txt", "newer.txt", "near.txt", "read-only.txt"})
-                m_tree.setTimes(QLatin1String(side) + QLatin1String(name), Base);
+        const struct {
+            const char *path;
+            QByteArray content;
+            int age; // seconds after Base
+        } files[] = {
+            {"src/same.txt", "same", 0},       {"dst/same.txt", "same", 0},
+            {"src/size.txt", "1234", 0},       {"dst/size.txt", "12345", 0},
+            {"src/content.txt", "AAAA", 0},    {"dst/content.txt", "AAAB", 0},
+            {"src/newer.txt", "newer", 100},   {"dst/newer.txt", "newer", 0},
+            {"src/near.txt", "near", 0},       {"dst/near.txt", "near", 2},
+            {"src/read-only.txt", "ro", 0},    {"dst/read-only.txt", "ro", 0},
+            {"src/Case.TXT", "case", 0},       {"dst/case.txt", "case", 0},
+            {"src/a/only-source.txt", "s", 0}, {"dst/b/only-destination.txt", "d", 0},
+        };
+        for (const auto &file : files) {
+            m_tree.write(QLatin1String(file.path), file.content);
+            m_tree.setTimes(QLatin1String(file.path), Base + file.age);
         }
-        for (const char *name : {"src/Case.TXT", "dst/case.txt", "src/a/only-source.txt",
-                                 "dst/b/only-destination.txt"})
-            m_tree.setTimes(QLatin1String(name), Base);
-        m_tree.setTimes(QStringLiteral("src/newer.txt"), Base + 100);
-        m_tree.setTimes(QStringLiteral("dst/near.txt"), Base + 2);
         ::chmod(QFile::encodeName(m_tree.path(QStringLiteral("dst/read-only.txt"))).constData(),
                 0444);
     }
@@ -115,13 +110,17 @@ public:
     }
 
 private:
-    void both(const char *name, const QByteArray &content) {
-        m_tree.write(QLatin1String("src/") + QLatin1String(name), content);
-        m_tree.write(QLatin1String("dst/") + QLatin1String(name), content);
-    }
-
     TestTree m_tree;
 };
+
+/** Skips unless root can run the program as an ordinary user, who may not read everything. */
+#define skipUnlessUnprivilegedRuns()                                                               \
+    do {                                                                                           \
+        if (::geteuid() != 0)                                                                      \
+            QSKIP("needs root to make files that the program, run unprivileged, may not read");    \
+        if (const QString reason = ChildRun::refusal(ChildRun::unprivileged()); !reason.isEmpty()) \
+            QSKIP(qPrintable(reason));                                                             \
+    } while (false)
 
 /** Gives everyone read and search access from the tree's root down. */
 void openUp(const QString &root) {
@@ -423,8 +422,7 @@ void tst_PairscopeCli::rootGoneAfterTheCheck() {
 }
 
 void tst_PairscopeCli::unreadableFolderAndFileAreReportedAndTheRestListed() {
-    if (::geteuid() != 0 || !canDropPrivileges())
-        QSKIP("needs root and setpriv to make a folder and a file that the program may not read");
+    skipUnlessUnprivilegedRuns();
     PairTree pair;
     pair.tree().write(QStringLiteral("src/locked/inside.txt"), "hidden");
     pair.tree().write(QStringLiteral("dst/locked/inside.txt"), "hidden");
@@ -460,8 +458,7 @@ void tst_PairscopeCli::unreadableFolderAndFileAreReportedAndTheRestListed() {
 }
 
 void tst_PairscopeCli::jsonSidesAndProblemsAsJudged() {
-    if (::geteuid() != 0 || !canDropPrivileges())
-        QSKIP("needs root and setpriv to make folders that the program may not read");
+    skipUnlessUnprivilegedRuns();
     PairTree pair;
     // A folder that can be listed but not entered: its file is seen, its properties are not.
     pair.tree().write(QStringLiteral("src/listed/inside.txt"), "1234567");

@@ -93,6 +93,13 @@ struct Fixture {
     }
 };
 
+/** Every run on the caller's thread and with read-ahead, for a test that takes rows. */
+void workerCounts() {
+    QTest::addColumn<int>("workers");
+    QTest::newRow("on the caller's thread") << 0;
+    QTest::newRow("with read-ahead") << 2;
+}
+
 } // namespace
 
 class tst_Pairscope : public QObject {
@@ -102,7 +109,7 @@ private Q_SLOTS:
     void orderOfTests();
     void slack_data();
     void slack();
-    void pairingAndEvents_data();
+    void pairingAndEvents_data() { workerCounts(); }
     void pairingAndEvents();
     void detailsFromTheJudgedStat_data();
     void detailsFromTheJudgedStat();
@@ -111,7 +118,7 @@ private Q_SLOTS:
     void vanishedFile_data();
     void vanishedFile();
     void fileDeletedDuringWalk();
-    void cancelDuringChecksum_data();
+    void cancelDuringChecksum_data() { workerCounts(); }
     void cancelDuringChecksum();
     void fifoAndLinkLoop();
     void kindsAndPermissions_data();
@@ -193,12 +200,6 @@ void tst_Pairscope::slack() {
     f.walk();
     QCOMPARE(f.compare(2, slack), int(Pairscope::StatusComplete));
     QCOMPARE(f.code(QStringLiteral("f")), expected);
-}
-
-void tst_Pairscope::pairingAndEvents_data() {
-    QTest::addColumn<int>("workers");
-    QTest::newRow("on the caller's thread") << 0;
-    QTest::newRow("with read-ahead") << 2;
 }
 
 void tst_Pairscope::pairingAndEvents() {
@@ -307,7 +308,8 @@ void tst_Pairscope::workersMatchSequentialRun() {
     QFETCH(int, files);
     QFETCH(bool, meddle);
     Fixture f(0);
-    auto *random = QRandomGenerator::global();
+    QRandomGenerator generator(testSeed());
+    auto *random = &generator;
     for (int i = 0; i < files; ++i) {
         const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
         const int kind = int(random->bounded(6));
@@ -396,12 +398,6 @@ void tst_Pairscope::fileDeletedDuringWalk() {
     QCOMPARE(f.compare(3), int(Pairscope::StatusRescanNeeded));
     QVERIFY(f.destinationFiles.NeedsRescan());
     QCOMPARE(f.code(QStringLiteral("a")), 1);
-}
-
-void tst_Pairscope::cancelDuringChecksum_data() {
-    QTest::addColumn<int>("workers");
-    QTest::newRow("on the caller's thread") << 0;
-    QTest::newRow("with read-ahead") << 2;
 }
 
 void tst_Pairscope::cancelDuringChecksum() {

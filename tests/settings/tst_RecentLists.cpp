@@ -12,7 +12,6 @@ private Q_SLOTS:
     void init();
     void foldersRoundTrip();
     void foldersKeepSixAndClearTheRest();
-    void sidesAreSeparate();
     void loadFolders_data();
     void loadFolders();
     void selectionsRoundTrip();
@@ -34,11 +33,17 @@ void tst_RecentLists::init() {
 void tst_RecentLists::foldersRoundTrip() {
     const QStringList folders{"/b", "/a b", "/x,y"};
     QVERIFY(RecentLists::saveFolders(Side::Source, folders, 1));
+    QVERIFY(RecentLists::saveFolders(Side::Destination, {"/dst"}, 0));
+    QVERIFY(RecentLists::saveSelections({3}, 0));
     const RecentLists::Folders loaded = RecentLists::loadFolders(Side::Source);
     QCOMPARE(loaded.folders, folders);
     QCOMPARE(loaded.last, 1);
-    // Unused slots are written empty, as text a person can read.
-    QVERIFY(m_profile.raw().contains("Item4=\nItem5=\nItem6=\nLast=1\n"));
+    // Each list in its own section; unused slots are written empty, as text a person can read.
+    const QByteArray raw = m_profile.raw();
+    QVERIFY(raw.contains("[SourceMRU]\nItem1=/b\n"));
+    QVERIFY(raw.contains("Item4=\nItem5=\nItem6=\nLast=1\n"));
+    QVERIFY(raw.contains("[DestMRU]\nItem1=/dst\n"));
+    QVERIFY(raw.contains("[SelectionsMRU]\nItem1=3\n"));
 }
 
 void tst_RecentLists::foldersKeepSixAndClearTheRest() {
@@ -52,17 +57,6 @@ void tst_RecentLists::foldersKeepSixAndClearTheRest() {
     // A shorter list later must not let the older entries come back.
     QVERIFY(RecentLists::saveFolders(Side::Destination, {"/only"}, 0));
     QCOMPARE(RecentLists::loadFolders(Side::Destination).folders, QStringList{"/only"});
-}
-
-void tst_RecentLists::sidesAreSeparate() {
-    QVERIFY(RecentLists::saveFolders(Side::Source, {"/src"}, 0));
-    QVERIFY(RecentLists::saveFolders(Side::Destination, {"/dst"}, 0));
-    QVERIFY(RecentLists::saveSelections({3}, 0));
-    QCOMPARE(RecentLists::loadFolders(Side::Source).folders, QStringList{"/src"});
-    const QByteArray raw = m_profile.raw();
-    QVERIFY(raw.contains("[SourceMRU]\nItem1=/src\n"));
-    QVERIFY(raw.contains("[DestMRU]\nItem1=/dst\n"));
-    QVERIFY(raw.contains("[SelectionsMRU]\nItem1=3\n"));
 }
 
 void tst_RecentLists::loadFolders_data() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QProcess>
 #include <QStringList>
 #include <QTest>
@@ -25,16 +26,34 @@ inline QStringList unprivileged() {
 }
 
 /**
+ * Why \a launcher cannot run a child here, or an empty text when it can: the launcher itself
+ * may be refused, or the user it runs as may not write the temporary folder (TMPDIR), where
+ * every test tree is made.
+ */
+inline QString refusal(const QStringList &launcher) {
+    const QString temporary = QDir::tempPath();
+    const auto runs = [&launcher](const QStringList &command) {
+        QProcess probe;
+        probe.start(launcher.first(), launcher.mid(1) + command);
+        return probe.waitForFinished(10000) && probe.exitStatus() == QProcess::NormalExit &&
+               probe.exitCode() == 0;
+    };
+    if (!runs({QStringLiteral("true")}))
+        return QStringLiteral("this needs `%1`, which is refused here")
+            .arg(launcher.join(QLatin1Char(' ')));
+    if (!runs({QStringLiteral("test"), QStringLiteral("-w"), temporary}))
+        return QStringLiteral("`%1` may not write the temporary folder %2 (set TMPDIR)")
+            .arg(launcher.join(QLatin1Char(' ')), temporary);
+    return {};
+}
+
+/**
  * Runs \a function of this test executable through \a launcher and fails or skips the
- * current test as the child did. Skips with a message when the launcher itself is refused.
+ * current test as the child did. Skips with a message when the launcher is refused.
  */
 inline void run(const QStringList &launcher, const char *function) {
-    QProcess probe;
-    probe.start(launcher.first(), launcher.mid(1) + QStringList{QStringLiteral("true")});
-    if (!probe.waitForFinished(10000) || probe.exitStatus() != QProcess::NormalExit ||
-        probe.exitCode() != 0)
-        QSKIP(qPrintable(QStringLiteral("this needs `%1`, which is refused here")
-                             .arg(launcher.join(QLatin1Char(' ')))));
+    if (const QString reason = refusal(launcher); !reason.isEmpty())
+        QSKIP(qPrintable(reason));
 
     QString test = QString::fromLatin1(function);
     if (const char *tag = QTest::currentDataTag())

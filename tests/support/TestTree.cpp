@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
+#include <QRandomGenerator>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -56,10 +56,10 @@ bool TestTree::setTimes(const QString &relative, time_t seconds, long nanosecond
                        AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool canDropPrivileges() {
-    QProcess p;
-    p.start(QStringLiteral("setpriv"),
-            {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-             QStringLiteral("--clear-groups"), QStringLiteral("true")});
-    return p.waitForFinished(5000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+quint32 testSeed() {
+    const quint32 seed = qEnvironmentVariableIsSet("PAIRSCOPE_SEED")
+                             ? quint32(qEnvironmentVariableIntValue("PAIRSCOPE_SEED"))
+                             : QRandomGenerator::system()->generate();
+    qInfo("random seed %u (set PAIRSCOPE_SEED=%u to repeat)", seed, seed);
+    return seed;
 }

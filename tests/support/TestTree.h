@@ -32,5 +32,5 @@ private:
     QTemporaryDir m_dir;
 };
 
-/** True when this process can run a command as an unprivileged user (`setpriv`). */
-bool canDropPrivileges();
+/** A seed for a random test, printed so a failing run can be repeated: PAIRSCOPE_SEED if set. */
+quint32 testSeed();

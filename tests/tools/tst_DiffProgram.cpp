@@ -1,5 +1,6 @@
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
+#include "support/DragDrop.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -12,10 +13,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
-#include <QUrl>
 
 #include <memory>
 #include <sys/stat.h>
@@ -229,14 +228,12 @@ void tst_DiffProgram::dialogShowsTheProgramInUseAndStoresAsTyped() {
                                {QStringLiteral("/typed/nowhere"), true},
                                {program, true}};
     QStringList shown;
-    QStringList notes;
     for (const Step &step : steps) {
         ModalWatcher watcher([&](QWidget *modal) {
             auto *form = qobject_cast<frmSelectDiff *>(modal);
             if (!form)
                 return false;
             shown.append(form->txtDiff->text());
-            notes.append(form->lblNote->text());
             form->txtDiff->setText(step.typed);
             (step.ok ? form->cmdOK : form->cmdCancel)->click();
             return true;
@@ -250,8 +247,6 @@ void tst_DiffProgram::dialogShowsTheProgramInUseAndStoresAsTyped() {
     // Saved as typed, but a name that is no program leaves the command without one; the
     // dialog then opens empty.
     QCOMPARE(shown, (QStringList{program, program, QString()}));
-    QCOMPARE(notes.first(), QStringLiteral("folder pairscope sends file information via the "
-                                           "command line, source file first."));
     QCOMPARE(Options::diffEXE(), program);
     QCOMPARE(mnuToolsDiff.data().toString(), program);
 }
@@ -269,17 +264,8 @@ void tst_DiffProgram::dropTakesAnExistingFileOnly() {
     QFETCH(bool, taken);
     frmSelectDiff form;
     form.txtDiff->setText(QStringLiteral("before"));
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(m_tree->path(dropped))});
     for (QWidget *target : {static_cast<QWidget *>(form.txtDiff), static_cast<QWidget *>(&form)}) {
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                              Qt::NoModifier);
-        QApplication::sendEvent(target, &enter);
-        QCOMPARE(enter.isAccepted(), taken);
-        QCOMPARE(enter.dropAction(), taken ? Qt::CopyAction : Qt::IgnoreAction);
-        QDropEvent drop(QPointF(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                        Qt::NoModifier);
-        QApplication::sendEvent(target, &drop);
+        QCOMPARE(dragAndDrop(target, m_tree->path(dropped)), taken);
         QCOMPARE(form.txtDiff->text(), taken ? m_tree->path(dropped) : QStringLiteral("before"));
     }
 }

@@ -1,4 +1,5 @@
 #include "settings/RecentLists.h"
+#include "support/DragDrop.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -11,12 +12,10 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
-#include <QUrl>
 
 #include <memory>
 
@@ -31,23 +30,6 @@ QStringList texts(const QComboBox &combo) {
     return all;
 }
 
-// Sends a drag of \a path and, when it is accepted, its drop; true when the drop was taken.
-bool dragAndDrop(QWidget *target, const QString &path) {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(path)});
-    data.setText(path);
-    const QPoint centre = target->rect().center();
-    QDragEnterEvent enter(centre, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                          Qt::NoModifier);
-    QApplication::sendEvent(target, &enter);
-    if (!enter.isAccepted() || enter.dropAction() != Qt::CopyAction)
-        return false;
-    QDropEvent drop(QPointF(centre), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                    Qt::NoModifier);
-    QApplication::sendEvent(target, &drop);
-    return drop.isAccepted();
-}
-
 } // namespace
 
 class tst_FolderSelection : public QObject {
@@ -55,11 +37,9 @@ class tst_FolderSelection : public QObject {
 private Q_SLOTS:
     void initTestCase();
     void init();
-    void commandEntries();
     void recentRules();
     void resetClearsTheList();
-    void cancelledCommandShowsPreviousPath_data();
-    void cancelledCommandShowsPreviousPath();
+    void cancelledBrowseShowsTypedPath();
     void enterManually();
     void dropOnCombo();
     void enterFolderDrops_data();
@@ -81,17 +61,6 @@ void tst_FolderSelection::initTestCase() {
 
 void tst_FolderSelection::init() {
     m_profile.clear();
-}
-
-void tst_FolderSelection::commandEntries() {
-    QComboBox combo;
-    FolderCombo logic(&combo, Side::Source);
-    logic.Fill(false);
-    QCOMPARE(texts(combo), (QStringList{"  Enter Manually...", "  Browse..."}));
-    QCOMPARE(combo.itemData(0).toInt(), -2);
-    QCOMPARE(combo.itemData(1).toInt(), -1);
-    QVERIFY(combo.isEditable());
-    QCOMPARE(logic.Path(), QString());
 }
 
 void tst_FolderSelection::recentRules() {
@@ -133,26 +102,15 @@ void tst_FolderSelection::resetClearsTheList() {
     QVERIFY(m_profile.raw().contains("[SourceMRU]\nItem1=\nItem2=\n"));
 }
 
-void tst_FolderSelection::cancelledCommandShowsPreviousPath_data() {
-    QTest::addColumn<int>("command");
-    QTest::addColumn<bool>("typed");
-    QTest::newRow("browse, typed path") << int(FolderCombo::BrowseItemData) << true;
-}
-
-void tst_FolderSelection::cancelledCommandShowsPreviousPath() {
-    QFETCH(int, command);
-    QFETCH(bool, typed);
+void tst_FolderSelection::cancelledBrowseShowsTypedPath() {
     QComboBox combo;
     FolderCombo logic(&combo, Side::Source);
     logic.Fill(false);
     QVERIFY(logic.SetPath(m_tree.path(QStringLiteral("b"))));
     QVERIFY(logic.SetPath(m_tree.path(QStringLiteral("a"))));
-    QString previous = m_tree.path(QStringLiteral("a"));
-    if (typed) {
-        previous = QStringLiteral("/typed/by hand");
-        combo.lineEdit()->selectAll();
-        QTest::keyClicks(combo.lineEdit(), previous);
-    }
+    const QString previous = QStringLiteral("/typed/by hand");
+    combo.lineEdit()->selectAll();
+    QTest::keyClicks(combo.lineEdit(), previous);
 
     QString shownTitle;
     QString textWhileOpen;
@@ -164,7 +122,7 @@ void tst_FolderSelection::cancelledCommandShowsPreviousPath() {
             qobject_cast<QDialog *>(dialog)->reject();
         return true;
     });
-    combo.setCurrentIndex(FindComboItemData(&combo, command));
+    combo.setCurrentIndex(FindComboItemData(&combo, FolderCombo::BrowseItemData));
 
     QCOMPARE(shownTitle, QStringLiteral("select source folder"));
     QCOMPARE(textWhileOpen, previous);
@@ -261,8 +219,6 @@ void tst_FolderSelection::enterFolderFocusOnActivation() {
 
 void tst_FolderSelection::browseProperties() {
     BrowseForFolder browser;
-    QCOMPARE(browser.Flags, 329);
-    QCOMPARE(browser.Prompt, QStringLiteral("Choose a folder"));
     browser.DialogTitle = QStringLiteral("select source folder");
     browser.Prompt = QStringLiteral("Select a folder for comparison.");
     browser.OKText = QStringLiteral("&Use Folder");
