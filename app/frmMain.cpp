@@ -16,13 +16,10 @@
 #include "tools/GeneralHelpers.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
-#include "views/DrawEdge.h"
-#include "views/EdgeStyle.h"
 #include "views/ImageList.h"
 #include "views/LinkedListings.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
-#include "views/Splitter.h"
 #include "views/frmAbout.h"
 
 #include <QApplication>
@@ -32,6 +29,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
@@ -40,6 +38,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
+#include <QSplitter>
 #include <QThreadPool>
 #include <QVBoxLayout>
 
@@ -118,11 +117,10 @@ frmMain::frmMain(QWidget *parent)
 frmMain::~frmMain() = default;
 
 void frmMain::buildCompareBar() {
-    edgeCompare = new DrawEdge(this);
+    edgeCompare = new QFrame(this);
     edgeCompare->setObjectName(QStringLiteral("edgeCompare"));
-    // One soft etched line: the bar reads as a group without a heavy bevel.
-    edgeCompare->setEdge(EdgeStyle::Etched);
-    edgeCompare->setFlags(EdgeStyle::Soft);
+    // One etched line: the bar reads as a group without a heavy bevel.
+    edgeCompare->setFrameStyle(QFrame::Box | QFrame::Sunken);
     auto *grid = new QGridLayout(edgeCompare);
     grid->setContentsMargins(8, 8, 8, 8);
     grid->setHorizontalSpacing(8);
@@ -169,8 +167,10 @@ void frmMain::buildCompareBar() {
 }
 
 void frmMain::buildPanes() {
-    picMain = new QWidget(this);
+    picMain = new QSplitter(this);
     picMain->setObjectName(QStringLiteral("picMain"));
+    picMain->setHandleWidth(6);
+    picMain->setChildrenCollapsible(false);
     ImageList1 = new ImageList(this);
     for (int i = 0; i < 2; ++i) {
         picSide[i] = new QWidget(picMain);
@@ -190,6 +190,9 @@ void frmMain::buildPanes() {
         lvwFiles[i]->setSmallIcons(ImageList1);
         pane->addWidget(lblPath[i]);
         pane->addWidget(lvwFiles[i], 1);
+        picSide[i]->setMinimumSize(60, 60);
+        // Equal stretch: the panes share a resize as the user last divided the room.
+        picMain->setStretchFactor(i, 1);
     }
     m_listing = std::make_unique<ResultListing>(lvwFiles, ImageList1);
     m_linked = new LinkedListings(
@@ -201,15 +204,6 @@ void frmMain::buildPanes() {
     connect(m_linked, &LinkedListings::UpdateListView, this, &frmMain::UpdateListView);
     m_columnPopup = new ColumnPopup(m_linked, this);
     connect(m_columnPopup, &ColumnPopup::UpdateListView, this, &frmMain::UpdateListView);
-    oSplitter = new Splitter(this);
-    oSplitter->setContainer(picMain);
-    oSplitter->setSplitterSize(6);
-    oSplitter->setMinimumSize(0, 60);
-    oSplitter->setMinimumSize(1, 60);
-    // The panes share the room as the user last divided it, whatever the window's size.
-    oSplitter->setKeepProportion(true);
-    oSplitter->setProportion(50);
-    oSplitter->Bind(picSide[0], picSide[1]);
 }
 
 void frmMain::connectMenus() {
@@ -319,8 +313,10 @@ void frmMain::UpdateStatus(const QString &statusText, bool isProgressMessage,
 void frmMain::ApplyOrientation(int orientation) {
     const int index = orientation == Options::HorizontalOrientation ? 0 : 1;
     menus->mnuViewOrientation[index]->setChecked(true);
-    oSplitter->setOrientation(index == 0 ? Splitter::Horizontal : Splitter::Vertical);
-    oSplitter->Resize();
+    // The sizes are handed back so that the first pane keeps its share in the new direction.
+    const QList<int> sizes = picMain->sizes();
+    picMain->setOrientation(index == 0 ? Qt::Vertical : Qt::Horizontal);
+    picMain->setSizes(sizes);
 }
 
 void frmMain::ApplyAlwaysOnTop(bool on) {
@@ -424,7 +420,6 @@ void frmMain::ClearDisplay() {
         lvwFiles[i]->ClearItems();
         lblPath[i]->setText(QString());
     }
-    oSplitter->Resize();
 }
 
 bool frmMain::IsComparing() const {
@@ -511,7 +506,6 @@ void frmMain::cmdCompare_Click() {
         lblPath[1]->setText(QStringLiteral("Files from ") + colDestFiles->RootFolder());
     }
     SetCompareMode(false);
-    oSplitter->Resize();
     if (!cancelled && menus->mnuViewLink->isChecked())
         ResortLinkedLists();
     unsetCursor();

@@ -19,17 +19,17 @@
 class ComparisonFileCollection;
 class ColumnPopup;
 class ComparisonsCombo;
-class DrawEdge;
 class FolderCombo;
 class ImageList;
 class LinkedListings;
 class ListView;
 class Pairscope;
 class QComboBox;
+class QFrame;
 class QLabel;
 class QPushButton;
 class QShortcut;
-class Splitter;
+class QSplitter;
 class StatusLine;
 class ToolsCommands;
 class frmProblems;
@@ -144,16 +144,15 @@ public:
     QLabel *lblComparisons = nullptr;
     QComboBox *cboComparisons = nullptr;
     QPushButton *cmdCompare = nullptr;
-    DrawEdge *edgeCompare = nullptr;
-    QWidget *picMain = nullptr;
+    QFrame *edgeCompare = nullptr;
+    /** The two panes; vertical orientation in the View menu lays them side by side. */
+    QSplitter *picMain = nullptr;
     std::array<QWidget *, 2> picSide{};
     std::array<QLabel *, 2> lblPath{};
     std::array<ListView *, 2> lvwFiles{};
     /** The file icons shown by both lists. */
     ImageList *ImageList1 = nullptr;
     StatusLine *StatusBar1 = nullptr;
-    /** Divides picMain between the two panes. */
-    Splitter *oSplitter = nullptr;
     std::unique_ptr<MainMenuBar> menus;
 
     /** The source side of the last run; replaced at the start of every run attempt. */

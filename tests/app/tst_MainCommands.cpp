@@ -11,7 +11,6 @@
 #include "tools/GeneralHelpers.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
-#include "views/Splitter.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -20,6 +19,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTest>
 #include <QTimer>
 
@@ -315,7 +315,7 @@ void tst_MainCommands::resetOptionsAccepted() {
     // The stored values were in force before the reset.
     QCOMPARE(w.window.lvwFiles[0]->ColumnCount(), 7);
     QVERIFY(IsTopmost(&w.window));
-    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Horizontal));
+    QCOMPARE(w.window.picMain->orientation(), Qt::Vertical);
 
     BoxAnswer answer(QMessageBox::Yes);
     m.mnuFileOptions->trigger();
@@ -336,7 +336,7 @@ void tst_MainCommands::resetOptionsAccepted() {
     // 5: panes side by side.
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
     QVERIFY(m.mnuViewOrientation[1]->isChecked());
-    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Vertical));
+    QCOMPARE(w.window.picMain->orientation(), Qt::Horizontal);
     // 6: not on top.
     QVERIFY(!Options::alwaysOnTop());
     QVERIFY(!m.mnuViewAlwaysOnTop->isChecked());

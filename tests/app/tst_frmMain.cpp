@@ -3,7 +3,6 @@
 #include "settings/SettingsStore.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
-#include "views/Splitter.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -14,6 +13,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QSplitter>
 #include <QTest>
 #include <QUrl>
 
@@ -85,10 +85,10 @@ void tst_frmMain::orientationItemStoresIndexPlusOne() {
     window.InitializeDisplay();
     window.menus->mnuViewOrientation[0]->trigger();
     QCOMPARE(Options::orientation(), Options::HorizontalOrientation);
-    QCOMPARE(window.oSplitter->Orientation(), int(Splitter::Horizontal));
+    QCOMPARE(window.picMain->orientation(), Qt::Vertical);
     window.menus->mnuViewOrientation[1]->trigger();
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
-    QCOMPARE(window.oSplitter->Orientation(), int(Splitter::Vertical));
+    QCOMPARE(window.picMain->orientation(), Qt::Horizontal);
     QVERIFY(!window.menus->mnuViewOrientation[0]->isChecked());
 }
 
