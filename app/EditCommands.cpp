@@ -2,6 +2,7 @@
 
 #include "MainMenuBar.h"
 
+#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -63,15 +64,17 @@ int EditCommands::ActiveSide() const {
 void EditCommands::mnuEdit_Click() {
     const ListView *list = ActiveList();
     m_menus.mnuEditSelectAll->setEnabled(list != nullptr);
-    m_menus.mnuEditClearSelections->setEnabled(list && list->SelectedCount() > 0);
+    m_menus.mnuEditClearSelections->setEnabled(list && list->selectedCount() > 0);
 }
 
 void EditCommands::mnuEditSelectAll_Click() {
-    if (ListView *list = ActiveList())
-        list->SelectAll();
+    if (ListView *list = ActiveList()) {
+        list->files()->flush();
+        list->selectAll();
+    }
 }
 
 void EditCommands::mnuEditClearSelections_Click() {
     if (ListView *list = ActiveList())
-        list->ClearSelections();
+        list->clearSelection();
 }

@@ -4,9 +4,10 @@
 #include "engine/DifferenceCode.h"
 #include "engine/PathHelpers.h"
 #include "views/AddToListview.h"
-#include "views/ListColumns.h"
-#include "views/ListModel.h"
+#include "views/FileListModel.h"
 #include "views/ListView.h"
+
+#include <QSet>
 
 ResultListing::ResultListing(std::array<ListView *, 2> lists, ImageList *icons)
     : m_lists(lists)
@@ -23,7 +24,8 @@ bool ResultListing::IsListed(const ComparisonFile &record, bool allFiles,
 }
 
 void ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
-    AddToListview(record, m_lists[size_t(side)], m_icons, fullPath);
+    m_lists[size_t(side)]->files()->setFullPath(fullPath);
+    AddToListview(record, m_lists[size_t(side)], m_icons);
 }
 
 void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const ComparisonFilePtr &destFile,
@@ -54,47 +56,24 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
 
 void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
                             const ComparisonFileCollection &destFiles, const ViewState &view) {
-    for (ListView *list : m_lists) {
-        for (int i = 1, count = list->ItemCount(); i <= count; ++i)
-            list->Item(i).setTag(UnconfirmedTag);
-    }
     const ComparisonFileCollection *collections[2] = {&sourceFiles, &destFiles};
     for (int side = 0; side < 2; ++side) {
+        std::vector<ComparisonFilePtr> listed;
+        QSet<const ComparisonFile *> stays;
         for (const ComparisonFilePtr &record : *collections[side]) {
-            if (IsListed(*record, view.allFiles, view.missingPlaceholders))
-                add(side, record, view.fullPath);
+            if (IsListed(*record, view.allFiles, view.missingPlaceholders)) {
+                listed.push_back(record);
+                stays.insert(record.get());
+            }
         }
-    }
-    // One pass per list keeps the order of the rows that stay.
-    for (ListView *list : m_lists) {
-        list->RemoveItemsIf([](const ListRow &row) { return row.tag.toInt() == UnconfirmedTag; });
+        // Rows that stay keep their place; the rows that newly qualify are appended.
+        m_lists[size_t(side)]->files()->removeRowsIf(
+            [&stays](const ComparisonFile &record) { return !stays.contains(&record); });
+        for (const ComparisonFilePtr &record : listed)
+            add(side, record, view.fullPath);
     }
 }
 
-void ResultListing::UpdateListView(int side, const ComparisonFileCollection *files, bool fullPath) {
-    ListView *list = m_lists[size_t(side)];
-    if (files) {
-        list->listModel()->setFullPathTexts(fullPath);
-        for (int i = 1, count = list->ItemCount(); i <= count; ++i) {
-            ListItem item = list->Item(i);
-            const ComparisonFilePtr record = files->Item(item.Key());
-            if (!record)
-                continue;
-            // A row of this very record shows every column as it is now once it reads its
-            // texts from the record.
-            if (record == item.Record()) {
-                item.setRecord(record, true);
-                continue;
-            }
-            for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c) {
-                const ColumnHeader *header = list->Column(c);
-                if (header->SubItemIndex() != 0)
-                    item.setSubItems(
-                        header->SubItemIndex(),
-                        record->ColumnString(ColumnTypeFromKey(header->Key()), fullPath));
-            }
-        }
-    }
-    for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c)
-        list->Column(c)->setTag(false);
+void ResultListing::UpdateListView(int side, bool fullPath) {
+    m_lists[size_t(side)]->files()->setFullPath(fullPath);
 }

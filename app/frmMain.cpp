@@ -16,6 +16,7 @@
 #include "tools/GeneralHelpers.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
+#include "views/FileListModel.h"
 #include "views/ImageList.h"
 #include "views/LinkedListings.h"
 #include "views/ListSorting.h"
@@ -187,7 +188,7 @@ void frmMain::buildPanes() {
         lvwFiles[i]->setObjectName(QStringLiteral("lvwFiles%1").arg(i));
         lvwFiles[i]->setAcceptDrops(false);
         lvwFiles[i]->viewport()->setAcceptDrops(false);
-        lvwFiles[i]->setSmallIcons(ImageList1);
+        lvwFiles[i]->files()->setIcons(ImageList1);
         pane->addWidget(lblPath[i]);
         pane->addWidget(lvwFiles[i], 1);
         picSide[i]->setMinimumSize(60, 60);
@@ -201,9 +202,7 @@ void frmMain::buildPanes() {
             return side ? colDestFiles.get() : colSourceFiles.get();
         },
         this);
-    connect(m_linked, &LinkedListings::UpdateListView, this, &frmMain::UpdateListView);
     m_columnPopup = new ColumnPopup(m_linked, this);
-    connect(m_columnPopup, &ColumnPopup::UpdateListView, this, &frmMain::UpdateListView);
 }
 
 void frmMain::connectMenus() {
@@ -336,7 +335,7 @@ void frmMain::ApplyViewOptions() {
          {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
         item->setEnabled(true);
     for (ListView *list : lvwFiles)
-        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+        list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
 }
 
 void frmMain::ToggleViewOption(QAction *item) {
@@ -363,7 +362,7 @@ void frmMain::ToggleViewOption(QAction *item) {
     }
     // Bold marks differing rows among identical ones, so it needs Show All Files.
     for (ListView *list : lvwFiles)
-        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+        list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
 }
 
 ListView *frmMain::ActiveList() const {
@@ -417,7 +416,7 @@ void frmMain::ResetOptions() {
 void frmMain::ClearDisplay() {
     // The collections stay: a View toggle afterwards lists the last result again.
     for (int i = 0; i < 2; ++i) {
-        lvwFiles[i]->ClearItems();
+        lvwFiles[i]->files()->clear();
         lblPath[i]->setText(QString());
     }
 }
@@ -537,7 +536,7 @@ bool frmMain::RunAttempts() {
                 &frmMain::oPairscope_FilesCompared);
 
         for (int i = 0; i < 2; ++i) {
-            lvwFiles[i]->ClearItems();
+            lvwFiles[i]->files()->clear();
             lblPath[i]->setText(QString());
         }
         repaint();
@@ -565,8 +564,8 @@ bool frmMain::RunAttempts() {
 
         // With every file listed, each list gets a row per record of its side at least.
         if (menus->mnuViewAllFiles->isChecked()) {
-            lvwFiles[0]->ReserveItems(colSourceFiles->Count());
-            lvwFiles[1]->ReserveItems(colDestFiles->Count());
+            lvwFiles[0]->files()->reserve(colSourceFiles->Count());
+            lvwFiles[1]->files()->reserve(colDestFiles->Count());
         }
         const int comparisons = m_comparisons->Comparisons();
         result = oPairscope->Compare(*colSourceFiles, *colDestFiles, qMax(comparisons, 0),
@@ -626,8 +625,8 @@ void frmMain::ResortLinkedLists() {
     // Both lists are re-sorted on the header whose index equals the list's sort key as it
     // stands, and both with the source collection: the order the program has always shown.
     for (ListView *list : lvwFiles) {
-        SortListView(list, colSourceFiles.get(), list->Column(list->SortKey()),
-                     list->SortOrder() == Qt::AscendingOrder);
+        SortListView(list, colSourceFiles.get(), list->shownType(list->sortKey()),
+                     list->sortOrder() == Qt::AscendingOrder);
     }
 }
 
@@ -688,8 +687,7 @@ void frmMain::RefreshFileListings() {
 }
 
 void frmMain::UpdateListView(int side) {
-    const ComparisonFileCollection *files = side ? colDestFiles.get() : colSourceFiles.get();
-    m_listing->UpdateListView(side, files, menus->mnuViewFullPath->isChecked());
+    m_listing->UpdateListView(side, menus->mnuViewFullPath->isChecked());
 }
 
 void frmMain::closeEvent(QCloseEvent *event) {

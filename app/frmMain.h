@@ -129,7 +129,7 @@ public:
     ///@{
     /** Re-decides both lists from the collections after a View option changed. */
     void RefreshFileListings();
-    /** Rewrites the column texts of every row of list \a side. */
+    /** Shows the "In Folder" texts of list \a side as View > Show Full Path says. */
     void UpdateListView(int side);
     /** The status text of a finished compare, naming the items that could not be compared. */
     QString CompleteText() const;
