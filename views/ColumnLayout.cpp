@@ -28,8 +28,8 @@ void LoadLayout(ListView *list, bool isDestination, bool useDefaults) {
         const int logical = FileListModel::columnOf(type);
         const int position = column.position.value_or(DefaultColumnPosition(type));
         const bool show = !column.positionUnreadable && position >= 0;
-        header->resizeSection(
-            logical, int(std::lrint(column.width.value_or(float(DefaultColumnWidth(type))))));
+        header->resizeSection(logical, column.width ? int(std::lrint(*column.width))
+                                                    : DefaultWidth(list, type));
         header->setSectionHidden(logical, !show);
         if (show) {
             shown.push_back(logical);
@@ -67,6 +67,11 @@ bool SaveLayout(const ListView *list, bool isDestination) {
         columns.push_back(saved);
     }
     return ColumnLayoutSettings::save(isDestination, columns);
+}
+
+int DefaultWidth(const ListView *list, int type) {
+    return int(
+        std::lround(DefaultColumnWidth(type) * list->fontMetrics().averageCharWidth() / 5.0));
 }
 
 int GetColumnPosition(const ListView *list, int type) {

@@ -27,6 +27,13 @@ bool SaveLayout(const ListView *list, bool isDestination);
 /** The zero-based display position of column type \a type among the shown ones; -1 if hidden. */
 int GetColumnPosition(const ListView *list, int type);
 
+/**
+ * The default width of column type \a type in \a list: the designed width, chosen for a
+ * font whose characters average 5 pixels, scaled to the list's font, so that texts such as
+ * "2,000 bytes" and dates fit.
+ */
+int DefaultWidth(const ListView *list, int type);
+
 /** Shows column type \a type at the right end, \a width wide, when it is hidden. */
 void ShowColumn(ListView *list, int type, int width);
 

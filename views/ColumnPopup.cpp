@@ -61,7 +61,7 @@ void ColumnPopup::SyncColumnMenu(const ListView *list) {
 void ColumnPopup::ApplyColumnMenu(ListView *list) {
     for (int type = 1; type <= ColumnTypeCount; ++type) {
         if (columnAction(type)->isChecked())
-            ColumnLayout::ShowColumn(list, type, DefaultColumnWidth(type));
+            ColumnLayout::ShowColumn(list, type, ColumnLayout::DefaultWidth(list, type));
         else
             list->setColumnHidden(FileListModel::columnOf(type), true);
     }

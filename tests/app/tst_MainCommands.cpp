@@ -10,6 +10,7 @@
 #include "support/TestTree.h"
 #include "tools/GeneralHelpers.h"
 #include "views/AddToListview.h"
+#include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
@@ -146,10 +147,10 @@ QStringList shownColumns(const ListView *list) {
     return columns;
 }
 
-QStringList defaultColumns() {
+QStringList defaultColumns(const ListView *list) {
     QStringList columns;
     for (int type : {9, 1, 2, 3, 4, 5})
-        columns << QStringLiteral("#%1 %2").arg(type).arg(DefaultColumnWidth(type));
+        columns << QStringLiteral("#%1 %2").arg(type).arg(ColumnLayout::DefaultWidth(list, type));
     return columns;
 }
 
@@ -342,8 +343,8 @@ void tst_MainCommands::resetOptionsAccepted() {
     QCOMPARE(RecentLists::loadSelections().values, QList<int>({3, 2, 0, 31}));
     QCOMPARE(w.window.cboComparisons->count(), 5);
     // 4: both column layouts.
-    QCOMPARE(shownColumns(w.window.lvwFiles[0]), defaultColumns());
-    QCOMPARE(shownColumns(w.window.lvwFiles[1]), defaultColumns());
+    QCOMPARE(shownColumns(w.window.lvwFiles[0]), defaultColumns(w.window.lvwFiles[0]));
+    QCOMPARE(shownColumns(w.window.lvwFiles[1]), defaultColumns(w.window.lvwFiles[1]));
     // 5: panes side by side.
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
     QVERIFY(m.mnuViewOrientation[1]->isChecked());
@@ -369,7 +370,7 @@ void tst_MainCommands::resetOptionsAccepted() {
     QCOMPARE(SettingsStore::value(QStringLiteral("SourceLayout"), QStringLiteral("Position6")),
              QStringLiteral("-1"));
     QCOMPARE(SettingsStore::value(QStringLiteral("DestLayout"), QStringLiteral("Width1")),
-             QStringLiteral("200"));
+             QString::number(ColumnLayout::DefaultWidth(w.window.lvwFiles[1], 1)));
 }
 
 void tst_MainCommands::accessKeys_data() {

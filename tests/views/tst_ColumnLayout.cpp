@@ -4,6 +4,7 @@
 #include "views/ColumnPopup.h"
 #include "views/FileListModel.h"
 #include "views/LinkedListings.h"
+#include "views/ListColumns.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -33,7 +34,22 @@ QString stored(const QString &key, bool isDestination = false) {
                                key, QStringLiteral("<missing>"));
 }
 
-const QString DefaultLayout = QStringLiteral("#9 200, #1 200, #2 150, #3 75, #4 150, #5 125");
+/**
+ * \a text with every "<n>" replaced by the designed width n as a listing's default width:
+ * scaled to the list's font.
+ */
+QString scaled(QString text) {
+    const ListView list;
+    for (int type = 1; type <= ColumnTypeCount; ++type) {
+        text.replace(
+            QStringLiteral("#%1 <%2>").arg(type).arg(DefaultColumnWidth(type)),
+            QStringLiteral("#%1 %2").arg(type).arg(ColumnLayout::DefaultWidth(&list, type)));
+    }
+    return text;
+}
+
+const QString DefaultLayout =
+    QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #3 <75>, #4 <150>, #5 <125>");
 
 /** Two listings, their coupling and the header menu over them. */
 struct Lists {
@@ -65,6 +81,8 @@ private Q_SLOTS:
     void popupAppliesToTheClickedListOrBoth_data();
     void popupAppliesToTheClickedListOrBoth();
     void reShownColumnGoesRightWithTheDefaultWidth();
+    void defaultWidthsFitTheirTexts_data();
+    void defaultWidthsFitTheirTexts();
 
 private:
     TestProfile m_profile;
@@ -96,7 +114,8 @@ void tst_ColumnLayout::roundTrip() {
 
     ListView again;
     ColumnLayout::LoadLayout(&again, true, false);
-    QCOMPARE(layout(again), QStringLiteral("#3 87, #9 200, #1 200, #2 150, #4 150, #5 125, #8 61"));
+    QCOMPARE(layout(again), scaled(QStringLiteral(
+                                "#3 87, #9 <200>, #1 <200>, #2 <150>, #4 <150>, #5 <125>, #8 61")));
 }
 
 void tst_ColumnLayout::hiddenColumnKeepsItsStoredWidth() {
@@ -118,14 +137,14 @@ void tst_ColumnLayout::storedLayouts_data() {
         << QStringList{"Position7", "6", "Width7", "33"} << DefaultLayout + ", #7 33";
     QTest::newRow("shown by default, hidden by the store")
         << QStringList{"Position9", "-1"}
-        << QStringLiteral("#1 200, #2 150, #3 75, #4 150, #5 125");
+        << QStringLiteral("#1 <200>, #2 <150>, #3 <75>, #4 <150>, #5 <125>");
     QTest::newRow("position that is not a number hides")
         << QStringList{"Position4", "left"}
-        << QStringLiteral("#9 200, #1 200, #2 150, #3 75, #5 125");
+        << QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #3 <75>, #5 <125>");
     // Six columns shown: position 9 is out of range, so "In Folder" follows the placed ones.
     QTest::newRow("out-of-range position skipped")
         << QStringList{"Position2", "9"}
-        << QStringLiteral("#9 200, #1 200, #3 75, #4 150, #5 125, #2 150");
+        << QStringLiteral("#9 <200>, #1 <200>, #3 <75>, #4 <150>, #5 <125>, #2 <150>");
     QTest::newRow("width that is not a number gives the default")
         << QStringList{"Width3", "wide"} << DefaultLayout;
 }
@@ -137,10 +156,10 @@ void tst_ColumnLayout::storedLayouts() {
         QVERIFY(SettingsStore::write(QStringLiteral("SourceLayout"), entries[i], entries[i + 1]));
     ListView list;
     ColumnLayout::LoadLayout(&list, false, false);
-    QCOMPARE(layout(list), expected);
+    QCOMPARE(layout(list), scaled(expected));
     // Defaults ignore the store.
     ColumnLayout::LoadLayout(&list, false, true);
-    QCOMPARE(layout(list), DefaultLayout);
+    QCOMPARE(layout(list), scaled(DefaultLayout));
 }
 
 void tst_ColumnLayout::matchColumns() {
@@ -154,7 +173,8 @@ void tst_ColumnLayout::matchColumns() {
     // never too narrow to grab; a column the model lacks is gone; the others keep their width.
     const int narrowest = l.destination.header()->minimumSectionSize();
     QCOMPARE(layout(l.destination),
-             QStringLiteral("#9 200, #2 150, #4 150, #5 125, #1 %1, #3 %1, #8 %1").arg(narrowest));
+             scaled(QStringLiteral("#9 <200>, #2 <150>, #4 <150>, #5 <125>, #1 %1, #3 %1, #8 %1"))
+                 .arg(narrowest));
 }
 
 void tst_ColumnLayout::popupCommands() {
@@ -165,14 +185,14 @@ void tst_ColumnLayout::popupCommands() {
     QCOMPARE(l.source.shownCount(), 9);
     l.popup.Open(&l.source, QPoint());
     l.popup.hideAllAction()->trigger();
-    QCOMPARE(layout(l.source), QStringLiteral("#1 200"));
+    QCOMPARE(layout(l.source), scaled(QStringLiteral("#1 <200>")));
     // Reset Layout on the destination's header, unlinked: only that list gets the defaults.
     l.destination.setColumnHidden(FileListModel::columnOf(2), true);
     l.popup.Open(&l.destination, QPoint());
     QVERIFY(!l.popup.columnAction(2)->isChecked());
     l.popup.resetLayoutAction()->trigger();
-    QCOMPARE(layout(l.destination), DefaultLayout);
-    QCOMPARE(layout(l.source), QStringLiteral("#1 200"));
+    QCOMPARE(layout(l.destination), scaled(DefaultLayout));
+    QCOMPARE(layout(l.source), scaled(QStringLiteral("#1 <200>")));
     l.popup.menu()->hide();
 }
 
@@ -206,8 +226,31 @@ void tst_ColumnLayout::reShownColumnGoesRightWithTheDefaultWidth() {
     QCOMPARE(stored(QStringLiteral("Width3")), QStringLiteral("<missing>"));
     l.popup.Open(&l.source, QPoint());
     l.popup.columnAction(3)->trigger(); // shows it again
-    QCOMPARE(layout(l.source), QStringLiteral("#9 200, #1 200, #2 150, #4 150, #5 125, #3 75"));
+    QCOMPARE(layout(l.source),
+             scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #4 <150>, #5 <125>, #3 <75>")));
     l.popup.menu()->hide();
+}
+
+void tst_ColumnLayout::defaultWidthsFitTheirTexts_data() {
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("pointSize");
+    QTest::newRow("size") << 3 << "2,000 bytes" << 9;
+    QTest::newRow("date, larger font") << 5 << "24 Nov 2026 03:37:12" << 11;
+    QTest::newRow("type") << 4 << "plain text document" << 9;
+}
+
+void tst_ColumnLayout::defaultWidthsFitTheirTexts() {
+    QFETCH(int, type);
+    QFETCH(QString, text);
+    QFETCH(int, pointSize);
+    ListView list;
+    QFont font = list.font();
+    font.setPointSize(pointSize);
+    list.setFont(font);
+    ColumnLayout::LoadLayout(&list, false, true);
+    QVERIFY(list.fontMetrics().horizontalAdvance(text) <
+            list.header()->sectionSize(FileListModel::columnOf(type)));
 }
 
 QTEST_MAIN(tst_ColumnLayout)
