@@ -2,7 +2,6 @@
 
 #include "MainMenuBar.h"
 
-#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -68,10 +67,8 @@ void EditCommands::mnuEdit_Click() {
 }
 
 void EditCommands::mnuEditSelectAll_Click() {
-    if (ListView *list = ActiveList()) {
-        list->files()->flush();
+    if (ListView *list = ActiveList())
         list->selectAll();
-    }
 }
 
 void EditCommands::mnuEditClearSelections_Click() {

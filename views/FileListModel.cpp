@@ -111,26 +111,35 @@ void FileListModel::allChanged(const QList<int> &roles) {
         Q_EMIT dataChanged(index(0, 0), index(m_shownRows - 1, ColumnTypeCount - 1), roles);
 }
 
-void FileListModel::rehash() {
-    m_byKey.clear();
-    m_byKey.reserve(count());
+int FileListModel::rowOfKey(const QString &key) const {
+    const ComparisonFile *file = m_byKey.value(key);
+    return file ? m_rowOf.value(file, -1) : -1;
+}
+
+void FileListModel::renumber() {
+    m_rowOf.clear();
+    m_rowOf.reserve(count());
     for (int i = 0; i < count(); ++i)
-        m_byKey.insert(record(i)->Key(), i + 1);
+        m_rowOf.insert(record(i).get(), i);
 }
 
 int FileListModel::addRecord(const ComparisonFilePtr &record, int icon) {
     // One look-up both finds the row of the key and takes the slot for a new one.
-    int &slot = m_byKey[record->Key()];
-    if (slot > 0) {
-        const int row = slot - 1;
+    const ComparisonFile *&slot = m_byKey[record->Key()];
+    if (slot) {
+        const int row = m_rowOf.value(slot);
         Row &existing = m_rows[size_t(row)];
         if (existing.record != record || existing.icon != icon) {
+            m_rowOf.remove(slot);
+            m_rowOf.insert(record.get(), row);
+            slot = record.get();
             existing = {record, icon};
             markChanged(row);
         }
         return row;
     }
-    slot = count() + 1;
+    slot = record.get();
+    m_rowOf.insert(slot, count());
     m_rows.push_back({record, icon});
     scheduleFlush();
     return count() - 1;
@@ -163,11 +172,13 @@ int FileListModel::removeRowsIf(const std::function<bool(const ComparisonFile &)
     for (size_t i = 0; i < m_rows.size(); ++i) {
         if (moved[i] >= 0)
             rows.push_back(std::move(m_rows[i]));
+        else
+            m_byKey.remove(m_rows[i].record->Key());
     }
     m_rows = std::move(rows);
     m_shownRows = count();
     m_changedFirst = m_changedLast = -1;
-    rehash();
+    renumber();
     changePersistentIndexList(from, to);
     Q_EMIT layoutChanged();
     return removed;
@@ -178,6 +189,7 @@ void FileListModel::clear() {
     beginResetModel();
     m_rows.clear();
     m_byKey.clear();
+    m_rowOf.clear();
     m_shownRows = 0;
     m_changedFirst = m_changedLast = -1;
     endResetModel();
@@ -188,6 +200,7 @@ void FileListModel::reserve(int rows) {
         return;
     m_rows.reserve(size_t(rows));
     m_byKey.reserve(rows);
+    m_rowOf.reserve(rows);
 }
 
 void FileListModel::sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order) {
@@ -205,7 +218,7 @@ void FileListModel::sortByKeys(const std::vector<QString> &keys, Qt::SortOrder o
         newPosition[size_t(sorted[to])] = int(to);
     }
     m_rows = std::move(rows);
-    rehash();
+    renumber();
     // Every persistent index (the selection, the current row) moves with its row.
     const QModelIndexList from = persistentIndexList();
     QModelIndexList to;

@@ -49,7 +49,7 @@ public:
     /** The record of zero-based \a row (no bounds check). */
     const ComparisonFilePtr &record(int row) const { return m_rows[size_t(row)].record; }
     /** The row showing the record whose key is \a key, or -1. */
-    int rowOfKey(const QString &key) const { return m_byKey.value(key) - 1; }
+    int rowOfKey(const QString &key) const;
     /** The text \a row shows for column type \a type. */
     QString text(int row, int type) const;
 
@@ -90,11 +90,16 @@ private:
     void scheduleFlush();
     void markChanged(int row);
     void allChanged(const QList<int> &roles);
-    void rehash();
+    /** Rebuilds the row of each record after rows moved. */
+    void renumber();
 
     std::vector<Row> m_rows;
-    /** Row + 1 by record key, so that a new slot (0) reads as no row. */
-    QHash<QString, int> m_byKey;
+    /**
+     * The record of each key, and the row of each record: a sort moves rows without
+     * building every record's key again.
+     */
+    QHash<QString, const ComparisonFile *> m_byKey;
+    QHash<const ComparisonFile *, int> m_rowOf;
     int m_shownRows = 0;
     int m_changedFirst = -1;
     int m_changedLast = -1;

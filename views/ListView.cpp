@@ -82,6 +82,17 @@ Qt::SortOrder ListView::sortOrder() const {
     return header()->sortIndicatorOrder();
 }
 
+void ListView::selectAll() {
+    m_files->flush();
+    if (m_files->rowCount() == 0)
+        return;
+    // One range for every row: the view's own Select All splits it round hidden columns.
+    selectionModel()->select(
+        QItemSelection(m_files->index(0, 0),
+                       m_files->index(m_files->rowCount() - 1, ColumnTypeCount - 1)),
+        QItemSelectionModel::ClearAndSelect);
+}
+
 std::vector<bool> ListView::selectedRows() const {
     std::vector<bool> flags(size_t(m_files->rowCount()), false);
     for (const QItemSelectionRange &range : selectionModel()->selection()) {

@@ -35,6 +35,8 @@ public:
     int sortKey() const;
     Qt::SortOrder sortOrder() const;
 
+    /** Selects every row, rows still waiting for their batch included, as one range. */
+    void selectAll() override;
     /** One flag per row, in list order: whether the row is selected. */
     std::vector<bool> selectedRows() const;
     /** Selects exactly the rows whose flag is set; rows past the end of \a rows are cleared. */
