@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLocale>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void textsComeFromTheRecord_data();
     void textsComeFromTheRecord();
     void listingAgainUpdatesTheRowInPlace();
+    void changesReachTheView();
     void removingKeepsOrderSelectionAndFocus();
     void boldRowsAreTheDifferentOnes();
     void sorted_data();
@@ -166,6 +168,26 @@ void tst_FileListModel::listingAgainUpdatesTheRowInPlace() {
     // The row shows the record as it is now, not as it was when listed.
     QCOMPARE(view.files()->text(1, ColumnType::Size), QStringLiteral("1,234 bytes"));
     QCOMPARE(view.files()->text(1, ColumnType::Difference), QString());
+}
+
+void tst_FileListModel::changesReachTheView() {
+    ListView view;
+    list(0, view);
+    QSignalSpy changed(view.files(), &QAbstractItemModel::dataChanged);
+    // The same file walked again, as a refresh after a new compare: a new record for the row
+    // of its key.
+    ComparisonFileCollection again;
+    again.setRootFolder(m_trees[0].root());
+    const ComparisonFilePtr b = again.Item(m_trees[0].path(QStringLiteral("b.bin")));
+    QCOMPARE(AddToListview(b, &view, nullptr), 1);
+    QCOMPARE(view.files()->rowOfKey(b->Key()), 1);
+    QCOMPARE(view.files()->record(1), b);
+    view.files()->flush();
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed[0][0].toModelIndex().row(), 1);
+    QCOMPARE(changed[0][1].toModelIndex().row(), 1);
+    view.files()->setBoldDifferent(true);
+    QCOMPARE(changed.count(), 2);
 }
 
 void tst_FileListModel::removingKeepsOrderSelectionAndFocus() {
