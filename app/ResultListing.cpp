@@ -7,8 +7,6 @@
 #include "views/FileListModel.h"
 #include "views/ListView.h"
 
-#include <QSet>
-
 ResultListing::ResultListing(std::array<ListView *, 2> lists, ImageList *icons)
     : m_lists(lists)
     , m_icons(icons) {}
@@ -23,9 +21,9 @@ bool ResultListing::IsListed(const ComparisonFile &record, bool allFiles,
     return missingPlaceholders;
 }
 
-void ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
+int ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
     m_lists[size_t(side)]->files()->setFullPath(fullPath);
-    AddToListview(record, m_lists[size_t(side)], m_icons);
+    return AddToListview(record, m_lists[size_t(side)], m_icons);
 }
 
 void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const ComparisonFilePtr &destFile,
@@ -58,19 +56,19 @@ void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
                             const ComparisonFileCollection &destFiles, const ViewState &view) {
     const ComparisonFileCollection *collections[2] = {&sourceFiles, &destFiles};
     for (int side = 0; side < 2; ++side) {
-        std::vector<ComparisonFilePtr> listed;
-        QSet<const ComparisonFile *> stays;
+        // Rows that stay keep their place, rows that newly qualify are appended, and the rows
+        // no record confirmed go.
+        std::vector<bool> confirmed(size_t(m_lists[size_t(side)]->files()->count()), false);
         for (const ComparisonFilePtr &record : *collections[side]) {
-            if (IsListed(*record, view.allFiles, view.missingPlaceholders)) {
-                listed.push_back(record);
-                stays.insert(record.get());
-            }
+            if (!IsListed(*record, view.allFiles, view.missingPlaceholders))
+                continue;
+            const size_t row = size_t(add(side, record, view.fullPath));
+            if (row >= confirmed.size())
+                confirmed.resize(row + 1, false);
+            confirmed[row] = true;
         }
-        // Rows that stay keep their place; the rows that newly qualify are appended.
         m_lists[size_t(side)]->files()->removeRowsIf(
-            [&stays](const ComparisonFile &record) { return !stays.contains(&record); });
-        for (const ComparisonFilePtr &record : listed)
-            add(side, record, view.fullPath);
+            [&confirmed](int row) { return !confirmed[size_t(row)]; });
     }
 }
 

@@ -46,7 +46,8 @@ public:
     void UpdateListView(int side, bool fullPath);
 
 private:
-    void add(int side, const ComparisonFilePtr &record, bool fullPath);
+    /** Lists \a record in list \a side; returns its row. */
+    int add(int side, const ComparisonFilePtr &record, bool fullPath);
 
     std::array<ListView *, 2> m_lists;
     ImageList *m_icons;

@@ -145,13 +145,13 @@ int FileListModel::addRecord(const ComparisonFilePtr &record, int icon) {
     return count() - 1;
 }
 
-int FileListModel::removeRowsIf(const std::function<bool(const ComparisonFile &)> &remove) {
+int FileListModel::removeRowsIf(const std::function<bool(int row)> &remove) {
     flush();
     // Where each row goes, -1 for a removed one.
     std::vector<int> moved(m_rows.size(), -1);
     int kept = 0;
     for (size_t i = 0; i < m_rows.size(); ++i) {
-        if (!remove(*m_rows[i].record))
+        if (!remove(int(i)))
             moved[i] = kept++;
     }
     const int removed = count() - kept;
@@ -169,13 +169,21 @@ int FileListModel::removeRowsIf(const std::function<bool(const ComparisonFile &)
     }
     std::vector<Row> rows;
     rows.reserve(size_t(kept));
+    // Keys are built anew for whichever is fewer, the rows removed or the rows kept.
+    const bool fewerKept = kept < removed;
     for (size_t i = 0; i < m_rows.size(); ++i) {
         if (moved[i] >= 0)
             rows.push_back(std::move(m_rows[i]));
-        else
+        else if (!fewerKept)
             m_byKey.remove(m_rows[i].record->Key());
     }
     m_rows = std::move(rows);
+    if (fewerKept) {
+        m_byKey.clear();
+        m_byKey.reserve(count());
+        for (const Row &row : m_rows)
+            m_byKey.insert(row.record->Key(), row.record.get());
+    }
     m_shownRows = count();
     m_changedFirst = m_changedLast = -1;
     renumber();

@@ -59,10 +59,10 @@ public:
      */
     int addRecord(const ComparisonFilePtr &record, int icon);
     /**
-     * Removes every row whose record \a remove accepts, in one pass: the rows that stay keep
-     * their order, selection and focus. Returns how many were removed.
+     * Removes every zero-based row that \a remove accepts, in one pass: the rows that stay
+     * keep their order, selection and focus. Returns how many were removed.
      */
-    int removeRowsIf(const std::function<bool(const ComparisonFile &)> &remove);
+    int removeRowsIf(const std::function<bool(int row)> &remove);
     void clear();
     /** Makes room for \a count rows in all. */
     void reserve(int count);
