@@ -63,15 +63,15 @@ int EditCommands::ActiveSide() const {
 void EditCommands::mnuEdit_Click() {
     const ListView *list = ActiveList();
     m_menus.mnuEditSelectAll->setEnabled(list != nullptr);
-    m_menus.mnuEditClearSelections->setEnabled(list && list->SelectedCount() > 0);
+    m_menus.mnuEditClearSelections->setEnabled(list && list->selectedCount() > 0);
 }
 
 void EditCommands::mnuEditSelectAll_Click() {
     if (ListView *list = ActiveList())
-        list->SelectAll();
+        list->selectAll();
 }
 
 void EditCommands::mnuEditClearSelections_Click() {
     if (ListView *list = ActiveList())
-        list->ClearSelections();
+        list->clearSelection();
 }

@@ -4,8 +4,7 @@
 #include "engine/DifferenceCode.h"
 #include "engine/PathHelpers.h"
 #include "views/AddToListview.h"
-#include "views/ListColumns.h"
-#include "views/ListModel.h"
+#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 ResultListing::ResultListing(std::array<ListView *, 2> lists, ImageList *icons)
@@ -22,8 +21,9 @@ bool ResultListing::IsListed(const ComparisonFile &record, bool allFiles,
     return missingPlaceholders;
 }
 
-void ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
-    AddToListview(record, m_lists[size_t(side)], m_icons, fullPath);
+int ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
+    m_lists[size_t(side)]->files()->setFullPath(fullPath);
+    return AddToListview(record, m_lists[size_t(side)], m_icons);
 }
 
 void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const ComparisonFilePtr &destFile,
@@ -54,47 +54,24 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
 
 void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
                             const ComparisonFileCollection &destFiles, const ViewState &view) {
-    for (ListView *list : m_lists) {
-        for (int i = 1, count = list->ItemCount(); i <= count; ++i)
-            list->Item(i).setTag(UnconfirmedTag);
-    }
     const ComparisonFileCollection *collections[2] = {&sourceFiles, &destFiles};
     for (int side = 0; side < 2; ++side) {
+        // Rows that stay keep their place, rows that newly qualify are appended, and the rows
+        // no record confirmed go.
+        std::vector<bool> confirmed(size_t(m_lists[size_t(side)]->files()->count()), false);
         for (const ComparisonFilePtr &record : *collections[side]) {
-            if (IsListed(*record, view.allFiles, view.missingPlaceholders))
-                add(side, record, view.fullPath);
+            if (!IsListed(*record, view.allFiles, view.missingPlaceholders))
+                continue;
+            const size_t row = size_t(add(side, record, view.fullPath));
+            if (row >= confirmed.size())
+                confirmed.resize(row + 1, false);
+            confirmed[row] = true;
         }
-    }
-    // One pass per list keeps the order of the rows that stay.
-    for (ListView *list : m_lists) {
-        list->RemoveItemsIf([](const ListRow &row) { return row.tag.toInt() == UnconfirmedTag; });
+        m_lists[size_t(side)]->files()->removeRowsIf(
+            [&confirmed](int row) { return !confirmed[size_t(row)]; });
     }
 }
 
-void ResultListing::UpdateListView(int side, const ComparisonFileCollection *files, bool fullPath) {
-    ListView *list = m_lists[size_t(side)];
-    if (files) {
-        list->listModel()->setFullPathTexts(fullPath);
-        for (int i = 1, count = list->ItemCount(); i <= count; ++i) {
-            ListItem item = list->Item(i);
-            const ComparisonFilePtr record = files->Item(item.Key());
-            if (!record)
-                continue;
-            // A row of this very record shows every column as it is now once it reads its
-            // texts from the record.
-            if (record == item.Record()) {
-                item.setRecord(record, true);
-                continue;
-            }
-            for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c) {
-                const ColumnHeader *header = list->Column(c);
-                if (header->SubItemIndex() != 0)
-                    item.setSubItems(
-                        header->SubItemIndex(),
-                        record->ColumnString(ColumnTypeFromKey(header->Key()), fullPath));
-            }
-        }
-    }
-    for (int c = 1, columns = list->ColumnCount(); c <= columns; ++c)
-        list->Column(c)->setTag(false);
+void ResultListing::UpdateListView(int side, bool fullPath) {
+    m_lists[size_t(side)]->files()->setFullPath(fullPath);
 }

@@ -22,9 +22,6 @@ public:
         bool fullPath = false;
     };
 
-    /** The tag of a row not yet confirmed by a refresh; no record carries it. */
-    static constexpr int UnconfirmedTag = -2;
-
     ResultListing(std::array<ListView *, 2> lists, ImageList *icons);
 
     /**
@@ -45,14 +42,12 @@ public:
     void Refresh(const ComparisonFileCollection &sourceFiles,
                  const ComparisonFileCollection &destFiles, const ViewState &view);
 
-    /**
-     * Rewrites every column text but the first of every row of list \a side from its record
-     * in \a files (the row's key looked up there); rows without a record are left alone.
-     */
-    void UpdateListView(int side, const ComparisonFileCollection *files, bool fullPath);
+    /** Shows the "In Folder" texts of list \a side as full paths or below the root. */
+    void UpdateListView(int side, bool fullPath);
 
 private:
-    void add(int side, const ComparisonFilePtr &record, bool fullPath);
+    /** Lists \a record in list \a side; returns its row. */
+    int add(int side, const ComparisonFilePtr &record, bool fullPath);
 
     std::array<ListView *, 2> m_lists;
     ImageList *m_icons;

@@ -59,14 +59,14 @@ void ToolsCommands::mnuTools_Click() {
     const ListView *list = m_side < 0 ? nullptr : m_window->lvwFiles[size_t(m_side)];
     const bool diffProgramSet = !m.mnuToolsDiff->data().toString().isEmpty();
     const ToolsMenuState state =
-        ToolsMenuState::Compute(m_side, list ? list->SelectedCount() : 0, diffProgramSet);
+        ToolsMenuState::Compute(m_side, list ? list->selectedCount() : 0, diffProgramSet);
     const bool copyAllowed = !m_window->IsComparing();
     m.mnuToolsOpenContainingFolder->setEnabled(state.openContainingFolder);
     m.mnuToolsDiff->setEnabled(state.examineDifferences);
     m.mnuToolsCopyToSource->setEnabled(state.copyToSource && copyAllowed);
     m.mnuToolsCopyToDest->setEnabled(state.copyToDestination && copyAllowed);
-    m.mnuToolsOpenContainingFolder->setData(
-        list ? ShowInFolder::CommandForSelection(list, collection(m_side)) : QString());
+    m.mnuToolsOpenContainingFolder->setData(list ? ShowInFolder::CommandForSelection(list)
+                                                 : QString());
 }
 
 void ToolsCommands::mnuToolsOpenContainingFolder_Click() {
@@ -100,17 +100,15 @@ void ToolsCommands::ShowListingPopup(int side, const QPoint &globalPosition) {
     const MainMenuBar &m = *m_window->menus;
     // The previous popup goes first: a right-click never leaves two of them alive.
     oContextMenu.reset();
-    oContextMenu =
-        ::ShowListingPopup(m_window->lvwFiles[size_t(side)], side, collection(side),
-                           !m.mnuToolsDiff->data().toString().isEmpty(), m.mnuBadItemPopup,
-                           m.mnuTools, globalPosition, [this](const QString &, int itemData) {
-                               // Run once the popup has closed and its stack has unwound, so that
-                               // the review dialog or a message box is not opened from inside the
-                               // menu's own event loop.
-                               QTimer::singleShot(0, this, [this, itemData] {
-                                   oContextMenu_MenuItemInvoked(itemData);
-                               });
-                           });
+    oContextMenu = ::ShowListingPopup(
+        m_window->lvwFiles[size_t(side)], side, !m.mnuToolsDiff->data().toString().isEmpty(),
+        m.mnuBadItemPopup, m.mnuTools, globalPosition, [this](const QString &, int itemData) {
+            // Run once the popup has closed and its stack has unwound, so that
+            // the review dialog or a message box is not opened from inside the
+            // menu's own event loop.
+            QTimer::singleShot(0, this,
+                               [this, itemData] { oContextMenu_MenuItemInvoked(itemData); });
+        });
 }
 
 void ToolsCommands::oContextMenu_MenuItemInvoked(int itemData) {

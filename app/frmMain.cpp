@@ -18,13 +18,11 @@
 #include "tools/frmFilters.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
-#include "views/DrawEdge.h"
-#include "views/EdgeStyle.h"
+#include "views/FileListModel.h"
 #include "views/ImageList.h"
 #include "views/LinkedListings.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
-#include "views/Splitter.h"
 #include "views/frmAbout.h"
 
 #include <QApplication>
@@ -34,6 +32,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
@@ -42,6 +41,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
+#include <QSplitter>
 #include <QThreadPool>
 #include <QVBoxLayout>
 
@@ -106,8 +106,8 @@ frmMain::frmMain(QWidget *parent)
     connect(&m_session, &CompareSession::stateChanged, this, [this](CompareSession::State state) {
         // With every file listed, each list gets a row per record of its side at least.
         if (state == CompareSession::State::Comparing && Options::viewOptions().allFiles) {
-            lvwFiles[0]->ReserveItems(colSourceFiles->Count());
-            lvwFiles[1]->ReserveItems(colDestFiles->Count());
+            lvwFiles[0]->files()->reserve(colSourceFiles->Count());
+            lvwFiles[1]->files()->reserve(colDestFiles->Count());
         }
     });
 
@@ -136,11 +136,10 @@ frmMain::frmMain(QWidget *parent)
 frmMain::~frmMain() = default;
 
 void frmMain::buildCompareBar() {
-    edgeCompare = new DrawEdge(this);
+    edgeCompare = new QFrame(this);
     edgeCompare->setObjectName(QStringLiteral("edgeCompare"));
-    // One soft etched line: the bar reads as a group without a heavy bevel.
-    edgeCompare->setEdge(EdgeStyle::Etched);
-    edgeCompare->setFlags(EdgeStyle::Soft);
+    // One etched line: the bar reads as a group without a heavy bevel.
+    edgeCompare->setFrameStyle(QFrame::Box | QFrame::Sunken);
     auto *grid = new QGridLayout(edgeCompare);
     grid->setContentsMargins(8, 8, 8, 8);
     grid->setHorizontalSpacing(8);
@@ -187,8 +186,10 @@ void frmMain::buildCompareBar() {
 }
 
 void frmMain::buildPanes() {
-    picMain = new QWidget(this);
+    picMain = new QSplitter(this);
     picMain->setObjectName(QStringLiteral("picMain"));
+    picMain->setHandleWidth(6);
+    picMain->setChildrenCollapsible(false);
     ImageList1 = new ImageList(this);
     for (int i = 0; i < 2; ++i) {
         picSide[i] = new QWidget(picMain);
@@ -209,9 +210,12 @@ void frmMain::buildPanes() {
         lblPath[i]->setBuddy(lvwFiles[i]);
         lvwFiles[i]->setAcceptDrops(false);
         lvwFiles[i]->viewport()->setAcceptDrops(false);
-        lvwFiles[i]->setSmallIcons(ImageList1);
+        lvwFiles[i]->files()->setIcons(ImageList1);
         pane->addWidget(lblPath[i]);
         pane->addWidget(lvwFiles[i], 1);
+        picSide[i]->setMinimumSize(60, 60);
+        // Equal stretch: the panes share a resize as the user last divided the room.
+        picMain->setStretchFactor(i, 1);
     }
     m_listing = std::make_unique<ResultListing>(lvwFiles, ImageList1);
     m_linked = new LinkedListings(
@@ -220,18 +224,7 @@ void frmMain::buildPanes() {
             return side ? colDestFiles.get() : colSourceFiles.get();
         },
         this);
-    connect(m_linked, &LinkedListings::UpdateListView, this, &frmMain::UpdateListView);
     m_columnPopup = new ColumnPopup(m_linked, this);
-    connect(m_columnPopup, &ColumnPopup::UpdateListView, this, &frmMain::UpdateListView);
-    oSplitter = new Splitter(this);
-    oSplitter->setContainer(picMain);
-    oSplitter->setSplitterSize(6);
-    oSplitter->setMinimumSize(0, 60);
-    oSplitter->setMinimumSize(1, 60);
-    // The panes share the room as the user last divided it, whatever the window's size.
-    oSplitter->setKeepProportion(true);
-    oSplitter->setProportion(50);
-    oSplitter->Bind(picSide[0], picSide[1]);
 }
 
 void frmMain::connectMenus() {
@@ -349,8 +342,10 @@ void frmMain::UpdateStatus(const QString &statusText, bool isProgressMessage,
 void frmMain::ApplyOrientation(int orientation) {
     const int index = orientation == Options::HorizontalOrientation ? 0 : 1;
     menus->mnuViewOrientation[index]->setChecked(true);
-    oSplitter->setOrientation(index == 0 ? Splitter::Horizontal : Splitter::Vertical);
-    oSplitter->Resize();
+    // The sizes are handed back so that the first pane keeps its share in the new direction.
+    const QList<int> sizes = picMain->sizes();
+    picMain->setOrientation(index == 0 ? Qt::Vertical : Qt::Horizontal);
+    picMain->setSizes(sizes);
 }
 
 void frmMain::ApplyAlwaysOnTop(bool on) {
@@ -370,7 +365,7 @@ void frmMain::ApplyViewOptions() {
          {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
         item->setEnabled(true);
     for (ListView *list : lvwFiles)
-        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+        list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
 }
 
 void frmMain::ToggleViewOption(QAction *item) {
@@ -397,7 +392,7 @@ void frmMain::ToggleViewOption(QAction *item) {
     }
     // Bold marks differing rows among identical ones, so it needs Show All Files.
     for (ListView *list : lvwFiles)
-        list->setBoldDifferent(view.allFiles && view.boldDifferences);
+        list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
 }
 
 ListView *frmMain::ActiveList() const {
@@ -453,10 +448,9 @@ void frmMain::ResetOptions() {
 void frmMain::ClearDisplay() {
     // The collections stay: a View toggle afterwards lists the last result again.
     for (int i = 0; i < 2; ++i) {
-        lvwFiles[i]->ClearItems();
+        lvwFiles[i]->files()->clear();
         lblPath[i]->setText(QString());
     }
-    oSplitter->Resize();
 }
 
 bool frmMain::IsComparing() const {
@@ -547,7 +541,6 @@ void frmMain::cmdCompare_Click() {
         lblPath[1]->setText(QStringLiteral("Files from ") + colDestFiles->RootFolder());
     }
     SetCompareMode(false);
-    oSplitter->Resize();
     if (!cancelled && menus->mnuViewLink->isChecked())
         ResortLinkedLists();
     unsetCursor();
@@ -568,7 +561,7 @@ void frmMain::StartAttempt() {
     connect(oPairscope.get(), &Pairscope::FilesCompared, this, &frmMain::oPairscope_FilesCompared);
 
     for (int i = 0; i < 2; ++i) {
-        lvwFiles[i]->ClearItems();
+        lvwFiles[i]->files()->clear();
         lblPath[i]->setText(QString());
     }
     repaint();
@@ -625,8 +618,8 @@ void frmMain::ResortLinkedLists() {
     // Both lists are re-sorted on the header whose index equals the list's sort key as it
     // stands, and both with the source collection: the order the program has always shown.
     for (ListView *list : lvwFiles) {
-        SortListView(list, colSourceFiles.get(), list->Column(list->SortKey()),
-                     list->SortOrder() == Qt::AscendingOrder);
+        SortListView(list, colSourceFiles.get(), list->shownType(list->sortKey()),
+                     list->sortOrder() == Qt::AscendingOrder);
     }
 }
 
@@ -682,8 +675,7 @@ void frmMain::RefreshFileListings() {
 }
 
 void frmMain::UpdateListView(int side) {
-    const ComparisonFileCollection *files = side ? colDestFiles.get() : colSourceFiles.get();
-    m_listing->UpdateListView(side, files, menus->mnuViewFullPath->isChecked());
+    m_listing->UpdateListView(side, menus->mnuViewFullPath->isChecked());
 }
 
 void frmMain::closeEvent(QCloseEvent *event) {

@@ -20,17 +20,17 @@
 class ComparisonFileCollection;
 class ColumnPopup;
 class ComparisonsCombo;
-class DrawEdge;
 class FolderCombo;
 class ImageList;
 class LinkedListings;
 class ListView;
 class Pairscope;
 class QComboBox;
+class QFrame;
 class QLabel;
 class QPushButton;
 class QShortcut;
-class Splitter;
+class QSplitter;
 class StatusLine;
 class ToolsCommands;
 class frmProblems;
@@ -130,7 +130,7 @@ public:
     ///@{
     /** Re-decides both lists from the collections after a View option changed. */
     void RefreshFileListings();
-    /** Rewrites the column texts of every row of list \a side. */
+    /** Shows the "In Folder" texts of list \a side as View > Show Full Path says. */
     void UpdateListView(int side);
     /** The status text of a finished compare, naming the items that could not be compared. */
     QString CompleteText() const;
@@ -145,16 +145,15 @@ public:
     QLabel *lblComparisons = nullptr;
     QComboBox *cboComparisons = nullptr;
     QPushButton *cmdCompare = nullptr;
-    DrawEdge *edgeCompare = nullptr;
-    QWidget *picMain = nullptr;
+    QFrame *edgeCompare = nullptr;
+    /** The two panes; vertical orientation in the View menu lays them side by side. */
+    QSplitter *picMain = nullptr;
     std::array<QWidget *, 2> picSide{};
     std::array<QLabel *, 2> lblPath{};
     std::array<ListView *, 2> lvwFiles{};
     /** The file icons shown by both lists. */
     ImageList *ImageList1 = nullptr;
     StatusLine *StatusBar1 = nullptr;
-    /** Divides picMain between the two panes. */
-    Splitter *oSplitter = nullptr;
     std::unique_ptr<MainMenuBar> menus;
 
     /** The source side of the last run; replaced at the start of every run attempt. */

@@ -3,7 +3,6 @@
 #include "engine/ComparisonFileCollection.h"
 #include "settings/Options.h"
 #include "tools/DiffProgramFinder.h"
-#include "tools/RowRecord.h"
 #include "tools/frmSelectDiff.h"
 #include "views/ListView.h"
 
@@ -122,11 +121,7 @@ void ExamineDifferences(QWidget *owner, const QString &program, const ListView *
                         const ComparisonFileCollection &destination) {
     if (program.isEmpty() || !listing || (side != 0 && side != 1))
         return;
-    const ListItem selected = listing->SelectedItem();
-    if (!selected)
-        return;
-    const ComparisonFileCollection &own = side == 0 ? source : destination;
-    const ComparisonFilePtr file = RowRecord(selected, own);
+    const ComparisonFilePtr file = listing->selectedRecord();
     if (!file)
         return;
     QString error;

@@ -1,8 +1,6 @@
 #include "tools/ListingPopup.h"
 
-#include "engine/ComparisonFileCollection.h"
 #include "engine/PathHelpers.h"
-#include "tools/RowRecord.h"
 #include "tools/ShellContextMenu.h"
 #include "views/ListView.h"
 
@@ -10,19 +8,13 @@
 
 #include <sys/stat.h>
 
-ListingSelection ListingSelection::Of(const ListView *listing,
-                                      const ComparisonFileCollection &collection) {
+ListingSelection ListingSelection::Of(const ListView *listing) {
     ListingSelection result;
     if (!listing)
         return result;
-    const std::vector<bool> selected = listing->SelectedRows();
     bool any = false;
     QString folderKey;
-    for (size_t i = 0; i < selected.size(); ++i) {
-        if (!selected[i])
-            continue;
-        const ListItem row = listing->Item(int(i) + 1);
-        const ComparisonFilePtr file = RowRecord(row, collection);
+    for (const ComparisonFilePtr &file : listing->selectedRecords()) {
         struct stat st {};
         const QByteArray path = file ? file->NativePath() : QByteArray();
         const QString parentKey =
@@ -60,14 +52,13 @@ void AddListingItems(ShellContextMenu &menu, int side, bool diffProgramSet) {
 }
 
 std::unique_ptr<ShellContextMenu>
-ShowListingPopup(ListView *listing, int side, const ComparisonFileCollection &collection,
-                 bool diffProgramSet, QMenu *mnuBadItemPopup, QMenu *mnuTools,
-                 const QPoint &globalPosition,
+ShowListingPopup(ListView *listing, int side, bool diffProgramSet, QMenu *mnuBadItemPopup,
+                 QMenu *mnuTools, const QPoint &globalPosition,
                  const std::function<void(const QString &caption, int itemData)> &onItem) {
     if (!listing)
         return nullptr;
     listing->setFocus(Qt::PopupFocusReason);
-    const ListingSelection selection = ListingSelection::Of(listing, collection);
+    const ListingSelection selection = ListingSelection::Of(listing);
     if (selection.kind != ListingSelection::ShellMenu) {
         QMenu *popup =
             selection.kind == ListingSelection::NoValidFiles ? mnuBadItemPopup : mnuTools;

@@ -7,7 +7,6 @@
 #include <functional>
 #include <memory>
 
-class ComparisonFileCollection;
 class ListView;
 class QMenu;
 class QPoint;
@@ -33,12 +32,12 @@ struct ListingSelection {
     QList<QByteArray> files;
 
     /**
-     * Judges the selection of \a listing, whose rows are records of \a collection. The desktop
+     * Judges the selection of \a listing. The desktop
      * builds one menu for items of one folder only, so every selected row must name an existing
      * file or folder and all of them must lie in the same folder (compared without regard to
      * case); otherwise the Tools menu is shown instead.
      */
-    static ListingSelection Of(const ListView *listing, const ComparisonFileCollection &collection);
+    static ListingSelection Of(const ListView *listing);
 };
 
 /**
@@ -57,7 +56,6 @@ void AddListingItems(ShellContextMenu &menu, int side, bool diffProgramSet);
  * Returns that menu (the caller keeps it until the next right-click), or null.
  */
 std::unique_ptr<ShellContextMenu>
-ShowListingPopup(ListView *listing, int side, const ComparisonFileCollection &collection,
-                 bool diffProgramSet, QMenu *mnuBadItemPopup, QMenu *mnuTools,
-                 const QPoint &globalPosition,
+ShowListingPopup(ListView *listing, int side, bool diffProgramSet, QMenu *mnuBadItemPopup,
+                 QMenu *mnuTools, const QPoint &globalPosition,
                  const std::function<void(const QString &caption, int itemData)> &onItem);

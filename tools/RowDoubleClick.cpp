@@ -3,7 +3,6 @@
 #include "engine/ComparisonFileCollection.h"
 #include "tools/DesktopActions.h"
 #include "tools/DiffProgram.h"
-#include "tools/RowRecord.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -14,9 +13,8 @@ void RowDoubleClick(QWidget *owner, QAction *mnuToolsDiff, const ListView *listi
                     const ComparisonFileCollection &destination) {
     if (!mnuToolsDiff || !listing || (side != 0 && side != 1))
         return;
-    const ListItem selected = listing->SelectedItem();
     const ComparisonFileCollection &own = side == 0 ? source : destination;
-    const ComparisonFilePtr file = selected ? RowRecord(selected, own) : nullptr;
+    const ComparisonFilePtr file = listing->selectedRecord();
     if (!file)
         return;
     const ComparisonFileCollection &other = side == 0 ? destination : source;

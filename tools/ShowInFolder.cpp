@@ -1,7 +1,6 @@
 #include "tools/ShowInFolder.h"
 
 #include "tools/FileManagerBus.h"
-#include "tools/RowRecord.h"
 #include "views/ListView.h"
 
 #include <QDesktopServices>
@@ -42,10 +41,10 @@ QString Command(const QByteArray &nativePath) {
     return FileUri(nativePath);
 }
 
-QString CommandForSelection(const ListView *listing, const ComparisonFileCollection &collection) {
+QString CommandForSelection(const ListView *listing) {
     if (!listing)
         return QString();
-    const ComparisonFilePtr file = RowRecord(listing->SelectedItem(), collection);
+    const ComparisonFilePtr file = listing->selectedRecord();
     return file ? Command(file->NativePath()) : QString();
 }
 

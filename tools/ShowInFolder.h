@@ -6,7 +6,6 @@
 
 #include <functional>
 
-class ComparisonFileCollection;
 class ListView;
 
 /**
@@ -29,10 +28,10 @@ QString FileUri(const QByteArray &nativePath);
 QString Command(const QByteArray &nativePath);
 
 /**
- * Command() for the selected row of \a listing, whose rows are records of \a collection: ""
+ * Command() for the selected row of \a listing: ""
  * without a selected row or when its file is missing on that side.
  */
-QString CommandForSelection(const ListView *listing, const ComparisonFileCollection &collection);
+QString CommandForSelection(const ListView *listing);
 
 /**
  * Carries out \a command (as Command() made it): asks the file manager to show the item and,

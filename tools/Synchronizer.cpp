@@ -4,11 +4,11 @@
 #include "engine/PathHelpers.h"
 #include "tools/CopyJob.h"
 #include "tools/CopyProgressDialog.h"
-#include "tools/RowRecord.h"
 #include "tools/SafeFileCopy.h"
 #include "tools/frmSynchronizer.h"
 #include "views/AddToListview.h"
 #include "views/FileIconCache.h"
+#include "views/ImageList.h"
 #include "views/ListView.h"
 
 #include <QCheckBox>
@@ -16,6 +16,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QTreeWidget>
 
 namespace {
 
@@ -49,30 +50,6 @@ QString SyncCountText(int count) {
            (count == 1 ? QStringLiteral(" file to copy.") : QStringLiteral(" files to copy."));
 }
 
-ListItem AddToSynchronizer(const ComparisonFilePtr &file, ListView *lvwSync, ImageList *Images) {
-    if (!file || !lvwSync)
-        return {};
-    if (!file->DetailsLoaded())
-        file->UpdateDetails();
-    if (!file->HasFileObject() || !IsValidFileObject(file->FileObject()))
-        return {};
-    ListItem row = lvwSync->AddItem(file->Key(), file->Name());
-    if (!row)
-        return {};
-    row.setSubItems(1, RemoveBackslash(file->ParentFolder()));
-    row.setRecord(file);
-    if (Images) {
-        // The listings' icon rule: one image per type, one per "exe" or "ico" file.
-        const QString key = RecordIconKey(*file);
-        FileIconCache::AddFileIcon(Images, file->NativePath(), key);
-        if (!lvwSync->SmallIcons())
-            lvwSync->setSmallIcons(Images);
-        const int index = FileIconCache::ImageIndexOfKey(Images, key);
-        row.setSmallIcon(index > 0 ? index : 1);
-    }
-    return row;
-}
-
 void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromListing,
                       const ComparisonFileCollection &from, const ComparisonFileCollection &to) {
     if (!fromListing)
@@ -84,38 +61,40 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
     form->cmdOK->setText(QStringLiteral("&Copy"));
     form->Clear();
 
-    const std::vector<bool> selected = fromListing->SelectedRows();
-    for (size_t i = 0; i < selected.size(); ++i) {
-        if (!selected[i])
-            continue;
-        const ListItem item = fromListing->Item(int(i) + 1);
-        const ComparisonFilePtr file = RowRecord(item, from);
-        if (!file || !file->HasFileObject() || !IsValidFileObject(file->FileObject()))
+    for (const ComparisonFilePtr &file : fromListing->selectedRecords()) {
+        if (!file->DetailsLoaded())
+            file->UpdateDetails();
+        if (!file->HasFileObject() || !IsValidFileObject(file->FileObject()))
             continue; // the file does not exist on the from side
         const QByteArray target = SyncTarget(*file, from, to);
         if (target.isEmpty())
-            continue;
-        ListItem row = AddToSynchronizer(file, form->lvwFiles, form->ImageList1);
-        if (!row)
             continue;
         CopyItem copyItem{file->NativePath(), target, from.RootFolderNative(),
                           to.RootFolderNative()};
         // The same checks the copy makes, without changing anything: the review tells what
         // will happen, a refusal included (the copy then reports it again).
         SafeFileCopy look(copyItem);
+        QString action;
         if (look.look()) {
             copyItem.target = look.lookedTarget();
-            row.setSubItems(2, look.targetExists() ? QStringLiteral("Copy (overwrite)")
-                                                   : QStringLiteral("Copy (new)"));
+            action = look.targetExists() ? QStringLiteral("Copy (overwrite)")
+                                         : QStringLiteral("Copy (new)");
         } else {
-            row.setSubItems(2, QStringLiteral("Not copied: ") + look.errorString());
+            action = QStringLiteral("Not copied: ") + look.errorString();
         }
-        row.setSubItems(3, DisplayFromNative(copyItem.target));
-        row.setTag(SyncOperationCode);
-        form->SetCopyItem(row, copyItem);
+        QTreeWidgetItem *row = form->AddRow(file->Name(), RemoveBackslash(file->ParentFolder()),
+                                            copyItem, SyncOperationCode);
+        row->setText(frmSynchronizer::ActionColumn, action);
+        row->setText(frmSynchronizer::DestinationColumn, DisplayFromNative(copyItem.target));
+        // The listings' icon rule: one image per type, one per "exe" or "ico" file.
+        const QString key = RecordIconKey(*file);
+        FileIconCache::AddFileIcon(form->ImageList1, file->NativePath(), key);
+        row->setIcon(frmSynchronizer::NameColumn,
+                     form->ImageList1->Icon(
+                         std::max(1, FileIconCache::ImageIndexOfKey(form->ImageList1, key))));
     }
 
-    const int count = form->lvwFiles->ItemCount();
+    const int count = form->lvwFiles->topLevelItemCount();
     if (count == 0) {
         QMessageBox::information(owner, QStringLiteral("Pairscope"),
                                  QStringLiteral("No files to copy."));

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "engine/ComparisonFile.h"
-#include "views/ListView.h" // (ListItem needs ListView complete)
 
 #include <QByteArray>
 #include <QString>
 
 class ComparisonFileCollection;
-class ImageList;
 class ListView;
 class QWidget;
 
@@ -44,10 +42,3 @@ QByteArray SyncTarget(const ComparisonFile &file, const ComparisonFileCollection
 /** The review dialog's status text: two blanks, the count with grouping, " files to copy." ("1
  * file"). */
 QString SyncCountText(int count);
-
-/**
- * Adds \a file as a row of the review list \a lvwSync: key, name, the desktop's icon for its
- * type from \a Images (when given), and its folder in "In Folder". Adds nothing and returns
- * nothing for a placeholder, a file that no longer exists, or a key already listed.
- */
-ListItem AddToSynchronizer(const ComparisonFilePtr &file, ListView *lvwSync, ImageList *Images);

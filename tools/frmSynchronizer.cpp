@@ -1,20 +1,39 @@
 #include "tools/frmSynchronizer.h"
 
-#include "views/ColumnHeader.h"
 #include "views/ImageList.h"
-#include "views/ListView.h"
+#include "views/TextCollation.h"
 
 #include <QCheckBox>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTreeWidget>
 #include <QVBoxLayout>
+
+namespace {
+
+constexpr int TagRole = Qt::UserRole;
+constexpr int ItemRole = Qt::UserRole + 1;
+
+/** A review row, ordered as the listings order displayed texts. */
+class ReviewRow : public QTreeWidgetItem {
+public:
+    using QTreeWidgetItem::QTreeWidgetItem;
+    bool operator<(const QTreeWidgetItem &other) const override {
+        static const TextCollation collation;
+        const int column = treeWidget()->sortColumn();
+        return collation.compare(text(column), other.text(column)) < 0;
+    }
+};
+
+} // namespace
 
 frmSynchronizer::frmSynchronizer(QWidget *parent)
     : ModalDialog(parent)
-    , lvwFiles(new ListView(this))
+    , lvwFiles(new QTreeWidget(this))
     , chkPrompt(new QCheckBox(QStringLiteral("&Prompt before overwriting"), this))
     , cmdOK(new QPushButton(QStringLiteral("&Copy"), this))
     , cmdCancel(new QPushButton(QStringLiteral("Cancel"), this))
@@ -28,13 +47,19 @@ frmSynchronizer::frmSynchronizer(QWidget *parent)
 
     lvwFiles->setObjectName(QStringLiteral("lvwFiles"));
     lvwFiles->setFrameShadow(QFrame::Sunken);
-    lvwFiles->AddColumn(QStringLiteral("Name"), QStringLiteral("Name"), 150);
-    lvwFiles->AddColumn(QStringLiteral("Folder"), QStringLiteral("In Folder"), 200);
-    lvwFiles->AddColumn(QStringLiteral("Action"), QStringLiteral("Action"), 110);
-    lvwFiles->AddColumn(QStringLiteral("Destination"), QStringLiteral("Destination"), 280);
-    lvwFiles->setSmallIcons(ImageList1);
-    connect(lvwFiles, &ListView::ColumnClick, this,
-            [this](ColumnHeader *column) { SortByColumn(column); });
+    lvwFiles->setRootIsDecorated(false);
+    lvwFiles->setUniformRowHeights(true);
+    lvwFiles->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    lvwFiles->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("In Folder"),
+                               QStringLiteral("Action"), QStringLiteral("Destination")});
+    const int widths[] = {150, 200, 110, 280};
+    for (int column = 0; column < 4; ++column)
+        lvwFiles->setColumnWidth(column, widths[column]);
+    // Once sorted, the view keeps the rows sorted and turns the header's own clicks around.
+    connect(lvwFiles->header(), &QHeaderView::sectionClicked, this, [this](int column) {
+        if (!lvwFiles->isSortingEnabled())
+            SortByColumn(column);
+    });
 
     StatusBar1->addWidget(m_status, 1);
     StatusBar1->setSizeGripEnabled(true);
@@ -66,13 +91,19 @@ frmSynchronizer::frmSynchronizer(QWidget *parent)
 }
 
 void frmSynchronizer::Clear() {
-    lvwFiles->ClearItems();
+    lvwFiles->clear();
     m_items.clear();
     SetStatusText(QStringLiteral("Ready"));
 }
 
-void frmSynchronizer::SetCopyItem(const ListItem &row, const CopyItem &item) {
-    m_items.insert(row.Key(), item);
+QTreeWidgetItem *frmSynchronizer::AddRow(const QString &name, const QString &folder,
+                                         const CopyItem &item, int tag) {
+    auto *row = new ReviewRow(QStringList{name, folder});
+    row->setData(NameColumn, TagRole, tag);
+    row->setData(NameColumn, ItemRole, int(m_items.size()));
+    m_items.push_back(item);
+    lvwFiles->addTopLevelItem(row);
+    return row;
 }
 
 QString frmSynchronizer::StatusText() const {
@@ -85,31 +116,20 @@ void frmSynchronizer::SetStatusText(const QString &text) {
 
 std::vector<CopyItem> frmSynchronizer::CopyList(int operationCode) const {
     std::vector<CopyItem> items;
-    for (int i = 1; i <= lvwFiles->ItemCount(); ++i) {
-        const ListItem row = lvwFiles->Item(i);
-        if (row.Tag().toInt() != operationCode)
-            continue;
-        // The row's key is lower-cased for identity: the item holds the real paths.
-        const auto item = m_items.constFind(row.Key());
-        if (item != m_items.constEnd())
-            items.push_back(*item);
+    for (int i = 0; i < lvwFiles->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem *row = lvwFiles->topLevelItem(i);
+        if (row->data(NameColumn, TagRole).toInt() == operationCode)
+            items.push_back(m_items[size_t(row->data(NameColumn, ItemRole).toInt())]);
     }
     return items;
 }
 
-void frmSynchronizer::SortByColumn(const ColumnHeader *column) {
-    if (!column)
-        return;
-    const int key = column->SubItemIndex();
-    Qt::SortOrder order = Qt::AscendingOrder;
-    if (lvwFiles->Sorted() && lvwFiles->SortKey() == key)
-        order =
-            lvwFiles->SortOrder() == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    // Sorting stays off while key and order change, so the rows are sorted once.
-    lvwFiles->setSorted(false);
-    lvwFiles->setSortKey(key);
-    lvwFiles->setSortOrder(order);
-    lvwFiles->setSorted(true);
+void frmSynchronizer::SortByColumn(int column) {
+    QHeaderView *header = lvwFiles->header();
+    const bool again = lvwFiles->isSortingEnabled() && header->sortIndicatorSection() == column &&
+                       header->sortIndicatorOrder() == Qt::AscendingOrder;
+    lvwFiles->sortByColumn(column, again ? Qt::DescendingOrder : Qt::AscendingOrder);
+    lvwFiles->setSortingEnabled(true);
 }
 
 bool frmSynchronizer::event(QEvent *event) {

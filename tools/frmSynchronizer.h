@@ -2,19 +2,16 @@
 
 #include "tools/CopyJob.h"
 #include "tools/ModalDialog.h"
-#include "views/ListView.h" // (ListItem needs ListView complete)
-
-#include <QHash>
 
 #include <vector>
 
-class ColumnHeader;
 class ImageList;
-class ListView;
 class QCheckBox;
 class QLabel;
 class QPushButton;
 class QStatusBar;
+class QTreeWidget;
+class QTreeWidgetItem;
 
 /**
  * The copy review: one row per file with its name, folder, action ("Copy (new)" or
@@ -26,37 +23,42 @@ class frmSynchronizer : public ModalDialog {
     Q_OBJECT
 
 public:
+    /** The columns of the review list. */
+    enum Column { NameColumn, FolderColumn, ActionColumn, DestinationColumn };
+
     explicit frmSynchronizer(QWidget *parent = nullptr);
 
-    ListView *lvwFiles;
+    QTreeWidget *lvwFiles;
     QCheckBox *chkPrompt;
     QPushButton *cmdOK;
     QPushButton *cmdCancel;
     QStatusBar *StatusBar1;
     ImageList *ImageList1;
 
-    /** Empties the list for the next use; the check box keeps its state. */
+    /** Empties the list for the next use; the check box and the sort order stay. */
     void Clear();
-    /** Records what \a row copies: real paths and roots ("Destination" shows its display form). */
-    void SetCopyItem(const ListItem &row, const CopyItem &item);
+    /** Appends a row for the copy \a item, with the operation code \a tag; returns it. */
+    QTreeWidgetItem *AddRow(const QString &name, const QString &folder, const CopyItem &item,
+                            int tag);
     /** The text in the status bar. */
     QString StatusText() const;
     void SetStatusText(const QString &text);
 
     /**
-     * The copy list: for every row whose Tag is \a operationCode, in the order the rows are
+     * The copy list: for every row whose tag is \a operationCode, in the order the rows are
      * shown now, the file's real path and its target.
      */
     std::vector<CopyItem> CopyList(int operationCode) const;
 
     /** Sorts by \a column, or reverses the order when it is already the sort column. */
-    void SortByColumn(const ColumnHeader *column);
+    void SortByColumn(int column);
 
 protected:
     bool event(QEvent *event) override;
 
 private:
     QLabel *m_status;
-    QHash<QString, CopyItem> m_items;
+    /** What each row copies (real paths and roots), by the index a row holds. */
+    std::vector<CopyItem> m_items;
     bool m_activated = false;
 };

@@ -1,9 +1,8 @@
 #include "views/AddToListview.h"
 
 #include "views/FileIconCache.h"
+#include "views/FileListModel.h"
 #include "views/ImageList.h"
-#include "views/ListHelpers.h"
-#include "views/ListModel.h"
 #include "views/ListView.h"
 
 QString RecordIconKey(const ComparisonFile &record) {
@@ -18,21 +17,10 @@ QString RecordIconKey(const ComparisonFile &record) {
     return record.TypeString().toLower();
 }
 
-ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageList *images,
-                       bool showFullPath) {
+int AddToListview(const ComparisonFilePtr &record, ListView *list, ImageList *images) {
     if (!record->DetailsLoaded())
         record->UpdateDetails();
-    // The row keeps no texts of its own: they are read from the record when painted, which
-    // keeps a listing of a large compare small and quick to build. A sorted list places a new
-    // row by its text, so it is given one there.
-    ListItem item =
-        GetOrAddListItem(list, record->Key(), list->Sorted() ? record->Name() : QString());
-    if (!item)
-        return item;
-    item.setTag(record->DifferenceCode());
-    list->listModel()->setFullPathTexts(showFullPath);
-    item.setRecord(record, true);
-
+    int icon = 0;
     if (images) {
         const QString key = RecordIconKey(*record);
         int index = FileIconCache::ImageIndexOfKey(images, key);
@@ -41,9 +29,9 @@ ListItem AddToListview(const ComparisonFilePtr &record, ListView *list, ImageLis
             FileIconCache::AddFileIcon(images, record->NativePath(), key);
             index = FileIconCache::ImageIndexOfKey(images, key);
         }
-        if (!list->SmallIcons())
-            list->setSmallIcons(images);
-        item.setSmallIcon(index > 0 ? index : 1);
+        if (!list->files()->icons())
+            list->files()->setIcons(images);
+        icon = index > 0 ? index : 1;
     }
-    return item;
+    return list->files()->addRecord(record, icon);
 }

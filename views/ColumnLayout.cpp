@@ -1,10 +1,15 @@
 #include "views/ColumnLayout.h"
 
 #include "settings/ColumnLayoutSettings.h"
+#include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
 
+#include <QHeaderView>
+
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace ColumnLayout {
 
@@ -14,79 +19,90 @@ void LoadLayout(ListView *list, bool isDestination, bool useDefaults) {
     if (!useDefaults)
         stored = ColumnLayoutSettings::load(isDestination);
 
-    list->ClearColumns();
-    for (int type = 1; type <= ColumnTypeCount; ++type) {
-        const StoredColumn &column = stored[size_t(type - 1)];
-        if (column.positionUnreadable)
-            continue;
-        const float width = column.width.value_or(float(DefaultColumnWidth(type)));
-        const int position = column.position.value_or(DefaultColumnPosition(type));
-        if (position >= 0)
-            list->AddColumn(ColumnKey(type), ColumnCaption(type), width, ColumnAlignment(type));
-    }
-
-    // Positions of the created columns, in type order, which is their creation order.
+    QHeaderView *header = list->header();
+    // The shown columns in type order, each with the position it asks for.
+    std::vector<int> shown;
     std::vector<int> positions;
     for (int type = 1; type <= ColumnTypeCount; ++type) {
         const StoredColumn &column = stored[size_t(type - 1)];
-        int position = column.position.value_or(DefaultColumnPosition(type));
-        if (position < 0)
-            position = DefaultColumnPosition(type);
-        if (list->ColumnByKey(ColumnKey(type)))
+        const int logical = FileListModel::columnOf(type);
+        const int position = column.position.value_or(DefaultColumnPosition(type));
+        const bool show = !column.positionUnreadable && position >= 0;
+        header->resizeSection(logical, column.width ? int(std::lrint(*column.width))
+                                                    : DefaultWidth(list, type));
+        header->setSectionHidden(logical, !show);
+        if (show) {
+            shown.push_back(logical);
             positions.push_back(position);
+        }
     }
-    if (positions.empty())
-        return;
-    // Slot p of the order array names the column shown at position p. A position outside
-    // the shown columns leaves its slot at 0; SetColumnOrder skips the repeated entry.
-    std::vector<int> order(positions.size(), 0);
-    for (size_t created = 0; created < positions.size(); ++created) {
-        const int position = positions[created];
-        if (position >= 0 && size_t(position) < positions.size())
-            order[size_t(position)] = int(created);
+    // Slot p names the column shown at position p; a position outside the shown columns
+    // leaves its slot empty, and the columns no slot names follow at the right end.
+    std::vector<int> order(shown.size(), -1);
+    for (size_t i = 0; i < shown.size(); ++i) {
+        if (positions[i] < int(shown.size()) && order[size_t(positions[i])] < 0)
+            order[size_t(positions[i])] = shown[i];
     }
-    list->SetColumnOrder(order);
+    std::vector<int> sequence;
+    for (int logical : order) {
+        if (logical >= 0)
+            sequence.push_back(logical);
+    }
+    for (int logical : shown) {
+        if (std::find(sequence.begin(), sequence.end(), logical) == sequence.end())
+            sequence.push_back(logical);
+    }
+    for (size_t position = 0; position < sequence.size(); ++position)
+        header->moveSection(header->visualIndex(sequence[position]), int(position));
 }
 
-bool SaveLayout(ListView *list, bool isDestination) {
+bool SaveLayout(const ListView *list, bool isDestination) {
     std::vector<ColumnLayoutSettings::SavedColumn> columns;
     for (int type = 1; type <= ColumnTypeCount; ++type) {
         ColumnLayoutSettings::SavedColumn saved;
         saved.type = type;
-        if (const ColumnHeader *column = list->ColumnByKey(ColumnKey(type))) {
-            saved.width = column->Width();
-            saved.position = GetColumnPosition(list, column);
-        }
+        saved.position = GetColumnPosition(list, type);
+        if (saved.position >= 0)
+            saved.width = float(list->header()->sectionSize(FileListModel::columnOf(type)));
         columns.push_back(saved);
     }
     return ColumnLayoutSettings::save(isDestination, columns);
 }
 
-int GetColumnPosition(const ListView *list, const ColumnHeader *column) {
-    if (!column || list->Column(column->Index()) != column)
+int DefaultWidth(const ListView *list, int type) {
+    return int(
+        std::lround(DefaultColumnWidth(type) * list->fontMetrics().averageCharWidth() / 5.0));
+}
+
+int GetColumnPosition(const ListView *list, int type) {
+    const QHeaderView *header = list->header();
+    const int logical = FileListModel::columnOf(type);
+    if (type < 1 || type > ColumnTypeCount || header->isSectionHidden(logical))
         return -1;
-    const std::vector<int> order = list->ColumnOrder();
-    for (size_t slot = 0; slot < order.size(); ++slot) {
-        if (order[slot] == column->SubItemIndex())
-            return int(slot);
-    }
-    return -1;
+    int position = 0;
+    for (int visual = 0; visual < header->visualIndex(logical); ++visual)
+        position += header->isSectionHidden(header->logicalIndex(visual)) ? 0 : 1;
+    return position;
+}
+
+void ShowColumn(ListView *list, int type, int width) {
+    QHeaderView *header = list->header();
+    const int logical = FileListModel::columnOf(type);
+    if (!header->isSectionHidden(logical))
+        return;
+    header->moveSection(header->visualIndex(logical), header->count() - 1);
+    header->showSection(logical);
+    header->resizeSection(logical, width);
 }
 
 void MatchColumns(const ListView *model, ListView *other) {
-    for (int i = 1; i <= model->ColumnCount(); ++i) {
-        const ColumnHeader *column = model->Column(i);
-        if (other->ColumnByKey(column->Key()))
-            continue;
-        const int type = ColumnTypeFromKey(column->Key());
-        // The default position stands where the default width belongs; a type hidden by
-        // default (position -1) arrives with no width at all.
-        other->AddColumn(column->Key(), column->Text(), float(DefaultColumnPosition(type)),
-                         ColumnAlignment(type));
-    }
-    for (int i = other->ColumnCount(); i >= 1; --i) {
-        if (!model->ColumnByKey(other->Column(i)->Key()))
-            other->RemoveColumnAt(i);
+    const int narrowest = other->header()->minimumSectionSize();
+    for (int type = 1; type <= ColumnTypeCount; ++type) {
+        const int logical = FileListModel::columnOf(type);
+        if (model->isColumnHidden(logical))
+            other->setColumnHidden(logical, true);
+        else
+            ShowColumn(other, type, std::max(DefaultColumnPosition(type), narrowest));
     }
 }
 

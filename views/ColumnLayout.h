@@ -1,21 +1,19 @@
 #pragma once
 
-class ColumnHeader;
 class ListView;
 
 /**
  * The columns of a listing and their saved layout: which of the nine column types are shown,
  * their widths and their display order, stored per list ("SourceLayout" for list 0,
- * "DestLayout" for list 1).
+ * "DestLayout" for list 1). The list's header holds them; these read and write it.
  */
 namespace ColumnLayout {
 
 /**
- * Rebuilds the headers of \a list: from the defaults when \a useDefaults is set, otherwise
+ * Lays out the columns of \a list: from the defaults when \a useDefaults is set, otherwise
  * from the stored layout (each missing value taken from the defaults, a column whose stored
- * position is not a number left out). Columns are created in type order and then arranged
- * by their positions; a position outside the shown columns is skipped, and the column it
- * belonged to goes to the right end.
+ * position is not a number left out). The shown columns are placed by their positions; a
+ * position outside the shown columns is skipped, and its column goes to the right end.
  */
 void LoadLayout(ListView *list, bool isDestination, bool useDefaults);
 
@@ -24,17 +22,25 @@ void LoadLayout(ListView *list, bool isDestination, bool useDefaults);
  * position -1 (width left as it was) for each type that is not shown. Returns false when
  * the settings could not be written.
  */
-bool SaveLayout(ListView *list, bool isDestination);
+bool SaveLayout(const ListView *list, bool isDestination);
 
-/** The zero-based display position of \a column in \a list; -1 when it is not one of its. */
-int GetColumnPosition(const ListView *list, const ColumnHeader *column);
+/** The zero-based display position of column type \a type among the shown ones; -1 if hidden. */
+int GetColumnPosition(const ListView *list, int type);
 
 /**
- * Gives \a other exactly the column set of \a model. A column \a other lacks is appended
- * with the model header's key and caption and its type's alignment, and, as the program has
- * always done, with its type's default position as its width: a copied "Name" arrives
- * 1 pixel wide, "Difference" 0, until the user widens it. Columns the model lacks are
- * removed, from the last to the first.
+ * The default width of column type \a type in \a list: the designed width, chosen for a
+ * font whose characters average 5 pixels, scaled to the list's font, so that texts such as
+ * "2,000 bytes" and dates fit.
+ */
+int DefaultWidth(const ListView *list, int type);
+
+/** Shows column type \a type at the right end, \a width wide, when it is hidden. */
+void ShowColumn(ListView *list, int type, int width);
+
+/**
+ * Gives \a other exactly the column set of \a model. A column \a other lacks is shown at the
+ * right end as narrow as its type's default position says (as the program has always done:
+ * a copied "Name" arrives narrow), though never narrower than the header lets a user grab.
  */
 void MatchColumns(const ListView *model, ListView *other);
 

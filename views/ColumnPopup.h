@@ -17,8 +17,7 @@ class QWidget;
  * The menu a right-click on a listing's column header opens: one check item per column
  * type ("Name" always shown, so never switchable), then "Show All", "Hide All" and "Reset
  * Layout". A change applies to both listings while they are linked, otherwise to the list
- * whose header was clicked; UpdateListView() then asks for the rows' texts of each changed
- * list.
+ * whose header was clicked.
  */
 class ColumnPopup : public QObject {
     Q_OBJECT
@@ -34,30 +33,17 @@ public:
     QAction *showAllAction() const { return m_showAll; }
     QAction *hideAllAction() const { return m_hideAll; }
     QAction *resetLayoutAction() const { return m_resetLayout; }
-    /** The list the menu was last opened on (its tag). */
-    ListView *tag() const { return m_tag; }
 
-    /** Checks exactly the items of the columns \a list has. */
+    /** Checks exactly the items of the columns \a list shows. */
     void SyncColumnMenu(const ListView *list);
-    /**
-     * Removes the columns whose items are unchecked and appends those that are checked but
-     * missing, with the default width. An appended column is left-aligned whatever its type
-     * (a "Size" column shown again this way is right-aligned only from the next layout load).
-     */
+    /** Hides the columns whose items are unchecked and shows, at the right end, the others. */
     void ApplyColumnMenu(ListView *list);
     /** Syncs the menu with \a list, makes \a list its tag and shows it at \a position. */
     void Open(ListView *list, const QPoint &position);
 
-Q_SIGNALS:
-    /** The columns of list \a side (0 source, 1 destination) changed. */
-    void UpdateListView(int side);
-
 private:
     void changeLists(const std::function<void(int side)> &change);
-    void apply();
-    void resetLayout();
     void setOptionalChecks(bool checked);
-    int sideOfTag() const;
 
     LinkedListings *m_listings;
     QMenu *m_menu;
@@ -65,5 +51,6 @@ private:
     QAction *m_showAll;
     QAction *m_hideAll;
     QAction *m_resetLayout;
+    /** The list the menu was last opened on. */
     QPointer<ListView> m_tag;
 };

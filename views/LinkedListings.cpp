@@ -3,16 +3,35 @@
 #include "engine/ComparisonFileCollection.h"
 #include "engine/PathHelpers.h"
 #include "views/ColumnLayout.h"
-#include "views/ListModel.h"
+#include "views/FileListModel.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
 
 #include <QHash>
+#include <QScrollBar>
+
+#include <cmath>
+#include <utility>
 
 namespace {
 
 // Short enough that the follower looks as if it moved with the leader.
 constexpr int ScrollTickMs = 30;
+
+/** The top edge of the first row in \a list's viewport, in pixels (negative once scrolled). */
+int FirstRowTop(const ListView *list) {
+    return -list->verticalScrollBar()->value() * std::max(1, list->sizeHintForRow(0));
+}
+
+/** Scrolls by \a pixels in whole rows, a half row or more counting as one, as a report list does.
+ */
+void ScrollVertically(ListView *list, int pixels) {
+    if (pixels == 0)
+        return;
+    const int height = std::max(1, list->sizeHintForRow(0));
+    QScrollBar *bar = list->verticalScrollBar();
+    bar->setValue(bar->value() + int(std::lround(double(pixels) / height)));
+}
 
 } // namespace
 
@@ -26,8 +45,8 @@ LinkedListings::LinkedListings(ListView *source, ListView *destination, Collecti
 
     for (int side = 0; side < 2; ++side) {
         ListView *list = m_lists[size_t(side)];
-        connect(list, &ListView::ColumnClick, this,
-                [this, side](ColumnHeader *column) { ColumnClick(side, column); });
+        connect(list, &ListView::columnClicked, this,
+                [this, side](int type) { ColumnClick(side, type); });
         // The follower's own change notifications arrive while m_mirroring is set and are
         // not mirrored back.
         const auto mirror = [this, side] {
@@ -36,14 +55,17 @@ LinkedListings::LinkedListings(ListView *source, ListView *destination, Collecti
         };
         connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, mirror);
         connect(list->selectionModel(), &QItemSelectionModel::currentChanged, this, mirror);
+        connect(list->verticalScrollBar(), &QScrollBar::valueChanged, this, [this, side] {
+            if (!m_following)
+                m_scrolled = side;
+        });
 
         const auto forget = [this] {
             m_counterparts[0].valid = false;
             m_counterparts[1].valid = false;
         };
-        const QAbstractItemModel *model = list->listModel();
+        const QAbstractItemModel *model = list->files();
         connect(model, &QAbstractItemModel::rowsInserted, this, forget);
-        connect(model, &QAbstractItemModel::rowsRemoved, this, forget);
         connect(model, &QAbstractItemModel::layoutChanged, this, forget);
         connect(model, &QAbstractItemModel::modelReset, this, forget);
     }
@@ -69,50 +91,45 @@ void LinkedListings::SwitchLinking(bool linked) {
     if (!linked)
         return;
     ListView *source = m_lists[0];
-    ListView *destination = m_lists[1];
-    ColumnLayout::MatchColumns(source, destination);
-    Q_EMIT UpdateListView(1);
+    ColumnLayout::MatchColumns(source, m_lists[1]);
     MirrorSelection(0);
-    const bool ascending = source->SortOrder() == Qt::AscendingOrder;
-    if (!SortListView(destination, collection(1), source->Column(source->SortKey()), ascending))
-        ColumnClick(0, source->Column(1));
+    const bool ascending = source->sortOrder() == Qt::AscendingOrder;
+    if (!SortListView(m_lists[1], collection(1), source->shownType(source->sortKey()), ascending))
+        ColumnClick(0, source->shownType(1));
 }
 
-void LinkedListings::ColumnClick(int side, const ColumnHeader *column) {
-    if (!column)
-        return;
-    ListView *list = m_lists[size_t(side)];
-    const bool ascending =
-        column->SubItemIndex() != list->SortKey() || list->SortOrder() == Qt::DescendingOrder;
-    SortListView(list, collection(0), column, ascending);
+void LinkedListings::ColumnClick(int side, int type) {
+    const ListView *list = m_lists[size_t(side)];
+    const bool ascending = type != list->sortType() || list->sortOrder() == Qt::DescendingOrder;
+    SortListView(m_lists[size_t(side)], collection(0), type, ascending);
     if (m_linked)
-        SortListView(m_lists[size_t(1 - side)], collection(1), column, ascending);
+        SortListView(m_lists[size_t(1 - side)], collection(1), type, ascending);
 }
 
 const std::vector<int> &LinkedListings::counterparts(int fromSide) {
-    const ListModel *from = m_lists[size_t(fromSide)]->listModel();
-    const ListModel *to = m_lists[size_t(1 - fromSide)]->listModel();
+    const FileListModel *from = m_lists[size_t(fromSide)]->files();
+    const FileListModel *to = m_lists[size_t(1 - fromSide)]->files();
     CounterpartCache &cache = m_counterparts[size_t(fromSide)];
     const QString fromRoot = rootFolder(fromSide);
     const QString toRoot = rootFolder(1 - fromSide);
     // Keys never change once a row exists, so the translation holds until rows come, go
     // or move in either list, or a new compare brings new roots.
-    if (cache.valid && cache.rows.size() == size_t(from->rowTotal()) &&
-        cache.fromRoot == fromRoot && cache.toRoot == toRoot)
+    if (cache.valid && cache.rows.size() == size_t(from->count()) && cache.fromRoot == fromRoot &&
+        cache.toRoot == toRoot)
         return cache.rows;
-    cache.rows.assign(size_t(from->rowTotal()), -1);
+    cache.rows.assign(size_t(from->count()), -1);
     // A row without a row of its own key on the other side belongs to a pair matched despite
     // letter case, where a folder ignores it: such pairs are found by their lower-case keys.
     QHash<QString, int> byLowerKey;
-    for (int i = 0; i < from->rowTotal(); ++i) {
-        const QString key = TranslatePath(from->row(i)->key, fromRoot, toRoot, false);
-        if (const ListRow *row = to->rowByKey(key)) {
-            cache.rows[size_t(i)] = row->index;
+    for (int i = 0; i < from->count(); ++i) {
+        const QString key = TranslatePath(from->record(i)->Key(), fromRoot, toRoot, false);
+        if (const int row = to->rowOfKey(key); row >= 0) {
+            cache.rows[size_t(i)] = row;
             continue;
         }
         if (byLowerKey.isEmpty()) {
-            for (int j = 0; j < to->rowTotal(); ++j)
-                byLowerKey.insert(to->row(j)->key.toLower(), to->row(j)->index);
+            for (int j = 0; j < to->count(); ++j)
+                byLowerKey.insert(to->record(j)->Key().toLower(), j);
         }
         cache.rows[size_t(i)] = byLowerKey.value(key.toLower(), -1);
     }
@@ -124,17 +141,15 @@ const std::vector<int> &LinkedListings::counterparts(int fromSide) {
 
 void LinkedListings::MirrorSelection(int modelSide) {
     const int followerSide = 1 - modelSide;
-    ListView *model = m_lists[size_t(modelSide)];
-    ListView *follower = m_lists[size_t(followerSide)];
     m_mirroring = true;
-    const std::vector<bool> selected = model->SelectedRows();
+    const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
     const std::vector<int> &counterpart = counterparts(followerSide);
     std::vector<bool> wanted(counterpart.size(), false);
     for (size_t i = 0; i < counterpart.size(); ++i) {
         const int row = counterpart[i];
         wanted[i] = row >= 0 && size_t(row) < selected.size() && selected[size_t(row)];
     }
-    follower->SetSelectedRows(wanted);
+    m_lists[size_t(followerSide)]->setSelectedRows(wanted);
     MirrorFocus(modelSide);
     m_mirroring = false;
 }
@@ -142,12 +157,12 @@ void LinkedListings::MirrorSelection(int modelSide) {
 void LinkedListings::MirrorFocus(int modelSide) {
     // The focused row is searched from the second row on: focus on the first row, or none,
     // finds nothing, and focus cannot be given to every row at once, so nothing changes.
-    const int focused = m_lists[size_t(modelSide)]->FocusedRow();
+    const int focused = m_lists[size_t(modelSide)]->focusedRow();
     if (focused <= 0)
         return;
     const bool wasMirroring = m_mirroring;
     m_mirroring = true;
-    m_lists[size_t(1 - modelSide)]->SetFocusedRow(focused);
+    m_lists[size_t(1 - modelSide)]->setFocusedRow(focused);
     m_mirroring = wasMirroring;
 }
 
@@ -156,17 +171,21 @@ void LinkedListings::ScrollTick() {
         m_scrollTimer.stop();
         return;
     }
-    if (m_lists[0]->ItemCount() == 0 || m_lists[1]->ItemCount() == 0)
+    const int scrolled = std::exchange(m_scrolled, -1);
+    if (m_lists[0]->files()->rowCount() == 0 || m_lists[1]->files()->rowCount() == 0)
         return;
-    const bool sourceLeads = m_lists[0]->window()->focusWidget() == m_lists[0];
-    ListView *leader = m_lists[sourceLeads ? 0 : 1];
+    const bool sourceLeads =
+        scrolled >= 0 ? scrolled == 0 : m_lists[0]->window()->focusWidget() == m_lists[0];
+    const ListView *leader = m_lists[sourceLeads ? 0 : 1];
     ListView *follower = m_lists[sourceLeads ? 1 : 0];
 
-    follower->ScrollVertically(follower->ItemTop(0) - leader->ItemTop(0));
-    if (follower->ItemTop(0) == leader->ItemTop(0) || follower->height() != leader->height())
-        return;
-    // Nudges the program has always given a follower that would not line up.
-    follower->ScrollVertically(16);
-    follower->ScrollVertically(-32);
-    follower->ScrollVertically(follower->ItemTop(0) != leader->ItemTop(0) ? -1 : 0);
+    m_following = true;
+    ScrollVertically(follower, FirstRowTop(follower) - FirstRowTop(leader));
+    if (FirstRowTop(follower) != FirstRowTop(leader) && follower->height() == leader->height()) {
+        // Nudges the program has always given a follower that would not line up.
+        ScrollVertically(follower, 16);
+        ScrollVertically(follower, -32);
+        ScrollVertically(follower, FirstRowTop(follower) != FirstRowTop(leader) ? -1 : 0);
+    }
+    m_following = false;
 }

@@ -8,7 +8,6 @@
 #include <functional>
 #include <vector>
 
-class ColumnHeader;
 class ComparisonFileCollection;
 class ListView;
 
@@ -18,10 +17,6 @@ class ListView;
  * vertical scroll position, and a selection made in one mirrored in the other by file (each
  * row's counterpart is the row whose key is its own moved from one root to the other).
  * Sorting on a header click is handled here in both states.
- *
- * The window keeps the link option; it calls setLinked() at start-up and SwitchLinking()
- * from the menu command, and answers UpdateListView() by rewriting the rows' sub-item texts
- * of that list after its columns changed.
  */
 class LinkedListings : public QObject {
     Q_OBJECT
@@ -44,23 +39,22 @@ public:
 
     /**
      * The switching procedure, after the option has been stored. Switching on copies the
-     * source list's columns to the destination list (UpdateListView(1) follows), mirrors the
-     * source selection, and sorts the destination list like the source list: the header
-     * used is the source header whose one-based index equals the source's zero-based sort
-     * key, which is the column created just before the sorted one, as the program has always
-     * done; when there is no such header (sorted on the first column created) both lists are
-     * sorted as by a click on the source list's first header. Switching off leaves columns,
-     * order and selection as they are.
+     * source list's columns to the destination list, mirrors the source selection, and sorts
+     * the destination list like the source list: the column used is the source's shown
+     * column whose one-based index equals the source's zero-based sort key, which is the
+     * column shown just before the sorted one in type order, as the program has always done;
+     * when there is none (sorted on the first column) both lists are sorted as by a click on
+     * the source list's first column. Switching off leaves everything as it is.
      */
     void SwitchLinking(bool linked);
 
     /**
-     * A click on a header of list \a side: the same column again toggles the direction,
-     * another column sorts ascending. The clicked list is sorted with the source collection,
-     * and when linked the other list with the destination collection, whichever list was
-     * clicked: the program has always paired them by the order of the calls.
+     * A click on column type \a type of list \a side: the same column again toggles the
+     * direction, another column sorts ascending. The clicked list is sorted with the source
+     * collection, and when linked the other list with the destination collection, whichever
+     * list was clicked: the program has always paired them by the order of the calls.
      */
-    void ColumnClick(int side, const ColumnHeader *column);
+    void ColumnClick(int side, int type);
 
     /**
      * Sets every row of the other list selected exactly when its counterpart in list
@@ -77,17 +71,14 @@ public:
     /**
      * One tick of the scroll follower: stops the timer once linking is off; otherwise, when
      * both lists have rows, scrolls the follower so that its first row's top matches the
-     * leader's (the source list leads while it has the focus, else the destination list),
-     * nudging it by +16, -32 and -1 pixels when two lists of equal height still differ.
+     * leader's, nudging it by +16, -32 and -1 pixels when two lists of equal height still
+     * differ. The list the user scrolled since the last tick leads; otherwise the source list
+     * leads while it has the focus, else the destination list.
      */
     void ScrollTick();
 
     /** Ticks every ~30 ms while linked. */
     QTimer &scrollTimer() { return m_scrollTimer; }
-
-Q_SIGNALS:
-    /** The columns of list \a side changed: its rows' sub-item texts must be rewritten. */
-    void UpdateListView(int side);
 
 private:
     const ComparisonFileCollection *collection(int side) const;
@@ -98,6 +89,9 @@ private:
     Collections m_collections;
     bool m_linked = false;
     bool m_mirroring = false;
+    bool m_following = false;
+    /** The side whose scroll position the user changed since the last tick, or -1. */
+    int m_scrolled = -1;
     QTimer m_scrollTimer;
 
     /** Per side: the row of each of its rows' counterparts in the other list, or -1. */

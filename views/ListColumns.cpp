@@ -1,7 +1,6 @@
 #include "views/ListColumns.h"
 
 #include "engine/DifferenceCode.h"
-#include "settings/SettingsText.h"
 
 #include <array>
 
@@ -32,14 +31,6 @@ const ColumnSpec *columnDefinition(int type) {
 }
 
 } // namespace
-
-QString ColumnKey(int type) {
-    return QLatin1Char('#') + QString::number(type);
-}
-
-int ColumnTypeFromKey(const QString &key) {
-    return SettingsText::strictInteger(QStringView(key).mid(1), 0);
-}
 
 QString ColumnCaption(int type) {
     const ColumnSpec *column = columnDefinition(type);

@@ -5,15 +5,10 @@
 
 /**
  * The nine columns a listing offers, by column type (1 "Name" ... 9 "Difference", the
- * numbering of ColumnType). A list column's key is "#" followed by its type, so that no key
- * is a bare number. Display positions count from 0; -1 means hidden by default. A type
- * outside 1..9 has no caption, width 0 and position 0.
+ * numbering of ColumnType). Display positions count from 0; -1 means hidden by default. A
+ * type outside 1..9 has no caption, width 0 and position 0.
  */
 
-/** "#" followed by \a type ("#5"). */
-QString ColumnKey(int type);
-/** The type of a column key: the number after its first character, 0 when there is none. */
-int ColumnTypeFromKey(const QString &key);
 /** The header caption ("Date Modified"). */
 QString ColumnCaption(int type);
 /** Width in pixels of a column shown by default or shown again from the column menu. */

@@ -1,68 +1,34 @@
 #include "views/ListSorting.h"
 
 #include "engine/ComparisonFileCollection.h"
+#include "views/FileListModel.h"
 #include "views/ListColumns.h"
-#include "views/ListModel.h"
 #include "views/ListView.h"
 
-bool SortListView(ListView *list, const ComparisonFileCollection *collection,
-                  const ColumnHeader *column, bool ascending) {
-    if (!column)
+#include <QHeaderView>
+
+bool SortListView(ListView *list, const ComparisonFileCollection *collection, int type,
+                  bool ascending) {
+    if (type < 1 || type > ColumnTypeCount)
         return false;
     const Qt::SortOrder order = ascending ? Qt::AscendingOrder : Qt::DescendingOrder;
-    list->setSorted(false);
-    list->setSortKey(column->SubItemIndex());
-    list->setSortOrder(order);
+    list->header()->setSortIndicator(FileListModel::columnOf(type), order);
+    list->header()->setSortIndicatorShown(true);
 
-    const int type = ColumnTypeFromKey(column->Key());
-    switch (type) {
-    case ColumnType::Name:
-    case ColumnType::InFolder:
-    case ColumnType::Type:
-    case ColumnType::Attributes:
-    case ColumnType::Difference:
-        list->setSorted(true);
-        list->setSorted(false);
-        return true;
-    case ColumnType::Size:
-    case ColumnType::DateModified:
-    case ColumnType::DateCreated:
-    case ColumnType::DateAccessed:
-        break;
-    default:
-        return true;
-    }
-
-    // Sort keys are handed to the list directly rather than written into the rows and read
-    // back: the order is the same, and no row is repainted twice.
-    ListModel *model = list->listModel();
-    model->flush();
-    const int subItem = column->SubItemIndex();
-    const size_t count = size_t(model->rowTotal());
-    std::vector<std::shared_ptr<ListRow>> rows(count);
-    std::vector<ComparisonFilePtr> records(count);
-    std::vector<QString> keys(count);
+    const bool byValue = type == ColumnType::Size || type == ColumnType::DateModified ||
+                         type == ColumnType::DateCreated || type == ColumnType::DateAccessed;
+    FileListModel *files = list->files();
     const QString root = collection ? collection->RootFolder() : QString();
-    for (size_t i = 0; i < count; ++i) {
-        rows[i] = model->row(int(i));
-        // A row made from a record of a collection with this very root holds the record the
-        // collection finds under the row's key; asking the collection would only cost time.
-        const ComparisonFilePtr &own = rows[i]->record;
+    std::vector<QString> keys(size_t(files->count()));
+    for (int row = 0; row < files->count(); ++row) {
         ComparisonFilePtr record;
-        if (own && collection && own->RootPath() == root)
-            record = own;
-        else if (collection)
-            record = collection->Item(rows[i]->key);
-        keys[i] = record ? record->SortString(type) : model->text(*rows[i], subItem);
-        records[i] = std::move(record);
+        // A row of a record of this very collection needs no look-up by key.
+        if (byValue && collection)
+            record = files->record(row)->RootPath() == root
+                         ? files->record(row)
+                         : collection->Item(files->record(row)->Key());
+        keys[size_t(row)] = record ? record->SortString(type) : files->text(row, type);
     }
-    list->SortByKeys(keys, order);
-    // The rows were moved, the pointers still name them: their texts are put back. A row
-    // that reads its texts from this very record already shows them.
-    for (size_t i = 0; i < count; ++i) {
-        const ComparisonFilePtr &record = records[i];
-        if (record && !(rows[i]->textsFromRecord && rows[i]->record == record))
-            model->setText(*rows[i], subItem, record->ColumnString(type, false));
-    }
+    files->sortByKeys(keys, order);
     return true;
 }

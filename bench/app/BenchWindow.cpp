@@ -2,6 +2,7 @@
 
 #include "app/StatusLine.h"
 #include "app/frmMain.h"
+#include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
 
@@ -58,7 +59,7 @@ double BenchWindow::settle(frmMain &window) {
     // here so that the paint below shows them.
     QApplication::processEvents();
     for (ListView *list : window.lvwFiles)
-        list->flushRows();
+        list->files()->flush();
     QApplication::processEvents();
     window.repaint();
     return double(now() - start) / 1e9;
@@ -67,10 +68,9 @@ double BenchWindow::settle(frmMain &window) {
 void BenchWindow::clickHeader(int side, int type) {
     ListView *view = list(side);
     QHeaderView *header = view->header();
-    const ColumnHeader *column = view->ColumnByKey(ColumnKey(type));
-    if (!column)
+    const int logical = FileListModel::columnOf(type);
+    if (view->isColumnHidden(logical))
         return;
-    const int logical = column->SubItemIndex();
     // Scrolled so that the section shows, as the user would scroll before clicking.
     if (header->sectionViewportPosition(logical) < 0 ||
         header->sectionViewportPosition(logical) + header->sectionSize(logical) >

@@ -3,6 +3,7 @@
 #include "BenchWindow.h"
 
 #include "app/frmMain.h"
+#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 #include <QDir>
@@ -60,7 +61,7 @@ int ListingShots::grab(const QString &source, const QString &destination) const 
             if (!bench.window().grab().save(file))
                 return 1;
             std::printf("%s: %d + %d rows, status '%s'\n", qPrintable(file),
-                        bench.list(0)->ItemCount(), bench.list(1)->ItemCount(),
+                        bench.list(0)->files()->count(), bench.list(1)->files()->count(),
                         qPrintable(bench.statusText()));
         }
     }

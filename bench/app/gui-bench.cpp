@@ -30,6 +30,7 @@
 #include "app/StatusText.h"
 #include "app/frmMain.h"
 #include "engine/DifferenceCode.h"
+#include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
 
@@ -172,7 +173,7 @@ int compareMode(const Arguments &arguments) {
     std::printf("cpu_gui_thread_s %.3f\ncpu_process_s %.3f\n",
                 cpuSeconds(RUSAGE_THREAD) - threadBefore, cpuSeconds(RUSAGE_SELF) - processBefore);
     std::printf("status %s\n", qPrintable(bench.statusText()));
-    std::printf("rows %d %d\n", bench.list(0)->ItemCount(), bench.list(1)->ItemCount());
+    std::printf("rows %d %d\n", bench.list(0)->files()->count(), bench.list(1)->files()->count());
     printLiveness(probe);
     std::printf("maxrss_kb %ld\n", peakResidentKb());
     return 0;
@@ -188,7 +189,7 @@ int listingsMode(Arguments arguments) {
     if (!bench.isReady())
         return usage();
     std::printf("compare_s %.3f\n", bench.compare() + BenchWindow::settle(bench.window()));
-    std::printf("rows %d %d\n", bench.list(0)->ItemCount(), bench.list(1)->ItemCount());
+    std::printf("rows %d %d\n", bench.list(0)->files()->count(), bench.list(1)->files()->count());
 
     for (int type : {ColumnType::Size, ColumnType::DateModified}) {
         std::vector<double> seconds;
@@ -197,9 +198,8 @@ int listingsMode(Arguments arguments) {
         print(type == ColumnType::Size ? "sort_size_ms" : "sort_modified_ms", seconds);
         // Linked lists sort together: the destination list must now be sorted on the same
         // column, or the figure timed one list only.
-        const int index = bench.list(0)->ColumnByKey(ColumnKey(type))->SubItemIndex();
         std::printf("sorted_both %d\n",
-                    bench.list(0)->SortKey() == index && bench.list(1)->SortKey() == index);
+                    bench.list(0)->sortType() == type && bench.list(1)->sortType() == type);
     }
 
     QAction *allFiles = bench.window().menus->mnuViewAllFiles;
@@ -208,13 +208,13 @@ int listingsMode(Arguments arguments) {
     int rowsOff = 0;
     for (int round = 0; round < arguments.rounds; ++round) {
         off.push_back(bench.timed([&] { allFiles->trigger(); }));
-        rowsOff = bench.list(0)->ItemCount() + bench.list(1)->ItemCount();
+        rowsOff = bench.list(0)->files()->count() + bench.list(1)->files()->count();
         on.push_back(bench.timed([&] { allFiles->trigger(); }));
     }
     print("all_files_off_ms", off);
     print("all_files_on_ms", on);
     std::printf("rows_off_on %d %d\n", rowsOff,
-                bench.list(0)->ItemCount() + bench.list(1)->ItemCount());
+                bench.list(0)->files()->count() + bench.list(1)->files()->count());
     std::printf("status %s\n", qPrintable(bench.statusText()));
     std::printf("maxrss_kb %ld\n", peakResidentKb());
     return 0;

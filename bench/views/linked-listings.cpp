@@ -16,12 +16,13 @@
 // row re-listed, as a change of the View options does). Not a test: figures depend on the
 // machine and on what else it does.
 #include "engine/ComparisonFileCollection.h"
+#include "engine/DifferenceCode.h"
 #include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
+#include "views/FileListModel.h"
 #include "views/ImageList.h"
 #include "views/LinkedListings.h"
 #include "views/ListColumns.h"
-#include "views/ListModel.h"
 #include "views/ListView.h"
 
 #include <QApplication>
@@ -159,8 +160,8 @@ int main(int argc, char **argv) {
 
     const auto list = [&](int side) {
         for (const ComparisonFilePtr &record : files[side])
-            AddToListview(record, lists[side], &images, false);
-        lists[side]->flushRows();
+            AddToListview(record, lists[side], &images);
+        lists[side]->files()->flush();
     };
     time(
         "list both sides (AddToListview, empty lists)", 1, [] {},
@@ -171,39 +172,39 @@ int main(int argc, char **argv) {
         window);
 
     const auto none = [] {};
-    const auto clear = [&] { lists[0]->ClearSelections(); };
+    const auto clear = [&] { lists[0]->clearSelection(); };
     time(
-        "Select All, mirrored", rounds, clear, [&] { lists[0]->SelectAll(); }, window);
+        "Select All, mirrored", rounds, clear, [&] { lists[0]->selectAll(); }, window);
     time(
-        "Clear Selections after Select All, mirrored", rounds, [&] { lists[0]->SelectAll(); },
+        "Clear Selections after Select All, mirrored", rounds, [&] { lists[0]->selectAll(); },
         clear, window);
     const auto clickRow = [&] {
         QWidget *viewport = lists[0]->viewport();
-        const QRect row = lists[0]->visualRect(lists[0]->listModel()->index(3, 0));
+        const QRect row = lists[0]->visualRect(lists[0]->files()->index(3, 0));
         QTest::mouseClick(viewport, Qt::LeftButton, {}, row.center());
     };
     time(
-        "click on one row after Select All, mirrored", rounds, [&] { lists[0]->SelectAll(); },
+        "click on one row after Select All, mirrored", rounds, [&] { lists[0]->selectAll(); },
         clickRow, window);
     time("click on one row after a click, mirrored", rounds, none, clickRow, window);
 
     // The destination ordered by size, the source by name: a block of the source is
     // scattered over the destination.
-    const ColumnHeader *name = lists[0]->ColumnByKey(ColumnKey(1));
-    const ColumnHeader *size = lists[0]->ColumnByKey(ColumnKey(3));
-    const ColumnHeader *modified = lists[0]->ColumnByKey(ColumnKey(5));
+    const int name = ColumnType::Name;
+    const int size = ColumnType::Size;
+    const int modified = ColumnType::DateModified;
     listings.setLinked(false);
-    listings.ColumnClick(1, lists[1]->ColumnByKey(ColumnKey(3)));
+    listings.ColumnClick(1, size);
     listings.setLinked(true);
     std::vector<bool> half(size_t(rows), false);
     std::fill(half.begin(), half.begin() + rows / 2, true);
     time(
         "half the rows selected, mirrored into scattered rows", rounds, clear,
-        [&] { lists[0]->SetSelectedRows(half); }, window);
+        [&] { lists[0]->setSelectedRows(half); }, window);
     time(
-        "click on one row after that, mirrored", rounds, [&] { lists[0]->SetSelectedRows(half); },
+        "click on one row after that, mirrored", rounds, [&] { lists[0]->setSelectedRows(half); },
         clickRow, window);
-    lists[0]->ClearSelections();
+    lists[0]->clearSelection();
 
     time(
         "header click on Size, both lists sorted", rounds, none,
@@ -215,7 +216,7 @@ int main(int argc, char **argv) {
         "header click on Name, both lists sorted", rounds, none,
         [&] { listings.ColumnClick(0, name); }, window);
     time(
-        "header click on Size with all rows selected", rounds, [&] { lists[0]->SelectAll(); },
+        "header click on Size with all rows selected", rounds, [&] { lists[0]->selectAll(); },
         [&] { listings.ColumnClick(0, size); }, window);
 
     // What the records' own conversions cost, alone, per list: a size or date sort asks each
@@ -229,8 +230,8 @@ int main(int argc, char **argv) {
         time(
             lookUp.constData(), 1, none,
             [&] {
-                for (int i = 1; i <= lists[0]->ItemCount(); ++i)
-                    found.push_back(files[0].Item(lists[0]->Item(i).Key()));
+                for (int i = 0; i < lists[0]->files()->count(); ++i)
+                    found.push_back(files[0].Item(lists[0]->files()->record(i)->Key()));
             },
             window);
         const QByteArray sortKeys =
@@ -253,16 +254,13 @@ int main(int argc, char **argv) {
             window);
     }
 
-    // A change of the View options: every row marked, listed again, unmarked rows swept.
+    // A change of the View options: rows that no longer qualify go, the rest are listed again.
     time(
-        "rows rebuilt in place (mark, re-list, sweep), both lists", rounds, none,
+        "rows rebuilt in place (sweep, re-list), both lists", rounds, none,
         [&] {
             for (int side = 0; side < 2; ++side) {
-                for (int i = 1; i <= lists[side]->ItemCount(); ++i)
-                    lists[side]->Item(i).setTag(-2);
+                lists[side]->files()->removeRowsIf([](int) { return false; });
                 list(side);
-                lists[side]->RemoveItemsIf(
-                    [](const ListRow &row) { return row.tag.toInt() == -2; });
             }
         },
         window);
@@ -270,7 +268,7 @@ int main(int argc, char **argv) {
         "rows removed and listed again, both lists", 1, none,
         [&] {
             for (int side = 0; side < 2; ++side) {
-                lists[side]->ClearItems();
+                lists[side]->files()->clear();
                 list(side);
             }
         },

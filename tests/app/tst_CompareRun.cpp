@@ -217,8 +217,8 @@ void tst_CompareRun::identicalTreesListNothing() {
     w.compare();
     QCOMPARE(w.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
     QVERIFY(!w.window.StatusBar1->textClickable());
-    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 0);
-    QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 0);
+    QCOMPARE(w.window.lvwFiles[0]->files()->count(), 0);
+    QCOMPARE(w.window.lvwFiles[1]->files()->count(), 0);
     QCOMPARE(w.window.lblPath[0]->text(), QStringLiteral("Files from ") + tree.path("src"));
     QCOMPARE(w.window.lblPath[1]->text(), QStringLiteral("Files from ") + tree.path("dst"));
     QCOMPARE(w.window.colSourceFiles->Count(), 2);
@@ -277,14 +277,12 @@ void tst_CompareRun::fullPathChangesOnlyFolderTexts() {
     // Every text of every row, the folder column's set apart.
     const auto rows = [&w](int side, QStringList *folders) {
         QStringList all;
-        const ListView *list = w.list(side);
-        const int folder = list->ColumnByKey(ColumnKey(2))->SubItemIndex();
-        for (int i = 1; i <= list->ItemCount(); ++i) {
-            const ListItem item = list->Item(i);
-            QStringList row{item.Key(), item.Text()};
-            for (int c = 1; c <= list->ColumnCount(); ++c) {
-                const int sub = list->Column(c)->SubItemIndex();
-                (sub == folder ? *folders : row) << item.SubItems(sub);
+        const QAbstractItemModel *model = w.list(side)->model();
+        for (int i = 0; i < model->rowCount(); ++i) {
+            QStringList row;
+            for (int type = 1; type <= ColumnTypeCount; ++type) {
+                (type == ColumnType::InFolder ? *folders : row)
+                    << model->index(i, FileListModel::columnOf(type)).data().toString();
             }
             all << row.join(QLatin1Char('|'));
         }
@@ -311,13 +309,13 @@ void tst_CompareRun::clearDisplayThenToggleShowsLastResult() {
     QVERIFY(tree.write("dst/a", "22"));
     Window w(tree.path("src"), tree.path("dst"));
     w.compare();
-    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 1);
+    QCOMPARE(w.window.lvwFiles[0]->files()->count(), 1);
     w.window.menus->mnuFileClear->trigger();
-    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 0);
+    QCOMPARE(w.window.lvwFiles[0]->files()->count(), 0);
     QCOMPARE(w.window.lblPath[0]->text(), QString());
     w.window.menus->mnuViewAllFiles->trigger();
-    QCOMPARE(w.window.lvwFiles[0]->ItemCount(), 1);
-    QCOMPARE(w.window.lvwFiles[1]->ItemCount(), 1);
+    QCOMPARE(w.window.lvwFiles[0]->files()->count(), 1);
+    QCOMPARE(w.window.lvwFiles[1]->files()->count(), 1);
 }
 
 void tst_CompareRun::problemsOpenFromTheStatus_data() {
@@ -433,12 +431,10 @@ void tst_CompareRun::linkedListsResortedAtTheEnd() {
     }
     Window w(tree.path("src"), tree.path("dst"));
     ListView *source = w.window.lvwFiles[0];
-    const ColumnHeader *size = source->ColumnByKey(ColumnKey(3));
-    QVERIFY(size);
-    Q_EMIT source->ColumnClick(source->ColumnByKey(ColumnKey(3)));
-    Q_EMIT source->ColumnClick(source->ColumnByKey(ColumnKey(3)));
-    QCOMPARE(source->SortKey(), size->SubItemIndex());
-    QCOMPARE(source->SortOrder(), Qt::DescendingOrder);
+    Q_EMIT source->columnClicked(ColumnType::Size);
+    Q_EMIT source->columnClicked(ColumnType::Size);
+    QCOMPARE(source->sortType(), int(ColumnType::Size));
+    QCOMPARE(source->sortOrder(), Qt::DescendingOrder);
 
     w.compare();
     QCOMPARE(w.rows(0), expected);

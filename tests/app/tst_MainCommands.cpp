@@ -9,17 +9,21 @@
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
 #include "tools/GeneralHelpers.h"
+#include "views/AddToListview.h"
+#include "views/ColumnLayout.h"
+#include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
-#include "views/Splitter.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTest>
 #include <QTimer>
 
@@ -63,11 +67,15 @@ struct Window : ComparedWindow {
         window.activateWindow();
         for (int side = 0; side < 2; ++side) {
             for (int i = 0; i < rows; ++i)
-                list(side)->AddItem(QStringLiteral("/side%1/f%2").arg(side).arg(i),
-                                    QStringLiteral("f%1").arg(i));
-            list(side)->flushRows();
+                QVERIFY(trees[side].write(QStringLiteral("f%1").arg(i), "x"));
+            files[side].setRootFolder(trees[side].root());
+            for (const ComparisonFilePtr &file : files[side])
+                AddToListview(file, list(side), nullptr);
+            list(side)->files()->flush();
         }
     }
+    TestTree trees[2];
+    ComparisonFileCollection files[2];
     static QString unlinked() {
         if (!SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")))
             Options::setLinkListings(false);
@@ -128,17 +136,21 @@ void setLinked(ComparedWindow &w, bool linked) {
 /** The shown columns of \a list in display order, as "key width". */
 QStringList shownColumns(const ListView *list) {
     QStringList columns;
-    for (int index : list->ColumnOrder()) {
-        const ColumnHeader *column = list->Column(index + 1);
-        columns << QStringLiteral("%1 %2").arg(column->Key()).arg(double(column->Width()));
+    const QHeaderView *header = list->header();
+    for (int visual = 0; visual < header->count(); ++visual) {
+        const int logical = header->logicalIndex(visual);
+        if (!header->isSectionHidden(logical))
+            columns << QStringLiteral("#%1 %2")
+                           .arg(FileListModel::typeOf(logical))
+                           .arg(header->sectionSize(logical));
     }
     return columns;
 }
 
-QStringList defaultColumns() {
+QStringList defaultColumns(const ListView *list) {
     QStringList columns;
     for (int type : {9, 1, 2, 3, 4, 5})
-        columns << QStringLiteral("%1 %2").arg(ColumnKey(type)).arg(DefaultColumnWidth(type));
+        columns << QStringLiteral("#%1 %2").arg(type).arg(ColumnLayout::DefaultWidth(list, type));
     return columns;
 }
 
@@ -200,10 +212,10 @@ void tst_MainCommands::editMenuEnabling() {
     auto *focused = qobject_cast<ListView *>(target);
     for (ListView *list : w.window.lvwFiles) {
         if (list != focused)
-            list->SelectAll();
+            list->selectAll();
     }
-    for (int i = 1; i <= selectedRows; ++i)
-        focused->Item(i).setSelected(true);
+    if (focused)
+        focused->setSelectedRows(std::vector<bool>(size_t(selectedRows), true));
     QVERIFY(w.focus(target));
 
     QMenu *menu = w.window.menus->mnuEdit;
@@ -243,8 +255,8 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
     else
         m.mnuEditSelectAll->trigger();
-    QCOMPARE(w.window.lvwFiles[0]->SelectedCount(), selected0);
-    QCOMPARE(w.window.lvwFiles[1]->SelectedCount(), selected1);
+    QCOMPARE(w.window.lvwFiles[0]->selectedCount(), selected0);
+    QCOMPARE(w.window.lvwFiles[1]->selectedCount(), selected1);
     if (auto *combo = qobject_cast<QComboBox *>(target)) {
         combo->setEditText(QStringLiteral("typed"));
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
@@ -255,14 +267,14 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
     // Clear Selections takes away exactly the selection of the focused list.
     ListView *focused = qobject_cast<ListView *>(target);
     ListView *other = w.window.lvwFiles[focused == w.window.lvwFiles[0] ? 1 : 0];
-    other->Item(7).setSelected(true);
+    other->setSelectedRows({false, false, false, false, false, false, false, true});
     QVERIFY(w.focus(target));
     if (byKeyboard)
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
     else
         m.mnuEditClearSelections->trigger();
-    QCOMPARE(focused->SelectedCount(), 0);
-    QCOMPARE(other->SelectedCount(), 1);
+    QCOMPARE(focused->selectedCount(), 0);
+    QCOMPARE(other->selectedCount(), 1);
 }
 
 void tst_MainCommands::resetOptionsDeclined_data() {
@@ -315,9 +327,9 @@ void tst_MainCommands::resetOptionsAccepted() {
     Window w;
     const MainMenuBar &m = *w.window.menus;
     // The stored values were in force before the reset.
-    QCOMPARE(w.window.lvwFiles[0]->ColumnCount(), 7);
+    QCOMPARE(w.window.lvwFiles[0]->shownCount(), 7);
     QVERIFY(IsTopmost(&w.window));
-    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Horizontal));
+    QCOMPARE(w.window.picMain->orientation(), Qt::Vertical);
 
     BoxAnswer answer(QMessageBox::Yes);
     m.mnuFileOptions->trigger();
@@ -333,12 +345,12 @@ void tst_MainCommands::resetOptionsAccepted() {
     QCOMPARE(RecentLists::loadSelections().values, QList<int>({3, 2, 0, 31}));
     QCOMPARE(w.window.cboComparisons->count(), 5);
     // 4: both column layouts.
-    QCOMPARE(shownColumns(w.window.lvwFiles[0]), defaultColumns());
-    QCOMPARE(shownColumns(w.window.lvwFiles[1]), defaultColumns());
+    QCOMPARE(shownColumns(w.window.lvwFiles[0]), defaultColumns(w.window.lvwFiles[0]));
+    QCOMPARE(shownColumns(w.window.lvwFiles[1]), defaultColumns(w.window.lvwFiles[1]));
     // 5: panes side by side.
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
     QVERIFY(m.mnuViewOrientation[1]->isChecked());
-    QCOMPARE(w.window.oSplitter->Orientation(), int(Splitter::Vertical));
+    QCOMPARE(w.window.picMain->orientation(), Qt::Horizontal);
     // 6: not on top.
     QVERIFY(!Options::alwaysOnTop());
     QVERIFY(!m.mnuViewAlwaysOnTop->isChecked());
@@ -350,7 +362,7 @@ void tst_MainCommands::resetOptionsAccepted() {
     QVERIFY(!m.mnuViewFullPath->isChecked());
     QVERIFY(!m.mnuViewAllFiles->isChecked());
     QVERIFY(!m.mnuViewBold->isChecked());
-    QVERIFY(!w.window.lvwFiles[0]->BoldDifferent());
+    QVERIFY(!w.window.lvwFiles[0]->files()->boldDifferent());
     // 8: the date slack.
     QVERIFY(Options::includeSlack());
     QVERIFY(m.mnuFileIncludeSlack->isChecked());
@@ -365,7 +377,7 @@ void tst_MainCommands::resetOptionsAccepted() {
     QCOMPARE(SettingsStore::value(QStringLiteral("SourceLayout"), QStringLiteral("Position6")),
              QStringLiteral("-1"));
     QCOMPARE(SettingsStore::value(QStringLiteral("DestLayout"), QStringLiteral("Width1")),
-             QStringLiteral("200"));
+             QString::number(ColumnLayout::DefaultWidth(w.window.lvwFiles[1], 1)));
 }
 
 void tst_MainCommands::accessKeys_data() {
@@ -422,29 +434,28 @@ void tst_MainCommands::linkItemRecopiesColumns() {
     ComparedWindow w(trees.tree.path("src"), trees.tree.path("dst"));
     w.compare();
     ListView *destination = w.list(1);
-    const int sizeSub = destination->ColumnByKey(ColumnKey(3))->SubItemIndex();
-    const QString sizeText = w.item(1, QStringLiteral("p/b")).SubItems(sizeSub);
-    QCOMPARE(sizeText, QStringLiteral("5 bytes"));
+    const auto sizeColumn = FileListModel::columnOf(ColumnType::Size);
+    const auto differenceColumn = FileListModel::columnOf(ColumnType::Difference);
+    QCOMPARE(w.text(1, w.row(1, QStringLiteral("p/b")), ColumnType::Size),
+             QStringLiteral("5 bytes"));
 
     setLinked(w, false);
     QCOMPARE(SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")),
              QStringLiteral("False"));
     // Unlinked, the destination list loses two columns and keeps them lost.
-    for (int type : {9, 3})
-        destination->RemoveColumnAt(destination->ColumnByKey(ColumnKey(type))->Index());
-    QCOMPARE(destination->ColumnCount(), 4);
-    QCOMPARE(w.list(0)->ColumnCount(), 6);
+    for (int column : {differenceColumn, sizeColumn})
+        destination->setColumnHidden(column, true);
+    QCOMPARE(destination->shownCount(), 4);
+    QCOMPARE(w.list(0)->shownCount(), 6);
 
     setLinked(w, true);
     QCOMPARE(SettingsStore::value(QStringLiteral("Options"), QStringLiteral("LinkListings")),
              QStringLiteral("True"));
-    QCOMPARE(destination->ColumnCount(), 6);
-    // Copied columns arrive as narrow as their default positions: "Difference" 0, "Size" 3.
-    QCOMPARE(destination->ColumnByKey(ColumnKey(9))->Width(), 0.0f);
-    const ColumnHeader *size = destination->ColumnByKey(ColumnKey(3));
-    QCOMPARE(size->Width(), 3.0f);
-    // And their texts are filled in at once.
-    QCOMPARE(w.item(1, QStringLiteral("p/b")).SubItems(size->SubItemIndex()), sizeText);
+    QCOMPARE(destination->shownCount(), 6);
+    // Copied columns arrive narrow, but wide enough to be grabbed and widened.
+    const int narrowest = destination->header()->minimumSectionSize();
+    QCOMPARE(destination->columnWidth(differenceColumn), narrowest);
+    QCOMPARE(destination->columnWidth(sizeColumn), narrowest);
 }
 
 void tst_MainCommands::placeholdersRebuiltWhenSwitching_data() {

@@ -116,7 +116,7 @@ void tst_Startup::folderNotValidUtf8Opens() {
     ComparedWindow compared(folders[0], folders[1]);
     compared.compare();
     QCOMPARE(compared.window.StatusBar1->shownText(), QStringLiteral("  Compare complete."));
-    QCOMPARE(compared.list(0)->ItemCount(), 1);
+    QCOMPARE(compared.list(0)->files()->count(), 1);
 }
 
 void tst_Startup::defaultPlacement_data() {

@@ -7,6 +7,8 @@
 #include "support/TestTree.h"
 #include "tools/ShowInFolder.h"
 #include "tools/frmSynchronizer.h"
+#include "views/FileListModel.h"
+#include "views/ListColumns.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -15,6 +17,7 @@
 #include <QDir>
 #include <QMenu>
 #include <QTest>
+#include <QTreeWidget>
 
 /** The Tools menu and the listings' right-click popup in the window, after a real compare. */
 class tst_ToolsMenu : public QObject {
@@ -58,7 +61,7 @@ struct ComparedPair : PairTrees, ComparedWindow {
     ComparedPair()
         : ComparedWindow(writeTrees(tree), tree.path("Dst")) {
         compare();
-        QCOMPARE(list(0)->ItemCount(), 4);
+        QCOMPARE(list(0)->files()->count(), 4);
         QVERIFY(QTest::qWaitForWindowActive(&window));
     }
 
@@ -75,11 +78,10 @@ struct ComparedPair : PairTrees, ComparedWindow {
     /** Every row of list \a side: its key and its texts, in order. */
     QStringList texts(int side) const {
         QStringList result;
-        for (int i = 1; i <= list(side)->ItemCount(); ++i) {
-            const ListItem row = list(side)->Item(i);
-            QStringList texts{row.Key(), row.Text()};
-            for (int column = 1; column < list(side)->ColumnCount(); ++column)
-                texts << row.SubItems(column);
+        for (int row = 0; row < list(side)->files()->count(); ++row) {
+            QStringList texts{list(side)->files()->record(row)->Key()};
+            for (int type = 1; type <= ColumnTypeCount; ++type)
+                texts << list(side)->files()->text(row, type);
             result << texts.join(QLatin1Char('|'));
         }
         return result;
@@ -248,10 +250,10 @@ void tst_ToolsMenu::copyToDestinationEndToEnd() {
     ModalWatcher watcher([&](QWidget *shown) {
         if (auto *form = qobject_cast<frmSynchronizer *>(shown)) {
             review << form->windowTitle() << form->StatusText();
-            for (int i = 1; i <= form->lvwFiles->ItemCount(); ++i) {
-                const ListItem row = form->lvwFiles->Item(i);
-                review << row.SubItems(3) + QStringLiteral(": ") + row.SubItems(2) +
-                              QStringLiteral(" from ") + row.SubItems(1);
+            for (int i = 0; i < form->lvwFiles->topLevelItemCount(); ++i) {
+                const QTreeWidgetItem *row = form->lvwFiles->topLevelItem(i);
+                review << row->text(3) + QStringLiteral(": ") + row->text(2) +
+                              QStringLiteral(" from ") + row->text(1);
             }
             prompting = form->chkPrompt->isChecked();
             form->cmdOK->click();
@@ -344,7 +346,8 @@ void tst_ToolsMenu::doubleClickExaminesOrOpens() {
     Options::setDiffEXE(writeRecordingProgram(m_bin, m_bin.path("diffed")));
     ComparedPair pair;
     ListView *list = pair.list(side);
-    const int position = pair.item(side, row).Index() - 1;
+    const int position = pair.row(side, row);
+    QVERIFY(position >= 0);
     // Rows reach the view in batches.
     QTRY_VERIFY(list->model()->rowCount() > position);
     const QModelIndex index = list->model()->index(position, 0);

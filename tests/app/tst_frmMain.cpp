@@ -3,7 +3,6 @@
 #include "settings/SettingsStore.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
-#include "views/Splitter.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -14,6 +13,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QSplitter>
 #include <QTest>
 #include <QUrl>
 
@@ -26,7 +26,6 @@ private Q_SLOTS:
 
     void orientation_data();
     void orientation();
-    void orientationItemStoresIndexPlusOne();
 
     void placement_data();
     void placement();
@@ -78,18 +77,11 @@ void tst_frmMain::orientation() {
         QVERIFY2(second.left() > first.right(), "the destination pane lies right of the source");
         QCOMPARE(first.height(), window.picMain->height());
     }
-}
-
-void tst_frmMain::orientationItemStoresIndexPlusOne() {
-    frmMain window;
-    window.InitializeDisplay();
-    window.menus->mnuViewOrientation[0]->trigger();
-    QCOMPARE(Options::orientation(), Options::HorizontalOrientation);
-    QCOMPARE(window.oSplitter->Orientation(), int(Splitter::Horizontal));
-    window.menus->mnuViewOrientation[1]->trigger();
-    QCOMPARE(Options::orientation(), Options::VerticalOrientation);
-    QCOMPARE(window.oSplitter->Orientation(), int(Splitter::Vertical));
-    QVERIFY(!window.menus->mnuViewOrientation[0]->isChecked());
+    // The other View item stores its index plus one and turns the panes.
+    window.menus->mnuViewOrientation[1 - checkedIndex]->trigger();
+    QCOMPARE(Options::orientation(), 2 - checkedIndex);
+    QCOMPARE(window.picMain->orientation(), stacked ? Qt::Horizontal : Qt::Vertical);
+    QVERIFY(!window.menus->mnuViewOrientation[checkedIndex]->isChecked());
 }
 
 void tst_frmMain::placement_data() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/frmMain.h"
+#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 #include <QApplication>
@@ -48,25 +49,32 @@ struct ComparedWindow {
 
     ListView *list(int side) const { return window.lvwFiles[size_t(side)]; }
 
-    /** The row of the file at \a relative below the root of \a side. */
-    ListItem item(int side, const QString &relative) const {
-        return list(side)->ItemByKey(roots[side] + QLatin1Char('/') + relative);
+    /** The row of the file at \a relative below the root of \a side, or -1. */
+    int row(int side, const QString &relative) const {
+        return list(side)->files()->rowOfKey(roots[side] + QLatin1Char('/') + relative);
     }
+
+    /** The text row \a row of list \a side shows for column type \a type. */
+    QString text(int side, int row, int type) const { return list(side)->files()->text(row, type); }
 
     /** Selects exactly the rows of \a relatives in list \a side. */
     void select(int side, const QStringList &relatives) {
-        list(side)->ClearSelections();
-        for (const QString &relative : relatives)
-            item(side, relative).setSelected(true);
+        std::vector<bool> wanted(size_t(list(side)->files()->count()), false);
+        for (const QString &relative : relatives) {
+            if (const int at = row(side, relative); at >= 0)
+                wanted[size_t(at)] = true;
+        }
+        list(side)->setSelectedRows(wanted);
     }
 
-    /** Keys of list \a side in row order, relative to its root (lower case). */
+    /** Keys of list \a side in row order, relative to its root. */
     QStringList rows(int side, bool selectedOnly = false) const {
         QStringList keys;
         const ListView *view = list(side);
-        for (int i = 1; i <= view->ItemCount(); ++i) {
-            if (!selectedOnly || view->Item(i).Selected())
-                keys << view->Item(i).Key().mid(roots[side].size() + 1);
+        const std::vector<bool> selected = view->selectedRows();
+        for (int i = 0; i < view->files()->count(); ++i) {
+            if (!selectedOnly || (size_t(i) < selected.size() && selected[size_t(i)]))
+                keys << view->files()->record(i)->Key().mid(roots[side].size() + 1);
         }
         return keys;
     }

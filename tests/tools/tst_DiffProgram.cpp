@@ -6,6 +6,7 @@
 #include "support/TestTree.h"
 #include "tools/DiffProgram.h"
 #include "tools/frmSelectDiff.h"
+#include "views/AddToListview.h"
 #include "views/ListView.h"
 
 #include <QAction>
@@ -154,10 +155,8 @@ void tst_DiffProgram::programGetsTwoArgumentsSourceFirst() {
     QCOMPARE(own.Count(), 1);
 
     ListView listing;
-    listing.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
-    const ComparisonFilePtr file = *own.begin();
-    listing.AddItem(file->Key(), file->Name()).setRecord(file);
-    listing.Item(1).setSelected(true);
+    AddToListview(*own.begin(), &listing, nullptr);
+    listing.setSelectedRows({true});
 
     ExamineDifferences(&m_owner, tree.path(QStringLiteral("my tools/record args")), &listing, side,
                        source, destination);

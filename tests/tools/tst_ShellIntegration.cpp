@@ -6,6 +6,8 @@
 #include "tools/ListingPopup.h"
 #include "tools/ShellContextMenu.h"
 #include "tools/ShowInFolder.h"
+#include "views/AddToListview.h"
+#include "views/FileListModel.h"
 #include "views/ListView.h"
 
 #include <QApplication>
@@ -77,6 +79,7 @@ private Q_SLOTS:
     void fileManagerReceivesTheRealPath();
 
 private:
+    void selectOnly(const QStringList &names);
     TestProfile m_profile;
     std::unique_ptr<TestTree> m_tree;
     std::unique_ptr<ComparisonFileCollection> m_source;
@@ -126,14 +129,21 @@ void tst_ShellIntegration::initTestCase() {
     QVERIFY(m_tree->write(QStringLiteral("src/one/b.pstest"), "b"));
     QVERIFY(m_tree->write(QStringLiteral("src/One/c.txt"), "c"));
     QVERIFY(m_tree->write(QStringLiteral("src/two/d.txt"), "d"));
+    QVERIFY(m_tree->write(QStringLiteral("src/one/gone.txt"), "gone"));
     m_source = std::make_unique<ComparisonFileCollection>();
     m_source->setRootFolder(m_tree->path(QStringLiteral("src")));
+    // Listed, then gone from the disk, as a file deleted after the compare.
+    QVERIFY(QFile::remove(m_tree->path(QStringLiteral("src/one/gone.txt"))));
     m_listing = std::make_unique<ListView>();
-    m_listing->AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100);
     for (const ComparisonFilePtr &file : *m_source)
-        m_listing->AddItem(file->Key(), file->Name()).setRecord(file);
-    m_listing->AddItem(m_tree->path(QStringLiteral("src/one/gone.txt")),
-                       QStringLiteral("gone.txt")); // a placeholder: missing on this side
+        AddToListview(file, m_listing.get(), nullptr);
+}
+
+void tst_ShellIntegration::selectOnly(const QStringList &names) {
+    std::vector<bool> wanted;
+    for (int row = 0; row < m_listing->files()->count(); ++row)
+        wanted.push_back(names.contains(m_listing->files()->record(row)->Name()));
+    m_listing->setSelectedRows(wanted);
 }
 
 void tst_ShellIntegration::listingSelection_data() {
@@ -156,9 +166,8 @@ void tst_ShellIntegration::listingSelection() {
     QFETCH(QStringList, selected);
     QFETCH(int, kind);
     QFETCH(int, files);
-    for (int i = 1; i <= m_listing->ItemCount(); ++i)
-        m_listing->Item(i).setSelected(selected.contains(m_listing->Item(i).Text()));
-    const ListingSelection selection = ListingSelection::Of(m_listing.get(), *m_source);
+    selectOnly(selected);
+    const ListingSelection selection = ListingSelection::Of(m_listing.get());
     QCOMPARE(int(selection.kind), kind);
     QCOMPARE(selection.files.size(), files);
     if (files > 0) // real paths, not the lower-cased keys
@@ -260,14 +269,13 @@ void tst_ShellIntegration::commandNamesExistingItemsOnly() {
              QStringLiteral("file://") + m_tree->path(QStringLiteral("src/one/a.txt")));
     QCOMPARE(ShowInFolder::FileUri("/a b/\xff%.txt"), QStringLiteral("file:///a%20b/%FF%25.txt"));
 
-    const auto selectOnly = [&](const QString &text) {
-        for (int i = 1; i <= m_listing->ItemCount(); ++i)
-            m_listing->Item(i).setSelected(m_listing->Item(i).Text() == text);
-        return ShowInFolder::CommandForSelection(m_listing.get(), *m_source);
+    const auto commandFor = [&](const QString &text) {
+        selectOnly({text});
+        return ShowInFolder::CommandForSelection(m_listing.get());
     };
-    QCOMPARE(selectOnly(QStringLiteral("gone.txt")), QString());
-    QCOMPARE(selectOnly(QString()), QString());
-    QCOMPARE(selectOnly(QStringLiteral("c.txt")), // the real path: "One", not the key's "one"
+    QCOMPARE(commandFor(QStringLiteral("gone.txt")), QString());
+    QCOMPARE(commandFor(QString()), QString());
+    QCOMPARE(commandFor(QStringLiteral("c.txt")), // the real path: "One", not the key's "one"
              QStringLiteral("file://") + m_tree->path(QStringLiteral("src/One/c.txt")));
 }
 

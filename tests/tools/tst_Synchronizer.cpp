@@ -6,7 +6,8 @@
 #include "tools/CopyProgressDialog.h"
 #include "tools/Synchronizer.h"
 #include "tools/frmSynchronizer.h"
-#include "views/ColumnHeader.h"
+#include "views/AddToListview.h"
+#include "views/FileListModel.h"
 #include "views/ImageList.h"
 #include "views/ListView.h"
 
@@ -21,6 +22,7 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTest>
+#include <QTreeWidget>
 
 #include <memory>
 #include <sys/stat.h>
@@ -35,22 +37,21 @@ struct Sides {
     ComparisonFileCollection destination;
     ListView listing;
 
-    Sides() { listing.AddColumn(QStringLiteral("#1"), QStringLiteral("Name"), 100); }
     void walk() {
         source.setRootFolder(tree.path(QStringLiteral("src")));
         destination.setRootFolder(tree.path(QStringLiteral("dst")));
     }
-    /** Lists \a from's records plus a placeholder row for every key in \a missing. */
-    void list(const ComparisonFileCollection &from, const QStringList &missing = {}) {
-        listing.ClearItems();
+    /** Lists \a from's records, placeholders included. */
+    void list(const ComparisonFileCollection &from) {
+        listing.files()->clear();
         for (const ComparisonFilePtr &file : from)
-            listing.AddItem(file->Key(), file->Name()).setRecord(file);
-        for (const QString &key : missing)
-            listing.AddItem(key, key.section(QLatin1Char('/'), -1));
+            AddToListview(file, &listing, nullptr);
     }
     void select(const QStringList &names) {
-        for (int i = 1; i <= listing.ItemCount(); ++i)
-            listing.Item(i).setSelected(names.contains(listing.Item(i).Text()));
+        std::vector<bool> wanted;
+        for (int row = 0; row < listing.files()->count(); ++row)
+            wanted.push_back(names.contains(listing.files()->record(row)->Name()));
+        listing.setSelectedRows(wanted);
     }
     QByteArray read(const QString &relative) const {
         QFile file(tree.path(relative));
@@ -69,7 +70,7 @@ private Q_SLOTS:
     void countText();
     void targetIsTheCounterpartOrBelowTheOtherRoot();
     void rootIsReplacedOnceAtTheStart();
-    void addToSynchronizerSkipsPlaceholders();
+    void reviewListsTheExistingFilesWithIcons();
     void nothingQualifyingSaysNoFilesToCopy();
     void cancelCopiesNothingAndPromptIsRemembered();
     void headerClickSortsAndTogglesOrder();
@@ -139,47 +140,53 @@ void tst_Synchronizer::rootIsReplacedOnceAtTheStart() {
     QCOMPARE(SyncTarget(**from.begin(), from, to), tree.nativePath("Backup/x/data/y.txt"));
 }
 
-void tst_Synchronizer::addToSynchronizerSkipsPlaceholders() {
+void tst_Synchronizer::reviewListsTheExistingFilesWithIcons() {
     Sides s;
     for (const char *name : {"one/a.txt", "two/b.txt", "one/x.exe", "two/y.exe"})
         QVERIFY(s.tree.write(QStringLiteral("src/") + QLatin1String(name), "data"));
     QVERIFY(s.tree.write(QStringLiteral("dst/c.txt"), "c"));
     s.walk();
-    const ComparisonFilePtr c = *s.destination.begin();
-    const ComparisonFilePtr placeholder =
-        s.source.AddMissingFile(c->FileObject(), s.destination.RootFolder(), 2);
-    QVERIFY(placeholder);
-    ListView review;
-    ImageList images;
-    QVERIFY(!AddToSynchronizer(placeholder, &review, &images));
-    QMap<QString, int> icons;
-    for (const ComparisonFilePtr &file : s.source) {
-        if (file == placeholder)
-            continue;
-        const ListItem row = AddToSynchronizer(file, &review, &images);
-        QVERIFY(row);
-        icons.insert(row.Text(), row.SmallIcon());
-    }
-    const ListItem a = review.Item(1);
-    QCOMPARE(a.Key(), s.tree.path(QStringLiteral("src/one/a.txt")));
-    QCOMPARE(a.Text(), QStringLiteral("a.txt"));
-    QCOMPARE(a.SubItems(1), s.tree.path(QStringLiteral("src/one")));
-    QVERIFY(!AddToSynchronizer(a.Record(), &review, &images)); // the key is listed
-    QCOMPARE(review.ItemCount(), 4);
+    QVERIFY(s.source.AddMissingFile((*s.destination.begin())->FileObject(),
+                                    s.destination.RootFolder(), 2));
+    s.list(s.source);
+    s.select({"a.txt", "b.txt", "x.exe", "y.exe", "c.txt"});
+
+    QStringList rows;
+    QList<qint64> icons;
+    int images = 0;
+    ModalWatcher watcher([&](QWidget *modal) {
+        auto *form = qobject_cast<frmSynchronizer *>(modal);
+        if (!form)
+            return false;
+        for (int i = 0; i < form->lvwFiles->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem *row = form->lvwFiles->topLevelItem(i);
+            rows << row->text(0) + QLatin1Char('|') + row->text(1);
+            icons << row->icon(0).cacheKey();
+        }
+        images = form->ImageList1->Count();
+        form->cmdCancel->click();
+        return true;
+    });
+    ShowSynchronizer(&m_owner, SyncDirection::ToDestination, &s.listing, s.source, s.destination);
+    // The placeholder of "c.txt" has no file to copy.
+    const QString one = s.tree.path(QStringLiteral("src/one"));
+    const QString two = s.tree.path(QStringLiteral("src/two"));
+    QCOMPARE(rows, (QStringList{"a.txt|" + one, "x.exe|" + one, "b.txt|" + two, "y.exe|" + two}));
     // Documents share their type's icon; each program has its own.
-    QCOMPARE(icons.value(QStringLiteral("a.txt")), icons.value(QStringLiteral("b.txt")));
-    QVERIFY(icons.value(QStringLiteral("x.exe")) != icons.value(QStringLiteral("y.exe")));
-    QCOMPARE(images.Count(), 3);
-    QCOMPARE(review.SmallIcons(), &images);
+    QCOMPARE(images, 3);
+    QCOMPARE(icons[0], icons[2]);
 }
 
 void tst_Synchronizer::nothingQualifyingSaysNoFilesToCopy() {
     Sides s;
     QVERIFY(s.tree.write(QStringLiteral("src/a.txt"), "a"));
     QVERIFY(s.tree.write(QStringLiteral("dst/a.txt"), "a"));
+    QVERIFY(s.tree.write(QStringLiteral("dst/gone.txt"), "gone"));
     s.walk();
-    const QString missingKey = s.tree.path(QStringLiteral("src/gone.txt"));
-    s.list(s.source, {missingKey});
+    QVERIFY(s.source.AddMissingFile(
+        s.destination.Item(s.tree.path(QStringLiteral("dst/gone.txt")))->FileObject(),
+        s.destination.RootFolder(), 2));
+    s.list(s.source);
     s.select({QStringLiteral("gone.txt")});
 
     ModalWatcher watcher;
@@ -220,15 +227,14 @@ void tst_Synchronizer::cancelCopiesNothingAndPromptIsRemembered() {
 void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
     TestTree tree;
     frmSynchronizer form;
-    const char *names[] = {"b", "c", "a"};
-    for (const char *name : names) {
+    for (const char *name : {"b", "c", "a"}) {
         const QByteArray n(name);
-        ListItem row = form.lvwFiles->AddItem(QString::fromLatin1(n), QString::fromLatin1(n));
-        row.setTag(SyncOperationCode);
-        form.SetCopyItem(row, {tree.nativePath("src/" + n), tree.nativePath("dst/" + n),
-                               tree.nativePath("src"), tree.nativePath("dst")});
+        // A row with another code than the copy's is left out.
+        form.AddRow(QString::fromLatin1(n), QString(),
+                    {tree.nativePath("src/" + n), tree.nativePath("dst/" + n),
+                     tree.nativePath("src"), tree.nativePath("dst")},
+                    n == "c" ? 0 : SyncOperationCode);
     }
-    form.lvwFiles->Item(2).setTag(0); // a row with another code is left out
     auto order = [&] {
         QByteArray text;
         for (const CopyItem &item : form.CopyList(SyncOperationCode))
@@ -236,15 +242,18 @@ void tst_Synchronizer::headerClickSortsAndTogglesOrder() {
         return text;
     };
     QCOMPARE(order(), QByteArray("bbaa"));
-    ColumnHeader *name = form.lvwFiles->Column(1);
-    form.SortByColumn(name);
+    form.SortByColumn(frmSynchronizer::NameColumn);
     QCOMPARE(order(), QByteArray("aabb"));
-    form.SortByColumn(name);
+    form.SortByColumn(frmSynchronizer::NameColumn);
     QCOMPARE(order(), QByteArray("bbaa"));
-    QCOMPARE(form.lvwFiles->SortOrder(), Qt::DescendingOrder);
-    form.SortByColumn(form.lvwFiles->Column(4)); // another column starts ascending
-    QCOMPARE(form.lvwFiles->SortOrder(), Qt::AscendingOrder);
-    QCOMPARE(form.lvwFiles->SortKey(), 3);
+    // Another column starts ascending; rows added later take their sorted place.
+    form.SortByColumn(frmSynchronizer::DestinationColumn);
+    form.SortByColumn(frmSynchronizer::NameColumn);
+    form.AddRow(QStringLiteral("0"), QString(),
+                {tree.nativePath("src/0"), tree.nativePath("dst/0"), tree.nativePath("src"),
+                 tree.nativePath("dst")},
+                SyncOperationCode);
+    QCOMPARE(order(), QByteArray("00aabb"));
 }
 
 void tst_Synchronizer::summaryNamesEveryFileNotCopied() {
@@ -318,7 +327,7 @@ void tst_Synchronizer::reviewTellsWhatTheCopyWillDo() {
         auto *form = qobject_cast<frmSynchronizer *>(modal);
         if (!form)
             return false;
-        shownAction = form->lvwFiles->Item(1).SubItems(2);
+        shownAction = form->lvwFiles->topLevelItem(0)->text(2);
         form->chkPrompt->setChecked(false);
         form->cmdOK->click();
         return true;
@@ -431,7 +440,7 @@ void tst_Synchronizer::copiesToFatOverFuse() {
         auto *form = qobject_cast<frmSynchronizer *>(modal);
         if (!form)
             return false;
-        destination = form->lvwFiles->Item(1).SubItems(3);
+        destination = form->lvwFiles->topLevelItem(0)->text(3);
         form->cmdOK->click();
         return true;
     });

@@ -1,56 +1,57 @@
 #include "engine/ComparisonFileCollection.h"
 #include "support/TestTree.h"
+#include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
+#include "views/FileListModel.h"
 #include "views/LinkedListings.h"
-#include "views/ListColumns.h"
-#include "views/ListModel.h"
+#include "views/ListSorting.h"
 #include "views/ListView.h"
 
 #include <QHBoxLayout>
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
 namespace {
 
-/** Two listings side by side in a window, over two (empty) roots of their own. */
+/** Two listings side by side in a window, each listing the files of a tree of its own. */
 struct Window {
-    Window() {
+    Window(const QStringList &sourceNames, const QStringList &destinationNames) {
         lists[0] = new ListView(&widget);
         lists[1] = new ListView(&widget);
         auto *layout = new QHBoxLayout(&widget);
         layout->addWidget(lists[0]);
         layout->addWidget(lists[1]);
         widget.resize(800, 300);
-        files[0].setRootFolder(trees[0].root());
-        files[1].setRootFolder(trees[1].root());
+        const QStringList names[2] = {sourceNames, destinationNames};
+        for (int side = 0; side < 2; ++side) {
+            for (const QString &name : names[side])
+                QVERIFY(trees[side].write(name, name.toUtf8()));
+            files[side].setRootFolder(trees[side].root());
+            ColumnLayout::LoadLayout(lists[side], side == 1, true);
+            // Listed in the order given, not in the walk's order.
+            for (const QString &name : names[side])
+                AddToListview(files[side].Item(trees[side].path(name)), lists[side], nullptr);
+            lists[side]->files()->flush();
+        }
         listings = std::make_unique<LinkedListings>(lists[0], lists[1],
                                                     [this](int side) { return &files[side]; });
-        for (ListView *list : lists)
-            ColumnLayout::LoadLayout(list, list == lists[1], true);
     }
 
-    /** Adds a row for \a relative below side \a side's root; its texts are its name. */
-    void add(int side, const QString &relative) {
-        const QString key = trees[side].path(relative);
-        ListItem item = lists[side]->AddItem(key, relative);
-        for (int i = 1; i < lists[side]->ColumnCount(); ++i)
-            item.setSubItems(i, relative);
+    /** The row of \a name in list \a side. */
+    int row(int side, const QString &name) const {
+        return lists[side]->files()->rowOfKey(files[side].Item(trees[side].path(name))->Key());
     }
 
-    QStringList selected(int side) const {
-        QStringList names;
-        for (int i = 1; i <= lists[side]->ItemCount(); ++i) {
-            if (lists[side]->Item(i).Selected())
-                names.append(lists[side]->Item(i).Text());
+    QStringList names(int side, bool selectedOnly = false) const {
+        QStringList result;
+        const std::vector<bool> selected = lists[side]->selectedRows();
+        for (int row = 0; row < lists[side]->files()->count(); ++row) {
+            if (!selectedOnly || selected[size_t(row)])
+                result.append(lists[side]->files()->text(row, ColumnType::Name));
         }
-        return names;
-    }
-
-    QStringList texts(int side) const {
-        QStringList names;
-        for (int i = 1; i <= lists[side]->ItemCount(); ++i)
-            names.append(lists[side]->Item(i).Text());
-        return names;
+        return result;
     }
 
     QWidget widget;
@@ -59,6 +60,13 @@ struct Window {
     std::array<ComparisonFileCollection, 2> files;
     std::unique_ptr<LinkedListings> listings;
 };
+
+QStringList numbered(int count) {
+    QStringList names;
+    for (int i = 0; i < count; ++i)
+        names.append(QStringLiteral("f%1").arg(i, 3, 10, QLatin1Char('0')));
+    return names;
+}
 
 } // namespace
 
@@ -75,7 +83,8 @@ private Q_SLOTS:
     void followerScrollsWithTheLeader();
     void nothingScrollsWithAnEmptyList();
     void followerStopsWhenUnlinked();
-    void switchingOnCopiesColumnsNarrow();
+    void headerClicksSortBothLists();
+    void mouseClicksOnAHeader();
     void switchingOnSortsTheDestination_data();
     void switchingOnSortsTheDestination();
     void switchingOffLeavesEverything();
@@ -89,46 +98,34 @@ void tst_LinkedListings::selectionFollowsTheFile_data() {
 
 void tst_LinkedListings::selectionFollowsTheFile() {
     QFETCH(int, modelSide);
-    Window w;
-    w.listings->setLinked(true);
     // Differently ordered lists, each with a file the other side lacks.
-    for (const char *name : {"a", "sub/b", "c", "only0"})
-        w.add(0, QString::fromLatin1(name));
-    for (const char *name : {"c", "only1", "SUB/B", "a"})
-        w.add(1, QString::fromLatin1(name));
+    Window w({"a", "sub/b", "c", "only0"}, {"c", "only1", "SUB/B", "a"});
+    w.listings->setLinked(true);
     const int followerSide = 1 - modelSide;
-    w.lists[followerSide]->SelectAll();
+    w.lists[followerSide]->selectAll();
 
     ListView *model = w.lists[modelSide];
-    model->ClearSelections();
-    model->ItemByKey(w.trees[modelSide].path(QStringLiteral("a"))).setSelected(true);
+    std::vector<bool> wanted(4, false);
+    wanted[size_t(w.row(modelSide, QStringLiteral("a")))] = true;
     // A pair matched despite letter case has no row of the same key on the other side.
-    model
-        ->ItemByKey(w.trees[modelSide].path(modelSide == 0 ? QStringLiteral("sub/b")
-                                                           : QStringLiteral("SUB/B")))
-        .setSelected(true);
-    const QString onlyHere = modelSide == 0 ? QStringLiteral("only0") : QStringLiteral("only1");
-    model->ItemByKey(w.trees[modelSide].path(onlyHere)).setSelected(true);
+    wanted[size_t(w.row(modelSide, modelSide == 0 ? QStringLiteral("sub/b")
+                                                  : QStringLiteral("SUB/B")))] = true;
+    wanted[size_t(w.row(modelSide, modelSide == 0 ? QStringLiteral("only0")
+                                                  : QStringLiteral("only1")))] = true;
+    model->setSelectedRows(wanted);
 
     // The follower's rows in its own order; its one-side-only file is deselected.
-    const QStringList expected =
-        followerSide == 1 ? QStringList{"SUB/B", "a"} : QStringList{"a", "sub/b"};
-    QCOMPARE(w.selected(followerSide), expected);
+    const QStringList expected = followerSide == 1 ? QStringList{"B", "a"} : QStringList{"a", "b"};
+    QCOMPARE(w.names(followerSide, true), expected);
 }
 
 void tst_LinkedListings::selectionIsNotMirroredBack() {
-    Window w;
+    Window w({"a", "b", "c"}, {"a", "b", "c"});
     w.listings->setLinked(true);
-    for (const char *name : {"a", "b", "c"}) {
-        w.add(0, QString::fromLatin1(name));
-        w.add(1, QString::fromLatin1(name));
-    }
-    w.lists[0]->flushRows();
-    w.lists[1]->flushRows();
     QSignalSpy sourceChanges(w.lists[0]->selectionModel(), &QItemSelectionModel::selectionChanged);
-    w.lists[0]->Item(2).setSelected(true);
+    w.lists[0]->setSelectedRows({false, true});
     QCOMPARE(sourceChanges.count(), 1);
-    QCOMPARE(w.selected(1), QStringList{"b"});
+    QCOMPARE(w.names(1, true), QStringList{"b"});
 }
 
 void tst_LinkedListings::focusFollowsThePosition_data() {
@@ -142,60 +139,51 @@ void tst_LinkedListings::focusFollowsThePosition_data() {
 void tst_LinkedListings::focusFollowsThePosition() {
     QFETCH(int, focused);
     QFETCH(int, expected);
-    Window w;
-    for (const char *name : {"a", "b", "c", "d"}) {
-        w.add(0, QString::fromLatin1(name));
-        w.add(1, QString::fromLatin1(name));
-    }
-    w.lists[1]->SetFocusedRow(3);
+    Window w({"a", "b", "c", "d"}, {"a", "b", "c", "d"});
+    w.lists[1]->setFocusedRow(3);
     w.listings->setLinked(true);
-    w.lists[0]->SetFocusedRow(focused);
-    QCOMPARE(w.lists[1]->FocusedRow(), expected);
+    w.lists[0]->setFocusedRow(focused);
+    QCOMPARE(w.lists[1]->focusedRow(), expected);
 }
 
 void tst_LinkedListings::followerScrollsWithTheLeader_data() {
-    QTest::addColumn<int>("leader");
-    QTest::newRow("source has the focus") << 0;
-    QTest::newRow("destination has the focus") << 1;
+    QTest::addColumn<int>("focus");
+    QTest::addColumn<int>("scrolled");
+    QTest::newRow("source has the focus and scrolls") << 0 << 0;
+    QTest::newRow("destination has the focus and scrolls") << 1 << 1;
+    // The wheel scrolls the list under the mouse, whichever has the focus.
+    QTest::newRow("source scrolled, destination has the focus") << 1 << 0;
 }
 
 void tst_LinkedListings::followerScrollsWithTheLeader() {
-    QFETCH(int, leader);
-    Window w;
-    for (int i = 0; i < 300; ++i) {
-        w.add(0, QStringLiteral("f%1").arg(i, 3, 10, QLatin1Char('0')));
-        w.add(1, QStringLiteral("f%1").arg(i, 3, 10, QLatin1Char('0')));
-    }
+    QFETCH(int, focus);
+    QFETCH(int, scrolled);
+    Window w(numbered(300), numbered(300));
     w.widget.show();
     QVERIFY(QTest::qWaitForWindowExposed(&w.widget));
-    w.lists[leader]->setFocus();
+    w.lists[focus]->setFocus();
     w.listings->setLinked(true);
-    w.lists[leader]->scrollTo(w.lists[leader]->listModel()->index(150, 0),
-                              QAbstractItemView::PositionAtTop);
-    const int top = w.lists[leader]->TopRow();
-    QVERIFY(top > 100);
+    w.lists[scrolled]->verticalScrollBar()->setValue(150);
     // The follower ticks every ~30 ms; on a loaded machine a tick can come late, so wait for
     // the match rather than for a fixed time.
-    QTRY_COMPARE(w.lists[1 - leader]->TopRow(), top);
-    QCOMPARE(w.lists[1 - leader]->ItemTop(0), w.lists[leader]->ItemTop(0));
+    QTRY_COMPARE(w.lists[1 - scrolled]->verticalScrollBar()->value(), 150);
+    QTest::qWait(100);
+    QCOMPARE(w.lists[scrolled]->verticalScrollBar()->value(), 150);
 }
 
 void tst_LinkedListings::nothingScrollsWithAnEmptyList() {
-    Window w;
-    for (int i = 0; i < 300; ++i)
-        w.add(0, QStringLiteral("f%1").arg(i));
+    Window w(numbered(300), {});
     w.widget.show();
     QVERIFY(QTest::qWaitForWindowExposed(&w.widget));
     w.lists[1]->setFocus();
     w.listings->setLinked(true);
-    w.lists[0]->scrollTo(w.lists[0]->listModel()->index(120, 0), QAbstractItemView::PositionAtTop);
-    const int top = w.lists[0]->TopRow();
+    w.lists[0]->verticalScrollBar()->setValue(120);
     QTest::qWait(100);
-    QCOMPARE(w.lists[0]->TopRow(), top);
+    QCOMPARE(w.lists[0]->verticalScrollBar()->value(), 120);
 }
 
 void tst_LinkedListings::followerStopsWhenUnlinked() {
-    Window w;
+    Window w({}, {});
     w.listings->setLinked(true);
     QVERIFY(w.listings->scrollTimer().isActive());
     w.listings->SwitchLinking(false);
@@ -204,82 +192,95 @@ void tst_LinkedListings::followerStopsWhenUnlinked() {
     QTRY_VERIFY(!w.listings->scrollTimer().isActive());
 }
 
-void tst_LinkedListings::switchingOnCopiesColumnsNarrow() {
-    Window w;
-    QSignalSpy updates(w.listings.get(), &LinkedListings::UpdateListView);
-    w.lists[1]->RemoveColumnAt(w.lists[1]->ColumnByKey(ColumnKey(4))->Index());
-    w.lists[1]->RemoveColumnAt(w.lists[1]->ColumnByKey(ColumnKey(9))->Index());
-    w.lists[1]->AddColumn(ColumnKey(8), ColumnCaption(8), 60);
-    w.listings->SwitchLinking(true);
-    QCOMPARE(w.lists[1]->ColumnByKey(ColumnKey(4))->Width(), 4.0f);
-    QCOMPARE(w.lists[1]->ColumnByKey(ColumnKey(9))->Width(), 0.0f);
-    QCOMPARE(w.lists[1]->ColumnByKey(ColumnKey(1))->Width(), 200.0f);
-    QVERIFY(!w.lists[1]->ColumnByKey(ColumnKey(8)));
-    QCOMPARE(updates.count(), 1);
-    QCOMPARE(updates.at(0).at(0).toInt(), 1);
+void tst_LinkedListings::headerClicksSortBothLists() {
+    Window w({"b", "a", "c"}, {"c", "a", "b"});
+    w.listings->setLinked(true);
+    // Never sorted: the first click on "Name" counts as a second one, and turns it around.
+    Q_EMIT w.lists[1]->columnClicked(ColumnType::Name);
+    QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
+    QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
+    Q_EMIT w.lists[1]->columnClicked(ColumnType::Name);
+    QCOMPARE(w.names(1), (QStringList{"a", "b", "c"}));
+    Q_EMIT w.lists[0]->columnClicked(ColumnType::Difference);
+    QCOMPARE(w.lists[1]->sortType(), int(ColumnType::Difference));
+    QCOMPARE(w.lists[1]->sortOrder(), Qt::AscendingOrder);
+    w.listings->setLinked(false);
+    Q_EMIT w.lists[0]->columnClicked(ColumnType::Name);
+    QCOMPARE(w.lists[1]->sortType(), int(ColumnType::Difference));
+}
 
-    // Off and on again: a column the destination lost is copied again, narrow.
-    w.listings->SwitchLinking(false);
-    w.lists[1]->RemoveColumnAt(w.lists[1]->ColumnByKey(ColumnKey(1))->Index());
-    w.listings->SwitchLinking(true);
-    QCOMPARE(w.lists[1]->ColumnByKey(ColumnKey(1))->Width(), 1.0f);
+void tst_LinkedListings::mouseClicksOnAHeader() {
+    Window w({"b", "a", "c"}, {"c", "a", "b"});
+    w.widget.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&w.widget));
+    w.listings->setLinked(true);
+    QHeaderView *header = w.lists[0]->header();
+    const int section = FileListModel::columnOf(ColumnType::Difference);
+    const QPoint centre(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
+                        header->height() / 2);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
+    QCOMPARE(w.lists[0]->sortType(), int(ColumnType::Difference));
+    QCOMPARE(w.lists[0]->sortOrder(), Qt::AscendingOrder);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
+    QCOMPARE(w.lists[0]->sortOrder(), Qt::DescendingOrder);
+    QCOMPARE(w.lists[1]->sortOrder(), Qt::DescendingOrder);
+    QVERIFY(header->isSortIndicatorShown());
 }
 
 void tst_LinkedListings::switchingOnSortsTheDestination_data() {
-    QTest::addColumn<int>("sourceSortKey");
+    QTest::addColumn<int>("sourceType");
     QTest::addColumn<int>("sourceOrder");
-    QTest::addColumn<int>("destinationSortKey");
+    QTest::addColumn<int>("destinationType");
     QTest::addColumn<int>("destinationOrder");
     QTest::addColumn<QStringList>("destinationRows");
-    // Sub-item 2 is "Size"; the header used is the one created before it, "In Folder".
-    QTest::newRow("off by one") << 2 << int(Qt::DescendingOrder) << 1 << int(Qt::DescendingOrder)
+    // "Size" is the third column in type order; the one used is the one before it.
+    QTest::newRow("off by one") << int(ColumnType::Size) << int(Qt::DescendingOrder)
+                                << int(ColumnType::InFolder) << int(Qt::DescendingOrder)
                                 << QStringList{"c", "b", "a"};
-    // Sorted on the first column created: no header 0, so both lists are sorted as by a
-    // click on the source's first header, which toggles its direction.
-    QTest::newRow("fallback toggles") << 0 << int(Qt::AscendingOrder) << 0
-                                      << int(Qt::DescendingOrder) << QStringList{"c", "b", "a"};
-    QTest::newRow("fallback ascends") << 0 << int(Qt::DescendingOrder) << 0
-                                      << int(Qt::AscendingOrder) << QStringList{"a", "b", "c"};
+    // Sorted on the first column: there is no column before it, so both lists are sorted as
+    // by a click on the source's first column, which toggles its direction.
+    QTest::newRow("fallback toggles")
+        << int(ColumnType::Name) << int(Qt::AscendingOrder) << int(ColumnType::Name)
+        << int(Qt::DescendingOrder) << QStringList{"c", "b", "a"};
+    QTest::newRow("fallback ascends")
+        << int(ColumnType::Name) << int(Qt::DescendingOrder) << int(ColumnType::Name)
+        << int(Qt::AscendingOrder) << QStringList{"a", "b", "c"};
 }
 
 void tst_LinkedListings::switchingOnSortsTheDestination() {
-    QFETCH(int, sourceSortKey);
+    QFETCH(int, sourceType);
     QFETCH(int, sourceOrder);
-    QFETCH(int, destinationSortKey);
+    QFETCH(int, destinationType);
     QFETCH(int, destinationOrder);
     QFETCH(QStringList, destinationRows);
-    Window w;
-    for (const char *name : {"b", "a", "c"}) {
-        w.add(0, QString::fromLatin1(name));
-        w.add(1, QString::fromLatin1(name));
-    }
-    w.lists[0]->setSortKey(sourceSortKey);
-    w.lists[0]->setSortOrder(Qt::SortOrder(sourceOrder));
+    // Every name in a folder of its own, so that "In Folder" sorts as the names do.
+    Window w({"b/b", "a/a", "c/c"}, {"b/b", "a/a", "c/c"});
+    w.lists[0]->header()->setSortIndicator(FileListModel::columnOf(sourceType),
+                                           Qt::SortOrder(sourceOrder));
+    w.lists[1]->setColumnHidden(FileListModel::columnOf(ColumnType::Size), true);
     w.listings->SwitchLinking(true);
-    QCOMPARE(w.lists[1]->SortKey(), destinationSortKey);
-    QCOMPARE(int(w.lists[1]->SortOrder()), destinationOrder);
-    QCOMPARE(w.texts(1), destinationRows);
-    if (sourceSortKey == 0)
-        QCOMPARE(w.texts(0), destinationRows);
+    // The destination got the source's columns.
+    QVERIFY(!w.lists[1]->isColumnHidden(FileListModel::columnOf(ColumnType::Size)));
+    QCOMPARE(w.lists[1]->sortType(), destinationType);
+    QCOMPARE(int(w.lists[1]->sortOrder()), destinationOrder);
+    QCOMPARE(w.names(1), destinationRows);
+    if (sourceType == ColumnType::Name)
+        QCOMPARE(w.names(0), destinationRows);
 }
 
 void tst_LinkedListings::switchingOffLeavesEverything() {
-    Window w;
-    for (const char *name : {"b", "a"}) {
-        w.add(0, QString::fromLatin1(name));
-        w.add(1, QString::fromLatin1(name));
-    }
+    Window w({"b", "a"}, {"b", "a"});
     w.listings->SwitchLinking(true);
-    w.lists[0]->Item(1).setSelected(true);
-    const QStringList selected = w.selected(1);
-    const QStringList rows = w.texts(1);
-    const int columns = w.lists[1]->ColumnCount();
+    w.lists[0]->setSelectedRows({true});
+    const QStringList selected = w.names(1, true);
+    const QStringList rows = w.names(1);
+    QCOMPARE(selected.size(), 1);
     w.listings->SwitchLinking(false);
-    QCOMPARE(w.selected(1), selected);
-    QCOMPARE(w.texts(1), rows);
-    QCOMPARE(w.lists[1]->ColumnCount(), columns);
-    w.lists[0]->ClearSelections();
-    QCOMPARE(w.selected(1), selected);
+    w.lists[1]->setColumnHidden(FileListModel::columnOf(ColumnType::Name), true);
+    w.lists[0]->clearSelection();
+    QCOMPARE(w.names(1, true), selected);
+    QCOMPARE(w.names(1), rows);
+    QVERIFY(!w.lists[0]->isColumnHidden(FileListModel::columnOf(ColumnType::Name)));
 }
 
 QTEST_MAIN(tst_LinkedListings)

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "engine/ComparisonFile.h"
+#include "views/ImageList.h"
+
+#include <QAbstractTableModel>
+#include <QElapsedTimer>
+#include <QFont>
+#include <QHash>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+/**
+ * The rows of a result listing: one file record per row (a placeholder record too), shown in
+ * nine columns, one per column type (model column n shows type n + 1). Every text is read from
+ * the record when it is shown, so a row stores nothing but its record and its icon.
+ *
+ * Appended rows are handed to the view in batches: they count at once for count(), record()
+ * and rowOfKey() but reach rowCount() only when the event loop runs, at most every ~250 ms
+ * while rows keep coming, or when flush() is called. A tree view lays out all its rows again
+ * on every insertion, so one insertion per file would cost time in the square of the list.
+ */
+class FileListModel : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    explicit FileListModel(QObject *parent = nullptr);
+
+    /** The column type (1..9) that model column \a column shows. */
+    static int typeOf(int column) { return column + 1; }
+    /** The model column that shows column type \a type. */
+    static int columnOf(int type) { return type - 1; }
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    /** Hands pending rows and changes to the view now. */
+    void flush();
+
+    /** Rows, including those not yet handed to the view. */
+    int count() const { return int(m_rows.size()); }
+    /** The record of zero-based \a row (no bounds check). */
+    const ComparisonFilePtr &record(int row) const { return m_rows[size_t(row)].record; }
+    /** The row showing the record whose key is \a key, or -1. */
+    int rowOfKey(const QString &key) const;
+    /** The text \a row shows for column type \a type. */
+    QString text(int row, int type) const;
+
+    /**
+     * Shows \a record with image \a icon (one-based in the icon list, 0 for none): in the row
+     * of its key when there is one, else in a row appended at the end. Returns the row.
+     */
+    int addRecord(const ComparisonFilePtr &record, int icon);
+    /**
+     * Removes every zero-based row that \a remove accepts, in one pass: the rows that stay
+     * keep their order, selection and focus. Returns how many were removed.
+     */
+    int removeRowsIf(const std::function<bool(int row)> &remove);
+    void clear();
+    /** Makes room for \a count rows in all. */
+    void reserve(int count);
+
+    /** Orders the rows stably by \a keys (one per row), compared as displayed texts are. */
+    void sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order);
+
+    /** Whether the "In Folder" texts show full paths. */
+    bool fullPath() const { return m_fullPath; }
+    void setFullPath(bool fullPath);
+    /** Whether rows of pairs that are not identical (code other than 1) are drawn in bold. */
+    bool boldDifferent() const { return m_boldDifferent; }
+    void setBoldDifferent(bool bold);
+    void setBoldFont(const QFont &font) { m_boldFont = font; }
+    /** The image list the rows' icons index, or null. */
+    ImageList *icons() const { return m_icons; }
+    void setIcons(ImageList *icons);
+
+private:
+    struct Row {
+        ComparisonFilePtr record;
+        int icon = 0;
+    };
+
+    void scheduleFlush();
+    void markChanged(int row);
+    void allChanged(const QList<int> &roles);
+    /** Rebuilds the row of each record after rows moved. */
+    void renumber();
+
+    std::vector<Row> m_rows;
+    /**
+     * The record of each key, and the row of each record: a sort moves rows without
+     * building every record's key again.
+     */
+    QHash<QString, const ComparisonFile *> m_byKey;
+    QHash<const ComparisonFile *, int> m_rowOf;
+    int m_shownRows = 0;
+    int m_changedFirst = -1;
+    int m_changedLast = -1;
+    QTimer m_flushTimer;
+    QElapsedTimer m_sinceFlush;
+    bool m_fullPath = false;
+    bool m_boldDifferent = false;
+    QFont m_boldFont;
+    QPointer<ImageList> m_icons;
+};
