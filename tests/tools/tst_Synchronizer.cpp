@@ -375,7 +375,8 @@ void tst_Synchronizer::questionIsAboveTheProgressWindow() {
             seen << QStringLiteral("child of the progress window");
         if (progress.isVisible())
             seen << QStringLiteral("progress window shown first");
-        if (QApplication::activeWindow() == box)
+        // Activation is asynchronous: give it the moment a busy machine needs.
+        if (QTest::qWaitFor([box] { return QApplication::activeWindow() == box; }, 2000))
             seen << QStringLiteral("active");
         QWidget *focus = QApplication::focusWidget();
         QTest::keyClick(focus && focus->window() == box ? focus : box, Qt::Key_Return);
