@@ -20,6 +20,7 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
     mnuFileSelectPath[1] = mnuFile->addAction(QStringLiteral("Select &Destination Folder..."));
     mnuFileZ1 = mnuFile->addSeparator();
     mnuFileCompare = mnuFile->addAction(compareCaption());
+    showCompareKeyHint(true);
     mnuFileZ2 = mnuFile->addSeparator();
     mnuFileClear = mnuFile->addAction(QStringLiteral("C&lear Display"));
     mnuFileZ3 = mnuFile->addSeparator();
@@ -80,8 +81,16 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
 }
 
 QString MainMenuBar::compareCaption() {
-    // The text after the tab is shown as the item's key hint: Enter presses the default button.
-    return QStringLiteral("&Compare\tEnter");
+    return QStringLiteral("&Compare");
+}
+
+void MainMenuBar::showCompareKeyHint(bool shown) {
+    // Enter presses the window's default button, and the item shows it as its key hint. The
+    // hint is a shortcut of the item rather than text after a tab, so that a screen reader
+    // reads the caption alone; scoped to the menu, it never fires, as an open menu takes
+    // Enter for itself.
+    mnuFileCompare->setShortcutContext(Qt::WidgetShortcut);
+    mnuFileCompare->setShortcut(shown ? QKeySequence(Qt::Key_Enter) : QKeySequence());
 }
 
 QString MainMenuBar::cancelCaption() {

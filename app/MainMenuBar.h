@@ -25,6 +25,8 @@ public:
     static QString compareCaption();
     /** File > Compare's caption while a run is in progress. */
     static QString cancelCaption();
+    /** Shows Enter as File > Compare's key hint (idle), or no hint (while a compare runs). */
+    void showCompareKeyHint(bool shown);
 
     QMenu *mnuFile = nullptr;
     std::array<QAction *, 2> mnuFileSelectPath{};

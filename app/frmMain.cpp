@@ -474,6 +474,7 @@ void frmMain::SetCompareMode(bool comparing) {
     cboComparisons->setEnabled(e);
     cmdCompare->setText(e ? compareButtonCaption : cancelButtonCaption);
     m.mnuFileCompare->setText(e ? MainMenuBar::compareCaption() : MainMenuBar::cancelCaption());
+    m.showCompareKeyHint(e);
     m_escape->setEnabled(comparing);
     cmdCompare->setEnabled(true);
     m.mnuFileClear->setEnabled(e);

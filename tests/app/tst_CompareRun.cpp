@@ -344,6 +344,13 @@ void tst_CompareRun::problemsOpenFromTheStatus() {
     QCOMPARE(QAccessible::queryAccessibleInterface(w.window.StatusBar1)->text(QAccessible::Name),
              QStringLiteral("Compare complete.  1 item could not be compared."));
     QCOMPARE(w.window.lvwFiles[1]->accessibleName(), QStringLiteral("Destination files"));
+    // A menu item is read by its caption alone, not with its key hint after a tab.
+    QAccessibleInterface *file = QAccessible::queryAccessibleInterface(w.window.menus->mnuFile);
+    QStringList items;
+    for (int i = 0; i < file->childCount(); ++i)
+        items << file->child(i)->text(QAccessible::Name);
+    QVERIFY2(items.contains(QStringLiteral("Compare")), qPrintable(items.join(QLatin1Char('|'))));
+    QCOMPARE(w.window.menus->mnuFileCompare->shortcut(), QKeySequence(Qt::Key_Enter));
 
     const ComparisonFileCollection *run = w.window.colSourceFiles.get();
     auto *text = w.window.StatusBar1->findChild<QWidget *>(QStringLiteral("StatusText"));
