@@ -41,7 +41,7 @@ void StatusLine::UpdateStatus(const QString &statusText, bool isProgressMessage,
         m_text->setText(shown);
         return;
     }
-    showPercentage(completionPercentage);
+    m_pendingPercentage = completionPercentage;
     m_pending = shown;
     m_makePending = nullptr;
     schedulePending();
@@ -49,7 +49,7 @@ void StatusLine::UpdateStatus(const QString &statusText, bool isProgressMessage,
 
 void StatusLine::UpdateProgress(const std::function<QString()> &makeText,
                                 int completionPercentage) {
-    showPercentage(completionPercentage);
+    m_pendingPercentage = completionPercentage;
     m_makePending = makeText;
     schedulePending();
 }
@@ -97,6 +97,8 @@ void StatusLine::paintPending() {
     if (!m_hasPending)
         return;
     m_hasPending = false;
+    // The bar moves with the text it belongs to, so the two never tell different stories.
+    showPercentage(m_pendingPercentage);
     m_text->setText(pendingText());
     m_lastPaintMs = coarseMilliseconds();
 }

@@ -67,6 +67,8 @@ private:
     /** When set, makes the pending text in place of m_pending. */
     std::function<QString()> m_makePending;
     bool m_hasPending = false;
+    /** The percentage that goes with the pending text; -1 for none. */
+    int m_pendingPercentage = -1;
     /** When a progress text was last painted (coarseMilliseconds()); -1 before the first. */
     qint64 m_lastPaintMs = -1;
     QTimer m_flush;

@@ -128,6 +128,19 @@ void tst_StatusLine::finalTextShownAtOnce() {
     // The progress text still pending must not overwrite the final one later.
     QTest::qWait(StatusLine::paintIntervalMs * 2);
     QCOMPARE(line.findChild<StatusText *>()->text(), QStringLiteral("  Compare complete."));
+
+    // A progress text held back for the interval holds its bar back too: what the bar shows
+    // always belongs to the text beside it.
+    const auto agree = [&line] {
+        const bool first =
+            line.findChild<StatusText *>()->text().endsWith(QLatin1String("(1 of 4)"));
+        return line.ProgressBar1()->value() == (first ? 25 : 50);
+    };
+    line.UpdateStatus(QStringLiteral("Comparing files - pass 2  (1 of 4)"), true, 25);
+    line.UpdateStatus(QStringLiteral("Comparing files - pass 2  (2 of 4)"), true, 50);
+    QVERIFY(agree());
+    QTRY_COMPARE(line.ProgressBar1()->value(), 50);
+    QVERIFY(agree());
 }
 
 void tst_StatusLine::textIsSpoken() {
