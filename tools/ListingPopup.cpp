@@ -73,6 +73,6 @@ ShowListingPopup(ListView *listing, int side, bool diffProgramSet, QMenu *mnuBad
     menu->setUseShellDefault(true);
     if (onItem)
         QObject::connect(menu.get(), &ShellContextMenu::MenuItemInvoked, menu.get(), onItem);
-    menu->PopupMenu(listing, 0, globalPosition.x(), globalPosition.y());
+    menu->PopupMenu(listing, globalPosition.x(), globalPosition.y());
     return menu;
 }

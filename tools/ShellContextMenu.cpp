@@ -101,8 +101,7 @@ void ShellContextMenu::addDesktopActions(QMenu *menu, QWidget *owner) {
                     [files, parent] { DesktopActions::ShowProperties(parent, files); });
 }
 
-void ShellContextMenu::PopupMenu(QWidget *owner, int Flags, int X, int Y) {
-    Q_UNUSED(Flags)
+void ShellContextMenu::PopupMenu(QWidget *owner, int X, int Y) {
     if (m_files.isEmpty())
         return;
     const QPoint point = X == -1 && Y == -1 ? QCursor::pos() : QPoint(X, Y);

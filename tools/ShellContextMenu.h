@@ -56,9 +56,8 @@ public:
     /**
      * Shows the menu over \a owner at the global point (\a X, \a Y), or at the cursor when
      * both are -1, and returns when it closes. Shows nothing when no file was added.
-     * \a Flags is kept for callers of the designed interface; no flag changes anything here.
      */
-    void PopupMenu(QWidget *owner, int Flags, int X, int Y);
+    void PopupMenu(QWidget *owner, int X, int Y);
 
 Q_SIGNALS:
     /** The user picked the own item with \a Caption and \a ItemData. */

@@ -28,9 +28,9 @@ bool SaveLayout(const ListView *list, bool isDestination);
 int GetColumnPosition(const ListView *list, int type);
 
 /**
- * The default width of column type \a type in \a list: the designed width, chosen for a
- * font whose characters average 5 pixels, scaled to the list's font, so that texts such as
- * "2,000 bytes" and dates fit.
+ * The default width of column type \a type in \a list: a width in pixels that fits the
+ * column's usual texts in a font whose characters average 5 pixels, scaled to the list's
+ * font, so that texts such as "2,000 bytes" and dates fit whatever font the desktop uses.
  */
 int DefaultWidth(const ListView *list, int type);
 

@@ -84,7 +84,8 @@ void tst_Options::booleanKeys() {
     QCOMPARE(key.read(), key.fallback);
     QVERIFY(!QFile::exists(SettingsStore::fileName())); // reading alone writes nothing
 
-    // Stored as the designed words, never as Qt's own "true"/"false".
+    // Stored as "True"/"False", never as Qt's own "true"/"false": settings files written by
+    // earlier versions and edited by hand use these words.
     QVERIFY(key.write(!key.fallback));
     const QByteArray expected = name + '=' + (key.fallback ? "False" : "True") + '\n';
     QVERIFY2(m_profile.raw().contains(expected), m_profile.raw().constData());
