@@ -1,15 +1,14 @@
 #include "views/LinkedListings.h"
 
 #include "engine/ComparisonFileCollection.h"
-#include "engine/PathHelpers.h"
 #include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
 
-#include <QHash>
 #include <QScrollBar>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -81,11 +80,6 @@ const ComparisonFileCollection *LinkedListings::collection(int side) const {
     return m_collections ? m_collections(side) : nullptr;
 }
 
-QString LinkedListings::rootFolder(int side) const {
-    const ComparisonFileCollection *files = collection(side);
-    return files ? files->RootFolder() : QString();
-}
-
 void LinkedListings::SwitchLinking(bool linked) {
     setLinked(linked);
     if (!linked)
@@ -109,32 +103,27 @@ void LinkedListings::ColumnClick(int side, int type) {
 const std::vector<int> &LinkedListings::counterparts(int fromSide) {
     const FileListModel *from = m_lists[size_t(fromSide)]->files();
     const FileListModel *to = m_lists[size_t(1 - fromSide)]->files();
+    const ComparisonFileCollection *fromFiles = collection(fromSide);
+    const ComparisonFileCollection *toFiles = collection(1 - fromSide);
     CounterpartCache &cache = m_counterparts[size_t(fromSide)];
-    const QString fromRoot = rootFolder(fromSide);
-    const QString toRoot = rootFolder(1 - fromSide);
-    // Keys never change once a row exists, so the translation holds until rows come, go
-    // or move in either list, or a new compare brings new roots.
-    if (cache.valid && cache.rows.size() == size_t(from->count()) && cache.fromRoot == fromRoot &&
-        cache.toRoot == toRoot)
+    // A pairing holds until rows come, go or move in either list, or either collection changes.
+    const quint64 generations[2] = {fromFiles ? fromFiles->generation() : 0,
+                                    toFiles ? toFiles->generation() : 0};
+    if (cache.valid && cache.rows.size() == size_t(from->count()) && cache.from == fromFiles &&
+        cache.to == toFiles && std::equal(generations, generations + 2, cache.generations))
         return cache.rows;
     cache.rows.assign(size_t(from->count()), -1);
-    // A row without a row of its own key on the other side belongs to a pair matched despite
-    // letter case, where a folder ignores it: such pairs are found by their lower-case keys.
-    QHash<QString, int> byLowerKey;
-    for (int i = 0; i < from->count(); ++i) {
-        const QString key = TranslatePath(from->record(i)->Key(), fromRoot, toRoot, false);
-        if (const int row = to->rowOfKey(key); row >= 0) {
-            cache.rows[size_t(i)] = row;
-            continue;
+    // The row of a record's counterpart, found by the collection's own pairing rule: letter
+    // case and composed accents count exactly as they did when the pairs were judged.
+    if (fromFiles && toFiles) {
+        for (int i = 0; i < from->count(); ++i) {
+            if (const ComparisonFilePtr pair = toFiles->Counterpart(*from->record(i), *fromFiles))
+                cache.rows[size_t(i)] = to->rowOfKey(pair->Key());
         }
-        if (byLowerKey.isEmpty()) {
-            for (int j = 0; j < to->count(); ++j)
-                byLowerKey.insert(to->record(j)->Key().toLower(), j);
-        }
-        cache.rows[size_t(i)] = byLowerKey.value(key.toLower(), -1);
     }
-    cache.fromRoot = fromRoot;
-    cache.toRoot = toRoot;
+    cache.from = fromFiles;
+    cache.to = toFiles;
+    std::copy(generations, generations + 2, cache.generations);
     cache.valid = true;
     return cache.rows;
 }

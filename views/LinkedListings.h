@@ -82,7 +82,6 @@ public:
 
 private:
     const ComparisonFileCollection *collection(int side) const;
-    QString rootFolder(int side) const;
     const std::vector<int> &counterparts(int fromSide);
 
     std::array<ListView *, 2> m_lists;
@@ -97,8 +96,9 @@ private:
     /** Per side: the row of each of its rows' counterparts in the other list, or -1. */
     struct CounterpartCache {
         std::vector<int> rows;
-        QString fromRoot;
-        QString toRoot;
+        const ComparisonFileCollection *from = nullptr;
+        const ComparisonFileCollection *to = nullptr;
+        quint64 generations[2] = {0, 0};
         bool valid = false;
     };
     std::array<CounterpartCache, 2> m_counterparts;
