@@ -61,18 +61,21 @@ bool CompareSession::cancelled() const {
 CompareSession::State CompareSession::run(const Request &request) {
     m_restarts = 0;
     m_cancelRequested = false;
+    m_problems = {};
+    m_keptChanging.clear();
     for (;;) {
         const int status = attempt(request);
-        if (cancelled()) {
-            setState(State::Cancelled);
-            return m_state;
-        }
-        if (status != Pairscope::StatusRescanNeeded) {
-            setState(State::Complete);
-            return m_state;
-        }
-        if (m_restarts == m_maxRestarts) {
-            setState(State::GaveUp);
+        State end = State::Idle;
+        if (cancelled())
+            end = State::Cancelled;
+        else if (status != Pairscope::StatusRescanNeeded)
+            end = State::Complete;
+        else if (m_restarts == m_maxRestarts)
+            end = State::GaveUp;
+        if (end != State::Idle) {
+            // Gathered once: the lists are read again on every refresh of the window.
+            collectProblems(end);
+            setState(end);
             return m_state;
         }
         ++m_restarts;
@@ -137,29 +140,29 @@ void CompareSession::walkSideBySide(const Request &request) {
     }
 }
 
-QList<CollectionProblem> CompareSession::problemsOf(int side) const {
-    const ComparisonFileCollection *files = side == 0 ? m_source.get() : m_destination.get();
-    if (!files)
-        return {};
-    QList<CollectionProblem> problems = files->Problems();
-    // A record whose contents could not be read; a placeholder in its place stands for a file
-    // behind a folder that could not be read, and that folder is already listed.
-    const int unreadable =
-        side == 0 ? DifferenceCode::SourceUnreadable : DifferenceCode::DestinationUnreadable;
-    for (const ComparisonFilePtr &record : *files) {
-        if (record->DifferenceCode() == unreadable && record->HasFileObject())
-            problems.append({CollectionProblem::Kind::UnreadableFile, record->Path(),
-                             record->NativePath(), unreadableReason(record->NativePath())});
+void CompareSession::collectProblems(State end) {
+    for (int side = 0; side < 2; ++side) {
+        const ComparisonFileCollection &files = side == 0 ? *m_source : *m_destination;
+        QList<CollectionProblem> &problems = m_problems[std::size_t(side)];
+        problems = files.Problems();
+        // A record whose contents could not be read; a placeholder in its place stands for a
+        // file behind a folder that could not be read, and that folder is already listed.
+        const int unreadable =
+            side == 0 ? DifferenceCode::SourceUnreadable : DifferenceCode::DestinationUnreadable;
+        for (const ComparisonFilePtr &record : files) {
+            if (record->DifferenceCode() == unreadable && record->HasFileObject())
+                problems.append({CollectionProblem::Kind::UnreadableFile, record->Path(),
+                                 record->NativePath(), unreadableReason(record->NativePath())});
+        }
     }
-    return problems;
+    m_keptChanging.clear();
+    if (end == State::GaveUp)
+        m_keptChanging.append({CollectionProblem::Kind::KeptChanging, QString(), QByteArray(),
+                               QStringLiteral("the folders kept changing during the comparison; "
+                                              "gave up after %1 restarts")
+                                   .arg(m_maxRestarts)});
 }
 
 QList<CollectionProblem> CompareSession::problems() const {
-    QList<CollectionProblem> problems = problemsOf(0) + problemsOf(1);
-    if (m_state == State::GaveUp)
-        problems.append({CollectionProblem::Kind::KeptChanging, QString(), QByteArray(),
-                         QStringLiteral("the folders kept changing during the comparison; gave "
-                                        "up after %1 restarts")
-                             .arg(m_maxRestarts)});
-    return problems;
+    return m_problems[0] + m_problems[1] + m_keptChanging;
 }

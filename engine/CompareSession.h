@@ -9,6 +9,7 @@
 #include <QList>
 #include <QObject>
 
+#include <array>
 #include <memory>
 
 /**
@@ -90,9 +91,13 @@ public:
      * whose contents could not be read, then a tree that kept changing (its path empty).
      */
     QList<CollectionProblem> problems() const;
-    /** The problems of one side (0 source, 1 destination): its tree's, then its unreadable files.
+    /**
+     * The problems of one side (0 source, 1 destination) at the end of the last run: its
+     * tree's, then its unreadable files.
      */
-    QList<CollectionProblem> problemsOf(int side) const;
+    const QList<CollectionProblem> &problemsOf(int side) const {
+        return m_problems[std::size_t(side)];
+    }
 
 Q_SIGNALS:
     void stateChanged(CompareSession::State state);
@@ -105,6 +110,7 @@ private:
     int attempt(const Request &request);
     void walkSideBySide(const Request &request);
     bool cancelled() const;
+    void collectProblems(State end);
 
     std::shared_ptr<ComparisonFileCollection> m_source;
     std::shared_ptr<ComparisonFileCollection> m_destination;
@@ -116,4 +122,6 @@ private:
     bool m_parallelWalks = false;
     bool m_loadDetails = false;
     bool m_cancelRequested = false;
+    std::array<QList<CollectionProblem>, 2> m_problems;
+    QList<CollectionProblem> m_keptChanging;
 };

@@ -46,8 +46,10 @@ int LongPath::open(const QByteArray &path, int flags) {
 LongPath::Parent::Parent(const QByteArray &path)
     : m_fd(AT_FDCWD)
     , m_name(path.constData()) {
+    if (path.size() < PATH_MAX)
+        return;
     const qsizetype slash = path.lastIndexOf('/');
-    if (path.size() < PATH_MAX || slash < 0)
+    if (slash < 0)
         return;
     m_folder = slash == 0 ? QByteArray("/") : path.left(slash);
     m_fd = LongPath::open(m_folder, O_PATH | O_DIRECTORY | O_CLOEXEC);
