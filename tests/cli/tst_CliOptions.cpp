@@ -42,24 +42,12 @@ void tst_CliOptions::parsesOptions_data() {
     const int text = int(OutputFormat::Text);
     QTest::newRow("defaults") << QByteArray("a b") << 3 << 65536 << true << true << false << false
                               << text;
-    QTest::newRow("list with blanks and upper case")
-        << QByteArray("--compare Size,CRC a b") << 33 << 65536 << true << true << false << false
-        << text;
-    QTest::newRow("existence is nothing")
-        << QByteArray("-c existence a b") << 0 << 65536 << true << true << false << false << text;
-    QTest::newRow("attached long value")
-        << QByteArray("--compare=crc --format=json a b") << 32 << 65536 << true << true << false
-        << false << int(OutputFormat::Json);
-    QTest::newRow("bundled flags and value")
-        << QByteArray("-aqc crc a b") << 32 << 65536 << true << true << true << true << text;
+    QTest::newRow("bundled flags, attached values, upper case")
+        << QByteArray("-aqc Size,CRC --format=json --chunk-size=1024 a b") << 33 << 1024 << true
+        << true << true << true << int(OutputFormat::Json);
     QTest::newRow("flags after the roots")
         << QByteArray("a --crc-first b --no-slack --format tsv") << 3 << 65536 << false << false
         << false << false << int(OutputFormat::Tsv);
-    QTest::newRow("chunk size at the floor") << QByteArray("--chunk-size 1024 a b") << 3 << 1024
-                                             << true << true << false << false << text;
-    QTest::newRow("chunk size at the ceiling")
-        << QByteArray("--chunk-size=16777216 a b") << 3 << 16777216 << true << true << false
-        << false << text;
     QTest::newRow("roots after --")
         << QByteArray("-a -- -a --help") << 3 << 65536 << true << true << true << false << text;
 }
@@ -91,27 +79,17 @@ void tst_CliOptions::refusesBadArguments_data() {
         << QByteArray("-c size,colour a b") << "unknown comparison 'colour'";
     QTest::newRow("value missing at the end")
         << QByteArray("a b --compare") << "option '--compare' needs a value";
-    QTest::newRow("value on a flag")
-        << QByteArray("--all=yes a b") << "option '--all' takes no value";
+    QTest::newRow("value on a bundled flag")
+        << QByteArray("-aq=1 a b") << "option '-q' takes no value";
     QTest::newRow("chunk size not a number")
         << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
-    QTest::newRow("unknown format") << QByteArray("--format xml a b") << "unknown --format 'xml'";
-    QTest::newRow("unknown case rule")
-        << QByteArray("--case=lower a b") << "unknown --case 'lower'";
-    QTest::newRow("chunk size below the floor")
-        << QByteArray("--chunk-size 1023 a b") << "--chunk-size '1023' is out of range";
     QTest::newRow("chunk size above the ceiling")
         << QByteArray("--chunk-size=16777217 a b") << "--chunk-size '16777217' is out of range";
     QTest::newRow("existence with another")
         << QByteArray("-c existence,size a b") << "existence cannot be combined";
-    QTest::newRow("value on a short flag")
-        << QByteArray("-a=1 a b") << "option '-a' takes no value";
-    QTest::newRow("value on a bundled flag")
-        << QByteArray("-aq=1 a b") << "option '-q' takes no value";
-    QTest::newRow("empty source") << QByteArray("@ b") << "SOURCE is an empty argument";
     QTest::newRow("empty destination") << QByteArray("a @") << "DESTINATION is an empty argument";
     QTest::newRow("a newline in an argument stays escaped")
-        << QByteArray("--format x\ny a b") << "unknown --format 'x\\ny'";
+        << QByteArray("--case x\ny a b") << "unknown --case 'x\\ny'";
 }
 
 void tst_CliOptions::refusesBadArguments() {
@@ -142,19 +120,13 @@ void tst_CliOptions::escapesNames_data() {
     // A backslash is doubled for people too: this name and the Latin-1 byte below differ.
     QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
                                          << QByteArray("caf\\\\xe9") << "caf\\\\xe9" << true;
-    QTest::newRow("carriage return stays in tsv")
-        << QByteArray("r\r") << QByteArray("r\r") << QByteArray("r\\x0d") << "r\\x0d" << true;
-    QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9 \xe6\x97\xa5")
-                           << QByteArray("caf\xc3\xa9 \xe6\x97\xa5")
-                           << QByteArray("caf\\xc3\\xa9 \\xe6\\x97\\xa5")
-                           << QString::fromUtf8("caf\xc3\xa9 \xe6\x97\xa5") << true;
+    QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9") << QByteArray("caf\xc3\xa9")
+                           << QByteArray("caf\\xc3\\xa9") << QString::fromUtf8("caf\xc3\xa9")
+                           << true;
     QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
                                   << QByteArray("caf\\xe9") << "caf\\xe9" << false;
     QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")
                                     << QByteArray("\\xc0\\xaf") << "\\xc0\\xaf" << false;
-    QTest::newRow("above U+10FFFF")
-        << QByteArray("\xf4\x90\x80\x80") << QByteArray("\xf4\x90\x80\x80")
-        << QByteArray("\\xf4\\x90\\x80\\x80") << "\\xf4\\x90\\x80\\x80" << false;
     QTest::newRow("cut short at the end") << QByteArray("a\xe2\x82") << QByteArray("a\xe2\x82")
                                           << QByteArray("a\\xe2\\x82") << "a\\xe2\\x82" << false;
 }
