@@ -108,7 +108,7 @@ QByteArray side(const ComparisonFilePtr &record) {
 QByteArray nameMembers(const char *key, const QByteArray &native) {
     QByteArray out =
         jsonString(QString::fromLatin1(key)) + ": " + jsonString(DisplayFromNative(native));
-    if (!NameEscaping::isValidUtf8(native)) {
+    if (!IsValidUtf8(native)) {
         out += ", " + jsonString(QString::fromLatin1(key) + QLatin1String("Bytes")) + ": " +
                jsonString(QString::fromLatin1(NameEscaping::bytes(native)));
     }

@@ -26,7 +26,4 @@ QByteArray bytes(const QByteArray &name);
  */
 QString readable(const QByteArray &name);
 
-/** True when \a name is entirely valid UTF-8. */
-bool isValidUtf8(const QByteArray &name);
-
 } // namespace NameEscaping

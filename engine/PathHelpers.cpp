@@ -3,10 +3,9 @@
 #include <QHash>
 #include <QMutex>
 
-namespace {
-
-/** Length of the valid UTF-8 sequence starting at \a p (at most \a left bytes), or 0. */
-int validSequenceLength(const unsigned char *p, qsizetype left) {
+qsizetype Utf8SequenceLength(const QByteArray &text, qsizetype at) {
+    const auto *p = reinterpret_cast<const unsigned char *>(text.constData()) + at;
+    const qsizetype left = text.size() - at;
     const unsigned char c = p[0];
     int length;
     unsigned minimum;
@@ -41,7 +40,15 @@ int validSequenceLength(const unsigned char *p, qsizetype left) {
     return length;
 }
 
-} // namespace
+bool IsValidUtf8(const QByteArray &text) {
+    for (qsizetype at = 0; at < text.size();) {
+        const qsizetype length = Utf8SequenceLength(text, at);
+        if (length == 0)
+            return false;
+        at += length;
+    }
+    return true;
+}
 
 QString TranslatePath(const QString &path, const QString &fromRoot, const QString &toRoot,
                       bool lowerCase) {
@@ -92,7 +99,7 @@ QString KeyFromNative(const QByteArray &native) {
             runStart = ++i;
             continue;
         }
-        const int length = validSequenceLength(bytes + i, size - i);
+        const qsizetype length = Utf8SequenceLength(native, i);
         if (length > 0) {
             i += length;
             continue;

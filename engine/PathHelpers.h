@@ -21,6 +21,15 @@ QString RemoveBackslash(const QString &path);
 /** True when \a file is not null and names an existing file (checked with one statx). */
 bool IsValidFileObject(const ::FileObject &file);
 
+/**
+ * The length of the valid UTF-8 sequence that starts at byte \a at of \a text, or 0 when the
+ * bytes there are not one (stray continuation bytes, overlong forms, surrogates, values above
+ * U+10FFFF, a sequence cut short by the end).
+ */
+qsizetype Utf8SequenceLength(const QByteArray &text, qsizetype at);
+/** True when \a text is valid UTF-8 throughout. */
+bool IsValidUtf8(const QByteArray &text);
+
 /** A native name or path for display: bytes that are not valid UTF-8 become U+FFFD. */
 QString DisplayFromNative(const QByteArray &native);
 /**

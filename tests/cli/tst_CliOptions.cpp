@@ -1,5 +1,6 @@
 #include "cli/CliOptions.h"
 #include "cli/NameEscaping.h"
+#include "engine/PathHelpers.h"
 
 #include <QTest>
 
@@ -136,7 +137,7 @@ void tst_CliOptions::escapesNames() {
     QTEST(NameEscaping::tsv(name), "tsv");
     QTEST(NameEscaping::bytes(name), "bytes");
     QTEST(NameEscaping::readable(name), "readable");
-    QTEST(NameEscaping::isValidUtf8(name), "validUtf8");
+    QTEST(IsValidUtf8(name), "validUtf8");
 }
 
 QTEST_GUILESS_MAIN(tst_CliOptions)
