@@ -1,5 +1,6 @@
 #include "engine/CRC32Object.h"
 
+#include "engine/FdGuard.h"
 #include "engine/LongPath.h"
 
 #include <algorithm>
@@ -10,23 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
-/** Closes the descriptor on every path out, cancelled or failed. */
-class FdGuard {
-public:
-    explicit FdGuard(int fd)
-        : m_fd(fd) {}
-    ~FdGuard() {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    FdGuard(const FdGuard &) = delete;
-    FdGuard &operator=(const FdGuard &) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 int openForReading(int dirFd, const char *name) {
     // O_NONBLOCK keeps a FIFO that replaced the file since its stat from blocking the open;

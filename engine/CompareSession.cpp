@@ -1,5 +1,6 @@
 #include "engine/CompareSession.h"
 
+#include "engine/FdGuard.h"
 #include "engine/PathHelpers.h"
 
 #include <cerrno>
@@ -17,10 +18,10 @@ namespace {
  * later, during the read.
  */
 QString unreadableReason(const QByteArray &nativePath) {
-    const int fd = ::open(nativePath.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
+    const FdGuard fd(
+        ::open(nativePath.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (fd.get() < 0)
         return QStringLiteral("could not be read: ") + QString::fromLocal8Bit(std::strerror(errno));
-    ::close(fd);
     return QStringLiteral("could not be read");
 }
 

@@ -1,5 +1,6 @@
 #include "engine/TreeWalker.h"
 
+#include "engine/FdGuard.h"
 #include "engine/LongPath.h"
 #include "engine/TemporaryCopyName.h"
 
@@ -208,15 +209,16 @@ void TreeWalker::applyFilter(int fd, const FolderNode &folder, TreeFilter::Scope
     if (!base.isEmpty())
         base += '/';
     if (m_filter->gitignore && listed(QByteArrayLiteral(".gitignore"))) {
-        const int file = ::openat(fd, ".gitignore", O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-        if (file >= 0) {
+        const FdGuard file(
+            ::openat(fd, ".gitignore", O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.get() >= 0) {
             // A .gitignore that cannot be read leaves nothing out.
             QByteArray text;
             char chunk[4096];
             ssize_t n;
-            while (text.size() < maxIgnoreFileSize && (n = ::read(file, chunk, sizeof chunk)) > 0)
+            while (text.size() < maxIgnoreFileSize &&
+                   (n = ::read(file.get(), chunk, sizeof chunk)) > 0)
                 text.append(chunk, n);
-            ::close(file);
             auto own = std::make_shared<TreeFilter::Scope>();
             own->rules.addLines(text);
             own->parent = scope;

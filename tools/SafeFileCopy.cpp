@@ -1,5 +1,6 @@
 #include "tools/SafeFileCopy.h"
 
+#include "engine/FdGuard.h"
 #include "engine/TemporaryCopyName.h"
 #include "tools/CopySystemCalls.h"
 #include "tools/DesktopTrash.h"
@@ -19,23 +20,6 @@ namespace {
 // display stay live on a slow disk.
 constexpr qint64 ChunkSize = 8 * 1024 * 1024;
 constexpr qint64 PlainBufferSize = 1024 * 1024;
-
-/** Closes a descriptor when it goes out of scope. */
-class ScopedFd {
-public:
-    explicit ScopedFd(int fd = -1)
-        : m_fd(fd) {}
-    ~ScopedFd() {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    ScopedFd(const ScopedFd &) = delete;
-    ScopedFd &operator=(const ScopedFd &) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 bool sameTime(const timespec &a, const timespec &b) {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
@@ -216,7 +200,7 @@ bool SafeFileCopy::writeFileData(const Progress &progress) {
     int toFd = -1;
     if (!createTemporaryFile(&toFd))
         return false;
-    ScopedFd to(toFd);
+    FdGuard to(toFd);
     return copyData(m_sourceFd, to.get(), before.st_size, progress) &&
            checkSourceUnchanged(m_sourceFd, before) && finishFile(to.get(), before);
 }
