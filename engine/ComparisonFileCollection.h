@@ -53,7 +53,6 @@ public:
     void Cancel() { m_cancelled = true; }
 
     /** How letter case counts, for the next walk and for every look-up of a counterpart. */
-    CaseRule caseRule() const { return m_caseRule; }
     void setCaseRule(CaseRule rule) { m_caseRule = rule; }
     /** What the walk leaves out (none when null); set before the root. */
     void setFilter(std::shared_ptr<const TreeFilter> filter) { m_filter = std::move(filter); }
@@ -63,7 +62,6 @@ public:
      * exists: a tree copied from a system that writes accents decomposed. Default true; both
      * sides must allow it.
      */
-    bool normalizesNames() const { return m_normalizeNames; }
     void setNormalizesNames(bool on) { m_normalizeNames = on; }
 
     /** The folder last walked, as given ("" after Clear()). */

@@ -28,11 +28,3 @@ inline QStringList comparePairs(ComparisonFileCollection &source,
     pairs.sort();
     return pairs;
 }
-
-/** The texts of a collection's problems, each "NAME: REASON" with the name alone. */
-inline QStringList problemNames(const ComparisonFileCollection &files) {
-    QStringList names;
-    for (const CollectionProblem &problem : files.Problems())
-        names << problem.path.section(QLatin1Char('/'), -1);
-    return names;
-}
