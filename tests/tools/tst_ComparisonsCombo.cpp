@@ -22,32 +22,31 @@ QList<int> entries(const QComboBox &combo) {
     return values;
 }
 
+QList<int> rowBits(const QListWidget *list) {
+    QList<int> bits;
+    for (int row = 0; row < list->count(); ++row)
+        bits.append(list->item(row)->data(Qt::UserRole).toInt());
+    return bits;
+}
+
 } // namespace
 
+/** The combo of recent comparison sets and the dialog that picks a new set. */
 class tst_ComparisonsCombo : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
-    void init();
+    void initTestCase() { QVERIFY(m_profile.isValid()); }
+    void init() { m_profile.clear(); }
     void fillFromStore_data();
     void fillFromStore();
-    void resetStoresDefaults();
     void recentRules();
-    void choosingAnEntry();
     void cancelledDialogReturnsToPrevious();
     void confirmedDialogSelectsTheSet();
+    void movingTheChecksumKeepsTheSelection();
 
 private:
     TestProfile m_profile;
 };
-
-void tst_ComparisonsCombo::initTestCase() {
-    QVERIFY(m_profile.isValid());
-}
-
-void tst_ComparisonsCombo::init() {
-    m_profile.clear();
-}
 
 void tst_ComparisonsCombo::fillFromStore_data() {
     QTest::addColumn<QByteArray>("section");
@@ -77,60 +76,34 @@ void tst_ComparisonsCombo::fillFromStore() {
     QCOMPARE(chosen.count(), 0);
 }
 
-void tst_ComparisonsCombo::resetStoresDefaults() {
-    QVERIFY(RecentLists::saveSelections({63, 1, 2, 4, 8, 16}, 5));
-    QComboBox combo;
-    ComparisonsCombo logic(&combo);
-    logic.Fill(true);
-    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
-    const RecentLists::Selections stored = RecentLists::loadSelections();
-    QCOMPARE(stored.values, (QList<int>{3, 2, 0, 31}));
-    QCOMPARE(stored.last, 0);
-}
-
 void tst_ComparisonsCombo::recentRules() {
     QComboBox combo;
     ComparisonsCombo logic(&combo);
     logic.Fill(false);
     QCOMPARE(logic.Comparisons(), 3);
-    // Filling alone stores nothing.
-    QVERIFY(!QFile::exists(SettingsStore::fileName()));
-
-    // A set already listed keeps its place.
-    logic.Select(0);
-    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
-    QCOMPARE(combo.currentIndex(), 2);
-    QCOMPARE(RecentLists::loadSelections().last, 2);
-
-    // New sets go to the top; the seventh pushes the oldest out.
-    logic.Select(63);
-    logic.Select(33);
-    QCOMPARE(entries(combo), (QList<int>{33, 63, 3, 2, 0, 31, -1}));
-    logic.Select(17);
-    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
-    QCOMPARE(combo.currentIndex(), 0);
-    QCOMPARE(logic.Comparisons(), 17);
-
-    const RecentLists::Selections stored = RecentLists::loadSelections();
-    QCOMPARE(stored.values, (QList<int>{17, 33, 63, 3, 2, 0}));
-    QCOMPARE(stored.last, 0);
-
-    // Not a comparison set: nothing changes.
-    logic.Select(-1);
-    logic.Select(64);
-    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
-}
-
-void tst_ComparisonsCombo::choosingAnEntry() {
-    QComboBox combo;
-    ComparisonsCombo logic(&combo);
-    logic.Fill(false);
+    QVERIFY(!QFile::exists(SettingsStore::fileName())); // filling alone stores nothing
     QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
     combo.setCurrentIndex(3);
     QCOMPARE(chosen.count(), 1);
     QCOMPARE(chosen.first().first().toInt(), 31);
-    QCOMPARE(entries(combo), (QList<int>{3, 2, 0, 31, -1}));
     QCOMPARE(RecentLists::loadSelections().last, 3);
+
+    // A set already listed keeps its place; new sets go to the top; the seventh pushes the
+    // oldest out.
+    logic.Select(0);
+    QCOMPARE(combo.currentIndex(), 2);
+    logic.Select(63);
+    logic.Select(33);
+    logic.Select(17);
+    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
+    QCOMPARE(logic.Comparisons(), 17);
+    const RecentLists::Selections stored = RecentLists::loadSelections();
+    QCOMPARE(stored.values, (QList<int>{17, 33, 63, 3, 2, 0}));
+    QCOMPARE(stored.last, 0);
+    // Not a comparison set: nothing changes.
+    logic.Select(-1);
+    logic.Select(64);
+    QCOMPARE(entries(combo), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
 }
 
 void tst_ComparisonsCombo::cancelledDialogReturnsToPrevious() {
@@ -139,7 +112,6 @@ void tst_ComparisonsCombo::cancelledDialogReturnsToPrevious() {
     logic.Fill(false);
     combo.setCurrentIndex(1);
     QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
-
     int shownWith = -1;
     bool comboIgnored = false;
     ModalWatcher watcher([&](QWidget *shown) {
@@ -155,7 +127,6 @@ void tst_ComparisonsCombo::cancelledDialogReturnsToPrevious() {
         return true;
     });
     combo.setCurrentIndex(4);
-
     QCOMPARE(shownWith, 2);
     QVERIFY(comboIgnored);
     QCOMPARE(combo.currentIndex(), 1);
@@ -171,7 +142,6 @@ void tst_ComparisonsCombo::confirmedDialogSelectsTheSet() {
     logic.Fill(false);
     logic.Select(63);
     QSignalSpy chosen(&logic, &ComparisonsCombo::ComparisonsChosen);
-
     ModalWatcher watcher([](QWidget *shown) {
         auto *dialog = qobject_cast<frmComparisons *>(shown);
         if (!dialog)
@@ -184,7 +154,6 @@ void tst_ComparisonsCombo::confirmedDialogSelectsTheSet() {
         return true;
     });
     combo.setCurrentIndex(combo.count() - 1);
-
     QCOMPARE(logic.Comparisons(), 33);
     QCOMPARE(entries(combo), (QList<int>{33, 63, 3, 2, 0, 31, -1}));
     QCOMPARE(chosen.count(), 1);
@@ -192,7 +161,20 @@ void tst_ComparisonsCombo::confirmedDialogSelectsTheSet() {
     QVERIFY(!Options::doCRCLast());
     // Every listed description follows the new place of the checksum.
     QCOMPARE(combo.itemText(1), ComparisonDescription(63, false));
-    QCOMPARE(combo.itemText(0), QStringLiteral("Compare File Sizes, CRC-32 Checksums"));
+}
+
+void tst_ComparisonsCombo::movingTheChecksumKeepsTheSelection() {
+    QVERIFY(Options::setDoCRCLast(true));
+    frmComparisons dialog(1 | 8 | 32);
+    QCOMPARE(rowBits(dialog.lstComparisons), (QList<int>{1, 2, 4, 8, 16, 32}));
+    dialog.chkDoCRCLast->setChecked(false);
+    // The setting follows the box at once, and the checksum row moves up.
+    QVERIFY(!Options::doCRCLast());
+    QCOMPARE(rowBits(dialog.lstComparisons), (QList<int>{1, 32, 2, 4, 8, 16}));
+    QCOMPARE(dialog.Comparisons(), 1 | 8 | 32);
+    dialog.lstComparisons->item(5)->setSelected(true);
+    dialog.chkDoCRCLast->setChecked(true);
+    QCOMPARE(dialog.Comparisons(), 1 | 8 | 16 | 32);
 }
 
 QTEST_MAIN(tst_ComparisonsCombo)
