@@ -13,16 +13,6 @@ int AddComboItem(QComboBox *combo, const QString &text, int itemData) {
     return combo->count() - 1;
 }
 
-int FindComboText(const QComboBox *combo, const QString &text, int skippedIndex) {
-    if (!combo)
-        return -1;
-    for (int i = 0; i < combo->count(); ++i) {
-        if (i != skippedIndex && combo->itemText(i).compare(text, Qt::CaseInsensitive) == 0)
-            return i;
-    }
-    return -1;
-}
-
 int FindComboItemData(const QComboBox *combo, int itemData) {
     if (!combo)
         return -1;

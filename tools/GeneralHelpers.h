@@ -13,12 +13,6 @@ class QWidget;
 /** Appends \a text with \a itemData to \a combo; returns the new entry's index. */
 int AddComboItem(QComboBox *combo, const QString &text, int itemData);
 
-/**
- * The index of the first entry whose text equals \a text without regard to case, passing
- * over \a skippedIndex; -1 when there is none.
- */
-int FindComboText(const QComboBox *combo, const QString &text, int skippedIndex = -1);
-
 /** The index of the first entry whose item data is \a itemData; -1 when there is none. */
 int FindComboItemData(const QComboBox *combo, int itemData);
 
