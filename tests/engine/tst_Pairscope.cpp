@@ -2,7 +2,6 @@
 #include "support/ChildRun.h"
 #include "support/TestTree.h"
 
-#include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTest>
@@ -89,314 +88,271 @@ void workerCounts() {
 class tst_Pairscope : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void codes_data();
-    void codes();
-    void pairingAndEvents_data() { workerCounts(); }
-    void pairingAndEvents();
-    void detailsFromTheJudgedStat_data();
-    void detailsFromTheJudgedStat();
-    void workersMatchSequentialRun_data();
-    void workersMatchSequentialRun();
-    void vanishedFile_data();
-    void vanishedFile();
-    void cancelDuringChecksum_data() { workerCounts(); }
-    void cancelDuringChecksum();
-    void fileWrittenDuringChecksum();
-    void vanishedRoot_data();
-    void vanishedRoot();
-    void unreadableFiles();
-};
-
-void tst_Pairscope::codes_data() {
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<int>("sourceAge");
-    QTest::addColumn<QString>("destination");
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<bool>("crcLast");
-    QTest::addColumn<int>("expected");
-    // Size is tested before a checksum, even one that goes first.
-    QTest::newRow("size, crc first") << "aaaa" << 0 << "bbbbbb" << 33 << false << 4;
-    // A checksum first outranks the dates; last, it only speaks when nothing else differs.
-    QTest::newRow("date+crc, crc first") << "aaaa" << 100 << "bbbb" << 34 << false << 5;
-    QTest::newRow("date+crc, crc last, source newer") << "aaaa" << 100 << "bbbb" << 34 << true << 7;
-    QTest::newRow("date+crc, crc last, destination newer")
-        << "aaaa" << -100 << "bbbb" << 34 << true << 8;
-    QTest::newRow("same content") << "aaaa" << 0 << "aaaa" << 63 << true << 1;
-    QTest::newRow("existence only") << "a" << 100 << "bbbbbb" << 0 << true << 1;
-    QTest::newRow("accessed dates") << "a" << 100 << "a" << 8 << true << 11;
-    // Different kinds are never identical, whatever is compared.
-    QTest::newRow("FIFO and file, existence only") << "fifo" << 0 << "target" << 0 << true << 6;
-    QTest::newRow("link and file of its text, sizes and checksums")
-        << "link" << 0 << "target" << 33 << true << 6;
-    QTest::newRow("FIFO and FIFO, all") << "fifo" << 0 << "fifo" << 63 << true << 1;
-    // Permission bits are attributes.
-    QTest::newRow("600 and 644, attributes") << "600 x" << 0 << "x" << 16 << true << 6;
-}
-
-void tst_Pairscope::codes() {
-    QFETCH(QString, source);
-    QFETCH(int, sourceAge);
-    QFETCH(QString, destination);
-    QFETCH(int, bits);
-    QFETCH(bool, crcLast);
-    QFETCH(int, expected);
-    for (const int workers : {0, 2}) {
-        Fixture f(workers);
-        QVERIFY(makeEntry(f.source, source.toUtf8()) &&
-                makeEntry(f.destination, destination.toUtf8()));
-        QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
-        QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
-        f.walk();
-        QCOMPARE(f.compare(bits, crcLast), int(Pairscope::StatusComplete));
-        QCOMPARE(f.code(QStringLiteral("f")), expected);
-        QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
+    void codes_data() {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<int>("sourceAge");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<int>("bits");
+        QTest::addColumn<bool>("crcLast");
+        QTest::addColumn<int>("expected");
+        // Size is tested before a checksum, even one that goes first.
+        QTest::newRow("size, crc first") << "aaaa" << 0 << "bbbbbb" << 33 << false << 4;
+        // A checksum first outranks the dates; last, it only speaks when nothing else differs.
+        QTest::newRow("date+crc, crc first") << "aaaa" << 100 << "bbbb" << 34 << false << 5;
+        QTest::newRow("date+crc, crc last, source newer")
+            << "aaaa" << 100 << "bbbb" << 34 << true << 7;
+        QTest::newRow("date+crc, crc last, destination newer")
+            << "aaaa" << -100 << "bbbb" << 34 << true << 8;
+        QTest::newRow("same content") << "aaaa" << 0 << "aaaa" << 63 << true << 1;
+        QTest::newRow("existence only") << "a" << 100 << "bbbbbb" << 0 << true << 1;
+        QTest::newRow("accessed dates") << "a" << 100 << "a" << 8 << true << 11;
+        // Different kinds are never identical, whatever is compared.
+        QTest::newRow("FIFO and file, existence only") << "fifo" << 0 << "target" << 0 << true << 6;
+        QTest::newRow("link and file of its text, sizes and checksums")
+            << "link" << 0 << "target" << 33 << true << 6;
+        QTest::newRow("FIFO and FIFO, all") << "fifo" << 0 << "fifo" << 63 << true << 1;
+        // Permission bits are attributes.
+        QTest::newRow("600 and 644, attributes") << "600 x" << 0 << "x" << 16 << true << 6;
     }
-}
-
-void tst_Pairscope::pairingAndEvents() {
-    QFETCH(int, workers);
-    Fixture f(workers);
-    QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
-    QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "x"));
-    QVERIFY(f.source.write(QStringLiteral("sub/z"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
-    QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
-    f.sourceFiles.setCaseRule(CaseRule::Insensitive);
-    f.destinationFiles.setCaseRule(CaseRule::Insensitive);
-    f.walk();
-    const QStringList expected = {
-        QStringLiteral("progress 1 -1 -1"),
-        QStringLiteral("progress 1 -1 3"),
-        QStringLiteral("pair Same.txt same.TXT 3 1"),
-        QStringLiteral("progress 1 1 3"),
-        QStringLiteral("pair sub/only-source sub/only-source 2 3"),
-        QStringLiteral("progress 1 2 3"),
-        QStringLiteral("pair sub/z sub/z 3 4"),
-        QStringLiteral("progress 1 3 3"),
-        QStringLiteral("progress 2 1 4"),
-        QStringLiteral("progress 2 2 4"),
-        QStringLiteral("pair zz/only-destination zz/only-destination 1 2"),
-        QStringLiteral("progress 2 3 4"),
-        QStringLiteral("progress 2 4 4"),
-    };
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(f.events, expected);
-    QCOMPARE(f.sourceFiles.Item(4)->Path(),
-             f.source.root() + QStringLiteral("/zz/only-destination"));
-
-    // Placeholders of the first run are removed first: the second run is the same.
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(f.events, expected);
-    QCOMPARE(f.sourceFiles.Count(), 4);
-    QCOMPARE(f.destinationFiles.Count(), 4);
-    QVERIFY(!f.engine.InProgress());
-}
-
-void tst_Pairscope::detailsFromTheJudgedStat_data() {
-    QTest::addColumn<int>("workers");
-    QTest::addColumn<bool>("load");
-    QTest::newRow("on the caller's thread") << 0 << true;
-    QTest::newRow("with read-ahead") << 2 << true;
-    QTest::newRow("not asked for") << 2 << false;
-}
-
-void tst_Pairscope::detailsFromTheJudgedStat() {
-    QFETCH(int, workers);
-    QFETCH(bool, load);
-    Fixture f(workers);
-    f.engine.setLoadDetails(load);
-    QVERIFY(f.pair("both", "12", "123"));
-    QVERIFY(f.source.write(QStringLiteral("only-source"), "1234"));
-    QVERIFY(f.destination.write(QStringLiteral("only-destination"), "12345"));
-    f.walk();
-    // A listing reads the details while handling the pair: they must be there by then.
-    QStringList seen;
-    QObject::connect(&f.engine, &Pairscope::FilesCompared, &f.engine,
-                     [&seen](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int) {
-                         for (const ComparisonFilePtr &record : {a, b})
-                             seen << QString::number(record->Size());
-                     });
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    // A placeholder carries the details of the file it stands for.
-    QCOMPARE(seen.join(QLatin1Char(' ')), QLatin1String(load ? "2 3 4 4 5 5" : "0 0 0 4 5 0"));
-}
-
-void tst_Pairscope::workersMatchSequentialRun_data() {
-    QTest::addColumn<bool>("meddle");
-    // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
-    QTest::newRow("many files") << false;
-    // A handler adds placeholders for later records: the look-ups prepared ahead no longer hold.
-    QTest::newRow("a handler changes the collections") << true;
-}
-
-void tst_Pairscope::workersMatchSequentialRun() {
-    QFETCH(bool, meddle);
-    Fixture f(0);
-    QRandomGenerator random(testSeed());
-    for (int i = 0; i < 3000; ++i) {
-        const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
-        const int kind = int(random.bounded(6));
-        const QByteArray content = QByteArray::number(i).repeated(int(random.bounded(1, 50)));
-        if (kind != 0)
-            QVERIFY(f.source.write(name, content));
-        if (kind != 1)
-            QVERIFY(f.destination.write(name, kind == 2 ? content + "!" : content));
-        if (kind == 3) {
-            QVERIFY(f.destination.write(name, QByteArray(content).replace('1', '2')));
-            QVERIFY(f.destination.setTimes(name, baseTime + i));
+    void codes() {
+        QFETCH(QString, source);
+        QFETCH(int, sourceAge);
+        QFETCH(QString, destination);
+        QFETCH(int, bits);
+        QFETCH(bool, crcLast);
+        QFETCH(int, expected);
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            QVERIFY(makeEntry(f.source, source.toUtf8()) &&
+                    makeEntry(f.destination, destination.toUtf8()));
+            QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
+            QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
+            f.walk();
+            QCOMPARE(f.compare(bits, crcLast), int(Pairscope::StatusComplete));
+            QCOMPARE(f.code(QStringLiteral("f")), expected);
+            QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
         }
-        if (kind == 4)
-            QVERIFY(f.source.setTimes(name, baseTime - i));
     }
-    f.walk();
-    bool meddled = false;
-    if (meddle) {
-        connect(&f.engine, &Pairscope::CompareProgress, this, [&](int pass, int current, int) {
-            if (meddled || pass != 1 || current != f.sourceFiles.Count() / 3)
-                return;
-            meddled = true;
-            for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
-                const ComparisonFilePtr record = f.sourceFiles.Item(i);
-                if (!f.destinationFiles.Counterpart(*record, f.sourceFiles))
-                    f.destinationFiles.AddMissingFile(record->FileObject(),
-                                                      f.sourceFiles.RootFolder(), 3);
-            }
-        });
-    }
-    for (const bool crcLast : {false, true}) {
-        meddled = false;
-        f.engine.setWorkerCount(0);
-        QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
-        const QStringList expected = f.events;
-        meddled = false;
-        f.engine.setWorkerCount(2);
-        QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
+
+    void pairingAndEvents_data() { workerCounts(); }
+    void pairingAndEvents() {
+        QFETCH(int, workers);
+        Fixture f(workers);
+        QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
+        QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "x"));
+        QVERIFY(f.source.write(QStringLiteral("sub/z"), "x"));
+        QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
+        QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
+        QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
+        f.sourceFiles.setCaseRule(CaseRule::Insensitive);
+        f.destinationFiles.setCaseRule(CaseRule::Insensitive);
+        f.walk();
+        const QStringList expected = {
+            QStringLiteral("progress 1 -1 -1"),
+            QStringLiteral("progress 1 -1 3"),
+            QStringLiteral("pair Same.txt same.TXT 3 1"),
+            QStringLiteral("progress 1 1 3"),
+            QStringLiteral("pair sub/only-source sub/only-source 2 3"),
+            QStringLiteral("progress 1 2 3"),
+            QStringLiteral("pair sub/z sub/z 3 4"),
+            QStringLiteral("progress 1 3 3"),
+            QStringLiteral("progress 2 1 4"),
+            QStringLiteral("progress 2 2 4"),
+            QStringLiteral("pair zz/only-destination zz/only-destination 1 2"),
+            QStringLiteral("progress 2 3 4"),
+            QStringLiteral("progress 2 4 4"),
+        };
+        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
         QCOMPARE(f.events, expected);
+        QCOMPARE(f.sourceFiles.Item(4)->Path(),
+                 f.source.root() + QStringLiteral("/zz/only-destination"));
+
+        // Placeholders of the first run are removed first: the second run is the same.
+        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+        QCOMPARE(f.events, expected);
+        QCOMPARE(f.sourceFiles.Count(), 4);
+        QCOMPARE(f.destinationFiles.Count(), 4);
+        QVERIFY(!f.engine.InProgress());
     }
-}
 
-void tst_Pairscope::vanishedFile_data() {
-    QTest::addColumn<bool>("fromSource");
-    QTest::addColumn<bool>("paired");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("code");
-    // Without a counterpart the records no longer match the disk: rescan.
-    QTest::newRow("source only") << true << false << 1 << 0;
-    QTest::newRow("destination only") << false << false << 1 << 0;
-    // With one, the vanished side is simply missing.
-    QTest::newRow("paired source") << true << true << 2 << 2;
-    QTest::newRow("paired destination") << false << true << 2 << 3;
-}
+    void detailsFromTheJudgedStat_data() {
+        QTest::addColumn<int>("workers");
+        QTest::addColumn<bool>("load");
+        QTest::newRow("on the caller's thread") << 0 << true;
+        QTest::newRow("with read-ahead") << 2 << true;
+        QTest::newRow("not asked for") << 2 << false;
+    }
+    void detailsFromTheJudgedStat() {
+        QFETCH(int, workers);
+        QFETCH(bool, load);
+        Fixture f(workers);
+        f.engine.setLoadDetails(load);
+        QVERIFY(f.pair("both", "12", "123"));
+        QVERIFY(f.source.write(QStringLiteral("only-source"), "1234"));
+        QVERIFY(f.destination.write(QStringLiteral("only-destination"), "12345"));
+        f.walk();
+        // A listing reads the details while handling the pair: they must be there by then.
+        QStringList seen;
+        QObject::connect(&f.engine, &Pairscope::FilesCompared, &f.engine,
+                         [&seen](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int) {
+                             for (const ComparisonFilePtr &record : {a, b})
+                                 seen << QString::number(record->Size());
+                         });
+        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+        // A placeholder carries the details of the file it stands for.
+        QCOMPARE(seen.join(QLatin1Char(' ')), QLatin1String(load ? "2 3 4 4 5 5" : "0 0 0 4 5 0"));
+    }
 
-void tst_Pairscope::vanishedFile() {
-    QFETCH(bool, fromSource);
-    QFETCH(bool, paired);
-    QFETCH(int, status);
-    QFETCH(int, code);
-    Fixture f;
-    TestTree &side = fromSource ? f.source : f.destination;
-    QVERIFY(side.write(QStringLiteral("gone"), "x"));
-    if (paired)
-        QVERIFY((fromSource ? f.destination : f.source).write(QStringLiteral("gone"), "x"));
-    f.walk();
-    QVERIFY(QFile::remove(side.path(QStringLiteral("gone"))));
-    QCOMPARE(f.compare(1), status);
-    ComparisonFileCollection &files = fromSource ? f.sourceFiles : f.destinationFiles;
-    QCOMPARE(files.NeedsRescan(), status == 1);
-    QCOMPARE(files.Item(1)->DifferenceCode(), code);
-}
+    void workersMatchSequentialRun_data() {
+        QTest::addColumn<bool>("meddle");
+        // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
+        QTest::newRow("many files") << false;
+        // A handler adds placeholders for later records: the look-ups prepared ahead no longer
+        // hold.
+        QTest::newRow("a handler changes the collections") << true;
+    }
+    void workersMatchSequentialRun() {
+        QFETCH(bool, meddle);
+        Fixture f(0);
+        QRandomGenerator random(testSeed());
+        for (int i = 0; i < 3000; ++i) {
+            const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
+            const int kind = int(random.bounded(6));
+            const QByteArray content = QByteArray::number(i).repeated(int(random.bounded(1, 50)));
+            if (kind != 0)
+                QVERIFY(f.source.write(name, content));
+            if (kind != 1)
+                QVERIFY(f.destination.write(name, kind == 2 ? content + "!" : content));
+            if (kind == 3) {
+                QVERIFY(f.destination.write(name, QByteArray(content).replace('1', '2')));
+                QVERIFY(f.destination.setTimes(name, baseTime + i));
+            }
+            if (kind == 4)
+                QVERIFY(f.source.setTimes(name, baseTime - i));
+        }
+        f.walk();
+        bool meddled = false;
+        if (meddle) {
+            connect(&f.engine, &Pairscope::CompareProgress, this, [&](int pass, int current, int) {
+                if (meddled || pass != 1 || current != f.sourceFiles.Count() / 3)
+                    return;
+                meddled = true;
+                for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
+                    const ComparisonFilePtr record = f.sourceFiles.Item(i);
+                    if (!f.destinationFiles.Counterpart(*record, f.sourceFiles))
+                        f.destinationFiles.AddMissingFile(record->FileObject(),
+                                                          f.sourceFiles.RootFolder(), 3);
+                }
+            });
+        }
+        for (const bool crcLast : {false, true}) {
+            meddled = false;
+            f.engine.setWorkerCount(0);
+            QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
+            const QStringList expected = f.events;
+            meddled = false;
+            f.engine.setWorkerCount(2);
+            QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events, expected);
+        }
+    }
 
-void tst_Pairscope::cancelDuringChecksum() {
-    QFETCH(int, workers);
-    Fixture f(workers);
-    const QByteArray content(4 * 1024 * 1024, 'x');
-    QVERIFY(f.pair("big", content, content));
-    QVERIFY(f.pair("later", "x", "x"));
-    f.walk();
-    int yields = 0;
-    f.engine.setYieldHook([&] {
-        if (++yields == 3)
-            f.engine.Cancel();
-    });
-    QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusCancelled));
-    QVERIFY(f.engine.Cancelled());
-    QVERIFY(!f.engine.InProgress());
-    // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
-    QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
-    QCOMPARE(f.code(QStringLiteral("later")), 0);
-    QVERIFY(f.code(QStringLiteral("big")) <= 1);
-}
+    void vanishedFile_data() {
+        QTest::addColumn<bool>("fromSource");
+        QTest::addColumn<bool>("paired");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("code");
+        // Without a counterpart the records no longer match the disk: rescan.
+        QTest::newRow("source only") << true << false << 1 << 0;
+        QTest::newRow("destination only") << false << false << 1 << 0;
+        // With one, the vanished side is simply missing.
+        QTest::newRow("paired source") << true << true << 2 << 2;
+        QTest::newRow("paired destination") << false << true << 2 << 3;
+    }
+    void vanishedFile() {
+        QFETCH(bool, fromSource);
+        QFETCH(bool, paired);
+        QFETCH(int, status);
+        QFETCH(int, code);
+        Fixture f;
+        TestTree &side = fromSource ? f.source : f.destination;
+        QVERIFY(side.write(QStringLiteral("gone"), "x"));
+        if (paired)
+            QVERIFY((fromSource ? f.destination : f.source).write(QStringLiteral("gone"), "x"));
+        f.walk();
+        QVERIFY(QFile::remove(side.path(QStringLiteral("gone"))));
+        QCOMPARE(f.compare(1), status);
+        ComparisonFileCollection &files = fromSource ? f.sourceFiles : f.destinationFiles;
+        QCOMPARE(files.NeedsRescan(), status == 1);
+        QCOMPARE(files.Item(1)->DifferenceCode(), code);
+    }
 
-void tst_Pairscope::fileWrittenDuringChecksum() {
-    // On the caller's thread, so that the write lands between two chunks of the source.
-    Fixture f(0);
-    const QByteArray content(64 * 1024, 'x');
-    QVERIFY(f.pair("big", content, content));
-    QVERIFY(f.source.setTimes(QStringLiteral("big"), baseTime));
-    QVERIFY(f.destination.setTimes(QStringLiteral("big"), baseTime));
-    f.walk();
-    // Two yields start the comparison; the source is then read in 64 chunks, each with one.
-    int yields = 0;
-    f.engine.setYieldHook([&] {
-        if (++yields == 10)
-            QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
-    });
-    // Not "checksum is different": the walk no longer matches the disk, so the tree is read
-    // again, as when a file vanished.
-    QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusRescanNeeded));
-    QVERIFY(f.sourceFiles.NeedsRescan());
-    QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
-             qPrintable(f.events.join(QLatin1Char('\n'))));
-    QVERIFY(yields > 10);
-}
+    void cancelDuringChecksum_data() { workerCounts(); }
+    void cancelDuringChecksum() {
+        QFETCH(int, workers);
+        Fixture f(workers);
+        const QByteArray content(4 * 1024 * 1024, 'x');
+        QVERIFY(f.pair("big", content, content));
+        QVERIFY(f.pair("later", "x", "x"));
+        f.walk();
+        int yields = 0;
+        f.engine.setYieldHook([&] {
+            if (++yields == 3)
+                f.engine.Cancel();
+        });
+        QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusCancelled));
+        QVERIFY(f.engine.Cancelled());
+        QVERIFY(!f.engine.InProgress());
+        // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
+        QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
+        QCOMPARE(f.code(QStringLiteral("later")), 0);
+        QVERIFY(f.code(QStringLiteral("big")) <= 1);
+    }
 
-void tst_Pairscope::vanishedRoot_data() {
-    QTest::addColumn<bool>("sourceGone");
-    QTest::newRow("source") << true;
-    QTest::newRow("destination") << false;
-}
+    void fileWrittenDuringChecksum() {
+        // On the caller's thread, so that the write lands between two chunks of the source.
+        Fixture f(0);
+        const QByteArray content(64 * 1024, 'x');
+        QVERIFY(f.pair("big", content, content));
+        QVERIFY(f.source.setTimes(QStringLiteral("big"), baseTime));
+        QVERIFY(f.destination.setTimes(QStringLiteral("big"), baseTime));
+        f.walk();
+        // Two yields start the comparison; the source is then read in 64 chunks, each with one.
+        int yields = 0;
+        f.engine.setYieldHook([&] {
+            if (++yields == 10)
+                QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
+        });
+        // Not "checksum is different": the walk no longer matches the disk, so the tree is read
+        // again, as when a file vanished.
+        QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusRescanNeeded));
+        QVERIFY(f.sourceFiles.NeedsRescan());
+        QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
+                 qPrintable(f.events.join(QLatin1Char('\n'))));
+        QVERIFY(yields > 10);
+    }
 
-void tst_Pairscope::vanishedRoot() {
-    // A root that went away after it was chosen (an unmounted disk): its side has no files,
-    // and the other side's still find their place beneath it.
-    QFETCH(bool, sourceGone);
-    Fixture f;
-    QVERIFY(f.pair("sub/f", "x", "x"));
-    TestTree &gone = sourceGone ? f.source : f.destination;
-    const QString root = gone.root();
-    QVERIFY(QDir(root).removeRecursively());
-    f.walk();
-    ComparisonFileCollection &files = sourceGone ? f.sourceFiles : f.destinationFiles;
-    QCOMPARE(files.Problems().size(), 1);
-    QCOMPARE(files.Problems().first().path, root);
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(files.Count(), 1);
-    QCOMPARE(files.Item(1)->Path(), root + QStringLiteral("/sub/f"));
-    // Whether the file is there cannot be known: it could not be read, not "does not exist".
-    QCOMPARE(files.Item(1)->DifferenceCode(), sourceGone ? 13 : 14);
-}
-
-void tst_Pairscope::unreadableFiles() {
-    // Root reads everything: the files can only be unreadable to an ordinary user.
-    if (!ChildRun::isChild())
-        return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
-    Fixture f;
-    QVERIFY(f.pair("a-secret-longer", "0123456789", "01234"));
-    QVERIFY(f.pair("b-secret", "0123456789", "0123456789"));
-    QVERIFY(f.pair("c-open", "0123456789", "0123456789"));
-    QVERIFY(::chmod(f.source.nativePath("a-secret-longer").constData(), 0) == 0);
-    QVERIFY(::chmod(f.source.nativePath("b-secret").constData(), 0) == 0);
-    QVERIFY(::chmod(f.destination.nativePath("c-open").constData(), 0) == 0);
-    f.walk();
-    // Sizes and checksums, the checksum last; attributes are not compared.
-    QCOMPARE(f.compare(33), int(Pairscope::StatusComplete));
-    // The unreadable pair of different sizes is decided without opening either file: had
-    // it been opened, it would read "source could not be read" (13) like the second pair.
-    QCOMPARE(f.code(QStringLiteral("a-secret-longer")), 4);
-    QCOMPARE(f.code(QStringLiteral("b-secret")), 13);
-    QCOMPARE(f.code(QStringLiteral("c-open")), 14);
-}
+    void unreadableFiles() {
+        // Root reads everything: the files can only be unreadable to an ordinary user.
+        if (!ChildRun::isChild())
+            return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
+        Fixture f;
+        QVERIFY(f.pair("a-secret-longer", "0123456789", "01234"));
+        QVERIFY(f.pair("b-secret", "0123456789", "0123456789"));
+        QVERIFY(f.pair("c-open", "0123456789", "0123456789"));
+        QVERIFY(::chmod(f.source.nativePath("a-secret-longer").constData(), 0) == 0);
+        QVERIFY(::chmod(f.source.nativePath("b-secret").constData(), 0) == 0);
+        QVERIFY(::chmod(f.destination.nativePath("c-open").constData(), 0) == 0);
+        f.walk();
+        // Sizes and checksums, the checksum last; attributes are not compared.
+        QCOMPARE(f.compare(33), int(Pairscope::StatusComplete));
+        // The unreadable pair of different sizes is decided without opening either file: had
+        // it been opened, it would read "source could not be read" (13) like the second pair.
+        QCOMPARE(f.code(QStringLiteral("a-secret-longer")), 4);
+        QCOMPARE(f.code(QStringLiteral("b-secret")), 13);
+        QCOMPARE(f.code(QStringLiteral("c-open")), 14);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_Pairscope)
 #include "tst_Pairscope.moc"

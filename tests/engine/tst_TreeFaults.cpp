@@ -3,6 +3,7 @@
 #include "support/PairLog.h"
 #include "support/TestTree.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTest>
@@ -53,7 +54,7 @@ class tst_TreeFaults : public QObject {
 private Q_SLOTS:
     void unreadableFolder_data() {
         QTest::addColumn<bool>("inSource");
-        QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("mode"); // of the folder; -1 the root r--, -2 the root removed
         QTest::addColumn<QStringList>("expected");
         // Listed but not entered (r--), neither (---), entered but not listed (--x): what lies
         // behind is unknown, never missing, and nothing restarts the run.
@@ -66,10 +67,15 @@ private Q_SLOTS:
             << true << 0444
             << QStringList{"- | locked/a.txt | 13", "- | locked/sub/b.txt | 13",
                            "open.txt | open.txt | 1"};
-        QTest::newRow("root of the source r--")
-            << true << -1
-            << QStringList{"- | locked/a.txt | 13", "- | locked/sub/b.txt | 13",
-                           "- | open.txt | 13"};
+        const QStringList wholeSource{"- | locked/a.txt | 13", "- | locked/sub/b.txt | 13",
+                                      "- | open.txt | 13"};
+        QTest::newRow("root of the source r--") << true << -1 << wholeSource;
+        // A root gone since it was chosen (an unmounted disk) could not be read either.
+        QTest::newRow("root of the source gone") << true << -2 << wholeSource;
+        QTest::newRow("root of the destination gone")
+            << false << -2
+            << QStringList{"locked/a.txt | - | 14", "locked/sub/b.txt | - | 14",
+                           "open.txt | - | 14"};
     }
     void unreadableFolder() {
         // Root reads everything: the folder can only be unreadable to an ordinary user.
@@ -87,7 +93,10 @@ private Q_SLOTS:
         }
         const QByteArray folder =
             mode < 0 ? locked.nativePath("").chopped(1) : locked.nativePath("locked");
-        QVERIFY(::chmod(folder.constData(), mode < 0 ? 0444 : mode_t(mode)) == 0);
+        if (mode == -2)
+            QVERIFY(QDir(locked.root()).removeRecursively());
+        else
+            QVERIFY(::chmod(folder.constData(), mode < 0 ? 0444 : mode_t(mode)) == 0);
         // A walk read ahead meets the folder on a thread of its own: the same outcome.
         for (const bool prepared : {false, true}) {
             ComparisonFileCollection sourceFiles;
@@ -103,7 +112,8 @@ private Q_SLOTS:
             // The folder is the one problem, once, and says why.
             QCOMPARE(lockedFiles.Problems().size(), 1);
             QCOMPARE(lockedFiles.Problems().first().nativePath, folder);
-            QVERIFY(lockedFiles.Problems().first().reason.contains(QLatin1String("ermission")));
+            QVERIFY(lockedFiles.Problems().first().reason.contains(
+                QLatin1String(mode == -2 ? "No such file" : "ermission")));
             QCOMPARE((inSource ? destinationFiles : sourceFiles).Problems().size(), 0);
         }
         ::chmod(folder.constData(), 0755);
