@@ -1,6 +1,8 @@
 #include "engine/ComparisonFileCollection.h"
 #include "support/TestTree.h"
 
+#include <QFile>
+#include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -141,6 +143,55 @@ private Q_SLOTS:
         QCOMPARE(files.Item(1)->Name(), files.Item(2)->Name());
         QVERIFY(files.Item(files.Item(1)->Key()) == files.Item(1));
         QVERIFY(files.Item(files.Item(2)->Key()) == files.Item(2));
+    }
+
+    void attributeColumn_data() {
+        QTest::addColumn<int>("attributes");
+        QTest::addColumn<uint>("mode");
+        QTest::addColumn<QString>("column");
+        QTest::newRow("none, mode never read") << 0 << 0u << "";
+        QTest::newRow("compressed lowers the letters only")
+            << 2081 << uint(S_IFREG | 0444) << "ra -r--r--r--";
+        QTest::newRow("every letter in order") << (1 | 2 | 4 | 32 | 1024) << 0u << "RHSAL";
+        QTest::newRow("set-user-ID with execute, set-group-ID without")
+            << 0 << uint(S_IFREG | S_ISUID | S_ISGID | 0744) << "-rwsr-Sr--";
+        QTest::newRow("sticky folder") << 0 << uint(S_IFDIR | S_ISVTX | 0777) << "drwxrwxrwt";
+    }
+    void attributeColumn() {
+        QFETCH(int, attributes);
+        QFETCH(uint, mode);
+        ComparisonFile record;
+        record.setAttributes(attributes);
+        record.setMode(mode);
+        QTEST(record.ColumnString(8, false), "column");
+        QTEST(record.SortString(8), "column");
+    }
+
+    void recordDetails() {
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        TestTree tree;
+        QVERIFY(tree.write(QStringLiteral(".hidden.txt"), "hello"));
+        QVERIFY(::chmod(tree.nativePath(".hidden.txt").constData(), 0640) == 0);
+        ComparisonFile record(FileObject::fromNativePath(tree.nativePath(".hidden.txt")));
+        QCOMPARE(record.Size(), 0);
+        record.UpdateDetails();
+        QCOMPARE(record.ColumnString(8, false), QStringLiteral("H -rw-r-----"));
+        // Details are read once: a vanished file keeps what was loaded.
+        QVERIFY(QFile::remove(tree.path(QStringLiteral(".hidden.txt"))));
+        record.UpdateDetails();
+        QCOMPARE(record.Size(), 5);
+        // The root is matched without regard to case; the folder shown is below it, or all.
+        record.setParentFolder(tree.root().toUpper() + QStringLiteral("/Sub/deep/"));
+        QCOMPARE(record.RootPath(), tree.root());
+        QCOMPARE(record.ColumnString(2, false), QStringLiteral("Sub/deep"));
+        QCOMPARE(record.ColumnString(2, true), tree.root().toUpper() + QStringLiteral("/Sub/deep"));
+        ComparisonFile big;
+        big.setSize(5368709120LL);
+        QCOMPARE(big.ColumnString(3, false), QStringLiteral("5,368,709,120 bytes"));
+        QVERIFY(record.SortString(3) < big.SortString(3));
+        // Codes out of range have no text.
+        QCOMPARE(ComparisonFile::DifferenceText(-2) + ComparisonFile::DifferenceText(15),
+                 QString());
     }
 };
 
