@@ -37,8 +37,11 @@ struct Fixture {
     Pairscope engine;
     QStringList events;
 
+    /** On the caller's thread with no workers, else reading ahead on that many threads. */
     explicit Fixture(int workers = 2) {
         engine.setWorkerCount(workers);
+        // A listing reads the details while handling the pair: they must be there by then.
+        engine.setLoadDetails(true);
         QObject::connect(
             &engine, &Pairscope::CompareProgress, &engine,
             [this](int pass, int current, int total) {
@@ -46,11 +49,12 @@ struct Fixture {
             });
         QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
                          [this](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int code) {
-                             events
-                                 << QStringLiteral("pair %1 %2 %3 %4")
-                                        .arg(a->RelativePath(), b->RelativePath())
-                                        .arg(int(a->HasFileObject()) * 2 + int(b->HasFileObject()))
-                                        .arg(code);
+                             events << QStringLiteral("pair %1 %2 %3 %4 %5/%6")
+                                           .arg(a->RelativePath(), b->RelativePath())
+                                           .arg(int(a->HasFileObject()) * 2 + b->HasFileObject())
+                                           .arg(code)
+                                           .arg(a->Size())
+                                           .arg(b->Size());
                          });
     }
     /** Writes the file at \a relative on both sides. */
@@ -75,13 +79,6 @@ struct Fixture {
         return -100;
     }
 };
-
-/** Every run on the caller's thread and with read-ahead, for a test that takes rows. */
-void workerCounts() {
-    QTest::addColumn<int>("workers");
-    QTest::newRow("on the caller's thread") << 0;
-    QTest::newRow("with read-ahead") << 2;
-}
 
 } // namespace
 
@@ -134,73 +131,43 @@ private Q_SLOTS:
         }
     }
 
-    void pairingAndEvents_data() { workerCounts(); }
     void pairingAndEvents() {
-        QFETCH(int, workers);
-        Fixture f(workers);
-        QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
-        QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "x"));
-        QVERIFY(f.source.write(QStringLiteral("sub/z"), "x"));
-        QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
-        QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
-        QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
-        f.sourceFiles.setCaseRule(CaseRule::Insensitive);
-        f.destinationFiles.setCaseRule(CaseRule::Insensitive);
-        f.walk();
-        const QStringList expected = {
-            QStringLiteral("progress 1 -1 -1"),
-            QStringLiteral("progress 1 -1 3"),
-            QStringLiteral("pair Same.txt same.TXT 3 1"),
-            QStringLiteral("progress 1 1 3"),
-            QStringLiteral("pair sub/only-source sub/only-source 2 3"),
-            QStringLiteral("progress 1 2 3"),
-            QStringLiteral("pair sub/z sub/z 3 4"),
-            QStringLiteral("progress 1 3 3"),
-            QStringLiteral("progress 2 1 4"),
-            QStringLiteral("progress 2 2 4"),
-            QStringLiteral("pair zz/only-destination zz/only-destination 1 2"),
-            QStringLiteral("progress 2 3 4"),
-            QStringLiteral("progress 2 4 4"),
-        };
-        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-        QCOMPARE(f.events, expected);
-        QCOMPARE(f.sourceFiles.Item(4)->Path(),
-                 f.source.root() + QStringLiteral("/zz/only-destination"));
-
-        // Placeholders of the first run are removed first: the second run is the same.
-        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-        QCOMPARE(f.events, expected);
-        QCOMPARE(f.sourceFiles.Count(), 4);
-        QCOMPARE(f.destinationFiles.Count(), 4);
-        QVERIFY(!f.engine.InProgress());
-    }
-
-    void detailsFromTheJudgedStat_data() {
-        QTest::addColumn<int>("workers");
-        QTest::addColumn<bool>("load");
-        QTest::newRow("on the caller's thread") << 0 << true;
-        QTest::newRow("with read-ahead") << 2 << true;
-        QTest::newRow("not asked for") << 2 << false;
-    }
-    void detailsFromTheJudgedStat() {
-        QFETCH(int, workers);
-        QFETCH(bool, load);
-        Fixture f(workers);
-        f.engine.setLoadDetails(load);
-        QVERIFY(f.pair("both", "12", "123"));
-        QVERIFY(f.source.write(QStringLiteral("only-source"), "1234"));
-        QVERIFY(f.destination.write(QStringLiteral("only-destination"), "12345"));
-        f.walk();
-        // A listing reads the details while handling the pair: they must be there by then.
-        QStringList seen;
-        QObject::connect(&f.engine, &Pairscope::FilesCompared, &f.engine,
-                         [&seen](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int) {
-                             for (const ComparisonFilePtr &record : {a, b})
-                                 seen << QString::number(record->Size());
-                         });
-        QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-        // A placeholder carries the details of the file it stands for.
-        QCOMPARE(seen.join(QLatin1Char(' ')), QLatin1String(load ? "2 3 4 4 5 5" : "0 0 0 4 5 0"));
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            QVERIFY(f.pair("sub/z", "x", "xy"));
+            QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
+            QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "abc"));
+            QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
+            QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "abcd"));
+            f.sourceFiles.setCaseRule(CaseRule::Insensitive);
+            f.destinationFiles.setCaseRule(CaseRule::Insensitive);
+            f.walk();
+            // A placeholder carries the details of the file it stands for.
+            const QStringList expected = {
+                QStringLiteral("progress 1 -1 -1"),
+                QStringLiteral("progress 1 -1 3"),
+                QStringLiteral("pair Same.txt same.TXT 3 1 1/1"),
+                QStringLiteral("progress 1 1 3"),
+                QStringLiteral("pair sub/only-source sub/only-source 2 3 3/3"),
+                QStringLiteral("progress 1 2 3"),
+                QStringLiteral("pair sub/z sub/z 3 4 1/2"),
+                QStringLiteral("progress 1 3 3"),
+                QStringLiteral("progress 2 1 4"),
+                QStringLiteral("progress 2 2 4"),
+                QStringLiteral("pair zz/only-destination zz/only-destination 1 2 4/4"),
+                QStringLiteral("progress 2 3 4"),
+                QStringLiteral("progress 2 4 4"),
+            };
+            QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events, expected);
+            QCOMPARE(f.sourceFiles.Item(4)->Path(),
+                     f.source.root() + QStringLiteral("/zz/only-destination"));
+            // Placeholders of the first run are removed first: the second run is the same.
+            QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events, expected);
+            QCOMPARE(f.sourceFiles.Count() + f.destinationFiles.Count(), 8);
+            QVERIFY(!f.engine.InProgress());
+        }
     }
 
     void workersMatchSequentialRun_data() {
@@ -287,26 +254,26 @@ private Q_SLOTS:
         QCOMPARE(files.Item(1)->DifferenceCode(), code);
     }
 
-    void cancelDuringChecksum_data() { workerCounts(); }
     void cancelDuringChecksum() {
-        QFETCH(int, workers);
-        Fixture f(workers);
-        const QByteArray content(4 * 1024 * 1024, 'x');
-        QVERIFY(f.pair("big", content, content));
-        QVERIFY(f.pair("later", "x", "x"));
-        f.walk();
-        int yields = 0;
-        f.engine.setYieldHook([&] {
-            if (++yields == 3)
-                f.engine.Cancel();
-        });
-        QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusCancelled));
-        QVERIFY(f.engine.Cancelled());
-        QVERIFY(!f.engine.InProgress());
-        // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
-        QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
-        QCOMPARE(f.code(QStringLiteral("later")), 0);
-        QVERIFY(f.code(QStringLiteral("big")) <= 1);
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            const QByteArray content(4 * 1024 * 1024, 'x');
+            QVERIFY(f.pair("big", content, content));
+            QVERIFY(f.pair("later", "x", "x"));
+            f.walk();
+            int yields = 0;
+            f.engine.setYieldHook([&] {
+                if (++yields == 3)
+                    f.engine.Cancel();
+            });
+            QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusCancelled));
+            QVERIFY(f.engine.Cancelled());
+            QVERIFY(!f.engine.InProgress());
+            // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
+            QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
+            QCOMPARE(f.code(QStringLiteral("later")), 0);
+            QVERIFY(f.code(QStringLiteral("big")) <= 1);
+        }
     }
 
     void fileWrittenDuringChecksum() {
