@@ -15,32 +15,27 @@ private Q_SLOTS:
         QTest::addColumn<bool>("keepsChanging");
         QTest::addColumn<bool>("cancelWhileWalking");
         QTest::addColumn<QList<State>>("states");
-        QTest::addColumn<int>("restarts");
-
         QTest::newRow("one tree after the other")
             << false << false << false
             << QList<State>{State::WalkingSource, State::WalkingDestination, State::Comparing,
-                            State::Complete}
-            << 0;
+                            State::Complete};
         QTest::newRow("side by side")
             << true << false << false
-            << QList<State>{State::WalkingSource, State::Comparing, State::Complete} << 0;
+            << QList<State>{State::WalkingSource, State::Comparing, State::Complete};
         // A file that vanishes before every compare: the session starts again, then gives up.
         QTest::newRow("a tree that keeps changing")
             << true << true << false
             << QList<State>{State::WalkingSource, State::Comparing,     State::WalkingSource,
                             State::Comparing,     State::WalkingSource, State::Comparing,
-                            State::GaveUp}
-            << 2;
+                            State::GaveUp};
         QTest::newRow("cancelled during the walk")
-            << false << false << true << QList<State>{State::WalkingSource, State::Cancelled} << 0;
+            << false << false << true << QList<State>{State::WalkingSource, State::Cancelled};
     }
     void runs() {
         QFETCH(bool, parallel);
         QFETCH(bool, keepsChanging);
         QFETCH(bool, cancelWhileWalking);
         QFETCH(QList<State>, states);
-        QFETCH(int, restarts);
         TestTree source;
         TestTree destination;
         QVERIFY(source.write(QStringLiteral("a"), "1") &&
@@ -70,7 +65,7 @@ private Q_SLOTS:
         request.comparisons = 1;
         QCOMPARE(session.run(request), states.last());
         QCOMPARE(seen, states);
-        QCOMPARE(session.restarts(), restarts);
+        QCOMPARE(session.restarts(), states.count(State::WalkingSource) - 1);
         QVERIFY(!session.isRunning());
         // Giving up is a problem of the run as a whole.
         const QList<CollectionProblem> problems = session.problems();

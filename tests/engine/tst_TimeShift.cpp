@@ -18,7 +18,6 @@ private Q_SLOTS:
         QTest::newRow("3 s, slack") << qint64(3) << 500000000 << true << true;
         QTest::newRow("2.9 s over 3 boundaries") << qint64(3) << 400000000 << true << true;
         QTest::newRow("an hour later") << qint64(3600) << 500000000 << false << false;
-        QTest::newRow("an hour earlier") << qint64(-3600) << 500000000 << false << false;
         QTest::newRow("an hour and a nanosecond, exact")
             << qint64(3600) << 500000001 << false << true;
         QTest::newRow("an hour and a nanosecond, slack")
