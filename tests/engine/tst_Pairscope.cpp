@@ -1,3 +1,5 @@
+#include "engine/CompareSession.h"
+#include "engine/PairTest.h"
 #include "engine/Pairscope.h"
 #include "support/ChildRun.h"
 #include "support/TestTree.h"
@@ -8,6 +10,8 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+using State = CompareSession::State;
 
 namespace {
 
@@ -300,6 +304,106 @@ private Q_SLOTS:
         QCOMPARE(f.code(1), 4);
         QCOMPARE(f.code(2), 13);
         QCOMPARE(f.code(3), 14);
+    }
+
+    // When two dates differ: exactly, within the slack of two second boundaries, or by a shift.
+    void datesDiffer_data() {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<int>("nanoseconds");
+        QTest::addColumn<bool>("slack");
+        QTest::addColumn<bool>("differ");
+        // a is x.5 s; b is a + seconds, at the given nanoseconds; the shift is one hour.
+        QTest::newRow("equal") << 0 << 500000000 << false << false;
+        QTest::newRow("2 s, slack") << 2 << 500000000 << true << false;
+        QTest::newRow("2 s, exact") << 2 << 500000000 << false << true;
+        QTest::newRow("3 s, slack") << 3 << 500000000 << true << true;
+        QTest::newRow("2.9 s over 3 boundaries") << 3 << 400000000 << true << true;
+        QTest::newRow("an hour later") << 3600 << 500000000 << false << false;
+        QTest::newRow("an hour and a nanosecond, exact") << 3600 << 500000001 << false << true;
+        QTest::newRow("an hour and a nanosecond, slack") << 3600 << 500000001 << true << false;
+        QTest::newRow("an hour less 2 s, slack") << -3598 << 500000000 << true << false;
+        QTest::newRow("an hour and 3 s, slack") << 3603 << 500000000 << true << true;
+        QTest::newRow("two hours") << 7200 << 500000000 << true << true;
+        QTest::newRow("half an hour") << 1800 << 500000000 << true << true;
+    }
+    void datesDiffer() {
+        QFETCH(int, seconds);
+        QFETCH(int, nanoseconds);
+        QFETCH(bool, slack);
+        QFETCH(bool, differ);
+        const FileTime a(1700000000, 500000000);
+        const FileTime b(a.seconds() + seconds, nanoseconds);
+        QCOMPARE(::datesDiffer(a, b, slack, {3600}), differ);
+        QCOMPARE(::datesDiffer(b, a, slack, {3600}), differ);
+        // Without the shift, dates half an hour or more apart always differ.
+        QCOMPARE(::datesDiffer(a, b, slack, {}), differ || qAbs(seconds) >= 1800);
+        // "No date" equals only "no date".
+        QVERIFY(::datesDiffer(a, FileTime(), slack, {3600}));
+    }
+
+    void sessionRuns_data() {
+        QTest::addColumn<bool>("parallel");
+        QTest::addColumn<bool>("keepsChanging");
+        QTest::addColumn<bool>("cancelWhileWalking");
+        QTest::addColumn<QList<State>>("states");
+        QTest::newRow("one tree after the other")
+            << false << false << false
+            << QList<State>{State::WalkingSource, State::WalkingDestination, State::Comparing,
+                            State::Complete};
+        QTest::newRow("side by side")
+            << true << false << false
+            << QList<State>{State::WalkingSource, State::Comparing, State::Complete};
+        // A file that vanishes before every compare: the session starts again, then gives up.
+        QTest::newRow("a tree that keeps changing")
+            << true << true << false
+            << QList<State>{State::WalkingSource, State::Comparing,     State::WalkingSource,
+                            State::Comparing,     State::WalkingSource, State::Comparing,
+                            State::GaveUp};
+        QTest::newRow("cancelled during the walk")
+            << false << false << true << QList<State>{State::WalkingSource, State::Cancelled};
+    }
+    void sessionRuns() {
+        QFETCH(bool, parallel);
+        QFETCH(bool, keepsChanging);
+        QFETCH(bool, cancelWhileWalking);
+        QFETCH(QList<State>, states);
+        TestTree source;
+        TestTree destination;
+        QVERIFY(source.write(QStringLiteral("a"), "1") &&
+                destination.write(QStringLiteral("a"), "1"));
+
+        CompareSession session;
+        session.setParallelWalks(parallel);
+        session.setMaxRestarts(2);
+        QList<State> seen;
+        connect(&session, &CompareSession::stateChanged, this, [&](State state) {
+            seen << state;
+            if (keepsChanging && state == State::Comparing)
+                ::unlink(source.nativePath("vanishing").constData());
+        });
+        connect(&session, &CompareSession::attemptStarted, this, [&] {
+            // Every attempt has collections of its own.
+            QVERIFY(session.sourceFiles() && session.sourceFiles()->Count() == 0);
+            if (keepsChanging)
+                QVERIFY(source.write(QStringLiteral("vanishing"), "x"));
+            if (cancelWhileWalking)
+                connect(session.sourceFiles().get(), &ComparisonFileCollection::FileAdded, this,
+                        [&] { session.cancel(); });
+        });
+        CompareSession::Request request;
+        request.source = source.nativePath("").chopped(1);
+        request.destination = destination.nativePath("").chopped(1);
+        request.comparisons = 1;
+        QCOMPARE(session.run(request), states.last());
+        QCOMPARE(seen, states);
+        QCOMPARE(session.restarts(), states.count(State::WalkingSource) - 1);
+        QVERIFY(!session.isRunning());
+        // Giving up is a problem of the run as a whole.
+        const QList<CollectionProblem> problems = session.problems();
+        QCOMPARE(problems.size(), keepsChanging ? 1 : 0);
+        if (keepsChanging)
+            QVERIFY(problems.first().path.isEmpty() &&
+                    problems.first().reason.contains("2 restarts"));
     }
 };
 

@@ -1,14 +1,54 @@
+#include "engine/ComparisonFileCollection.h"
 #include "engine/TreeWalker.h"
+#include "support/ChildRun.h"
+#include "support/PairLog.h"
 #include "support/TestTree.h"
 
+#include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTest>
 
 #include <algorithm>
+#include <climits>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+const QByteArray deepName(200, 'd');
+
+/**
+ * Writes each "NAME=TEXT" of \a files into \a depth nested folders of 200-byte names below
+ * \a root, made one at a time relative to the last: their paths soon pass PATH_MAX.
+ */
+bool writeDeep(const QByteArray &root, int depth, const QList<QByteArray> &files) {
+    int folder = ::open(root.constData(), O_DIRECTORY | O_CLOEXEC);
+    for (int i = 0; i < depth && folder >= 0; ++i) {
+        ::mkdirat(folder, deepName.constData(), 0755);
+        const int next = ::openat(folder, deepName.constData(), O_DIRECTORY | O_CLOEXEC);
+        ::close(folder);
+        folder = next;
+    }
+    bool written = folder >= 0;
+    for (const QByteArray &file : files) {
+        const QByteArray text = file.mid(file.indexOf('=') + 1);
+        const int fd = ::openat(folder, file.left(file.indexOf('=')).constData(),
+                                O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+        written = written && ::write(fd, text.constData(), size_t(text.size())) == text.size();
+        ::close(fd);
+    }
+    ::close(folder);
+    return written;
+}
+
+/** Removes what writeDeep() made, which a removal by path cannot reach. */
+void removeDeep(const QByteArray &root) {
+    QProcess::execute(QStringLiteral("rm"),
+                      {QStringLiteral("-rf"), QFile::decodeName(root + '/' + deepName)});
+}
 
 /** Every file below \a root as "FOLDER/NAME", in the order the walker gives them. */
 QList<QByteArray> walk(const QByteArray &root, const QString &rootText) {
@@ -38,6 +78,96 @@ bool run(const QString &program, const QStringList &arguments) {
 class tst_TreeWalker : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void unreadableFolder_data() {
+        QTest::addColumn<bool>("inSource");
+        QTest::addColumn<int>("mode"); // of the folder; -1 the root r--, -2 the root removed
+        QTest::addColumn<QStringList>("expected");
+        // Listed but not entered (r--), neither (---), entered but not listed (--x): what lies
+        // behind is unknown, never missing, and nothing restarts the run.
+        const QStringList behindDestination{"locked/a.txt | - | 14", "locked/sub/b.txt | - | 14",
+                                            "open.txt | open.txt | 1"};
+        QTest::newRow("destination r--") << false << 0444 << behindDestination;
+        QTest::newRow("destination ---") << false << 0 << behindDestination;
+        QTest::newRow("destination --x") << false << 0111 << behindDestination;
+        QTest::newRow("source r--")
+            << true << 0444
+            << QStringList{"- | locked/a.txt | 13", "- | locked/sub/b.txt | 13",
+                           "open.txt | open.txt | 1"};
+        const QStringList wholeSource{"- | locked/a.txt | 13", "- | locked/sub/b.txt | 13",
+                                      "- | open.txt | 13"};
+        QTest::newRow("root of the source r--") << true << -1 << wholeSource;
+        // A root gone since it was chosen (an unmounted disk) could not be read either.
+        QTest::newRow("root of the source gone") << true << -2 << wholeSource;
+        QTest::newRow("root of the destination gone")
+            << false << -2
+            << QStringList{"locked/a.txt | - | 14", "locked/sub/b.txt | - | 14",
+                           "open.txt | - | 14"};
+    }
+    void unreadableFolder() {
+        // Root reads everything: the folder can only be unreadable to an ordinary user.
+        if (!ChildRun::isChild())
+            return ChildRun::run(ChildRun::unprivileged(), "unreadableFolder");
+        QFETCH(bool, inSource);
+        QFETCH(int, mode);
+        QFETCH(QStringList, expected);
+        TestTree readable;
+        TestTree locked;
+        for (TestTree *tree : {&readable, &locked}) {
+            QVERIFY(tree->write(QStringLiteral("locked/a.txt"), "a"));
+            QVERIFY(tree->write(QStringLiteral("locked/sub/b.txt"), "b"));
+            QVERIFY(tree->write(QStringLiteral("open.txt"), "o"));
+        }
+        const QByteArray folder =
+            mode < 0 ? locked.nativePath("").chopped(1) : locked.nativePath("locked");
+        if (mode == -2)
+            QVERIFY(QDir(locked.root()).removeRecursively());
+        else
+            QVERIFY(::chmod(folder.constData(), mode < 0 ? 0444 : mode_t(mode)) == 0);
+        // A walk read ahead meets the folder on a thread of its own: the same outcome.
+        for (const bool prepared : {false, true}) {
+            ComparisonFileCollection sourceFiles;
+            ComparisonFileCollection destinationFiles;
+            ComparisonFileCollection &lockedFiles = inSource ? sourceFiles : destinationFiles;
+            if (prepared)
+                lockedFiles.prepareRootFolder(locked.root());
+            sourceFiles.setRootFolder(inSource ? locked.root() : readable.root());
+            destinationFiles.setRootFolder(inSource ? readable.root() : locked.root());
+            int status = -1;
+            QCOMPARE(comparePairs(sourceFiles, destinationFiles, 1, &status), expected);
+            QCOMPARE(status, int(Pairscope::StatusComplete));
+            // The folder is the one problem, once, and says why.
+            QCOMPARE(lockedFiles.Problems().size(), 1);
+            QCOMPARE(lockedFiles.Problems().first().nativePath, folder);
+            QVERIFY(lockedFiles.Problems().first().reason.contains(
+                QLatin1String(mode == -2 ? "No such file" : "ermission")));
+            QCOMPARE((inSource ? destinationFiles : sourceFiles).Problems().size(), 0);
+        }
+        ::chmod(folder.constData(), 0755);
+    }
+
+    void pathsPastTheLimit() {
+        TestTree source;
+        TestTree destination;
+        const QByteArray sourceRoot = source.nativePath("").chopped(1);
+        const QByteArray destinationRoot = destination.nativePath("").chopped(1);
+        constexpr int depth = 24; // about 4,800 bytes of path
+        QVERIFY(writeDeep(sourceRoot, depth, {"deep.txt=same size 1", "only.txt=extra"}));
+        QVERIFY(writeDeep(destinationRoot, depth, {"deep.txt=same size 2"}));
+        ComparisonFileCollection sourceFiles;
+        ComparisonFileCollection destinationFiles;
+        sourceFiles.setRootFolder(source.root());
+        destinationFiles.setRootFolder(destination.root());
+        QVERIFY(sourceFiles.Item(1)->NativePath().size() > PATH_MAX);
+        // Sizes and checksums: the checksums tell the two files apart.
+        const QStringList pairs = comparePairs(sourceFiles, destinationFiles, 1 | 32);
+        removeDeep(sourceRoot);
+        removeDeep(destinationRoot);
+        QCOMPARE(pairs.size(), 2);
+        QVERIFY(pairs[0].endsWith(QLatin1String("deep.txt | 5")));
+        QVERIFY(pairs[1].endsWith(QLatin1String("only.txt | - | 3")));
+        QVERIFY(sourceFiles.Problems().isEmpty());
+    }
+
     void nameByteOrder() {
         // Names that tie on their first eight bytes, end within them, or hold bytes past ASCII:
         // each folder must come out in plain byte order, as a byte-wise sort gives it.
