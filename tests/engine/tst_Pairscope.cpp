@@ -342,25 +342,23 @@ private Q_SLOTS:
     }
 
     void sessionRuns_data() {
+        using enum State;
         QTest::addColumn<bool>("parallel");
         QTest::addColumn<bool>("keepsChanging");
         QTest::addColumn<bool>("cancelWhileWalking");
         QTest::addColumn<QList<State>>("states");
         QTest::newRow("one tree after the other")
             << false << false << false
-            << QList<State>{State::WalkingSource, State::WalkingDestination, State::Comparing,
-                            State::Complete};
+            << QList<State>{WalkingSource, WalkingDestination, Comparing, Complete};
         QTest::newRow("side by side")
-            << true << false << false
-            << QList<State>{State::WalkingSource, State::Comparing, State::Complete};
+            << true << false << false << QList<State>{WalkingSource, Comparing, Complete};
         // A file that vanishes before every compare: the session starts again, then gives up.
         QTest::newRow("a tree that keeps changing")
             << true << true << false
-            << QList<State>{State::WalkingSource, State::Comparing,     State::WalkingSource,
-                            State::Comparing,     State::WalkingSource, State::Comparing,
-                            State::GaveUp};
+            << QList<State>{WalkingSource, Comparing, WalkingSource, Comparing,
+                            WalkingSource, Comparing, GaveUp};
         QTest::newRow("cancelled during the walk")
-            << false << false << true << QList<State>{State::WalkingSource, State::Cancelled};
+            << false << false << true << QList<State>{WalkingSource, Cancelled};
     }
     void sessionRuns() {
         QFETCH(bool, parallel);

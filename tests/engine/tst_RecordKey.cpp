@@ -15,23 +15,6 @@
 class tst_RecordKey : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void keyFromNative_data() {
-        QTest::addColumn<QByteArray>("native");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("display");
-        QTest::newRow("valid UTF-8")
-            << QByteArray("caf\xc3\xa9") << QString::fromUtf8("café") << QString::fromUtf8("café");
-        QTest::newRow("invalid byte")
-            << QByteArray("a\xff.txt") << "a\\xFF.txt" << QString::fromUtf8("a\xEF\xBF\xBD.txt");
-        QTest::newRow("truncated sequence")
-            << QByteArray("\xc3") << "\\xC3" << QString(QChar::ReplacementCharacter);
-    }
-    void keyFromNative() {
-        QFETCH(QByteArray, native);
-        QTEST(KeyFromNative(native), "key");
-        QTEST(DisplayFromNative(native), "display");
-    }
-
     void namesAgainstTextKeys_data() {
         QTest::addColumn<QByteArray>("a");
         QTest::addColumn<QByteArray>("b");
