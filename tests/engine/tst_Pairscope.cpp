@@ -17,10 +17,7 @@ namespace {
 
 constexpr time_t baseTime = 1700000000;
 
-/**
- * Makes "f" in \a tree: "fifo", "link" (to "target", so its text is that file's content), or
- * a file of the text \a spec, mode 600 when the text starts with "600 ".
- */
+/** Makes "f": "fifo", "link" (to "target"), or a file of \a spec, mode 600 after "600 ". */
 bool makeEntry(TestTree &tree, const QByteArray &spec) {
     const QByteArray path = tree.nativePath("f");
     if (spec == "fifo")
@@ -160,8 +157,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("meddle");
         // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
         QTest::newRow("many files") << false;
-        // A handler adds placeholders for later records: the look-ups prepared ahead no longer
-        // hold.
+        // A handler adds placeholders for later records: the look-ups made ahead no longer hold.
         QTest::newRow("a handler changes the collections") << true;
     }
     void workersMatchSequentialRun() {
@@ -274,8 +270,7 @@ private Q_SLOTS:
             if (++yields == 10)
                 QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
         });
-        // Not "checksum is different": the walk no longer matches the disk, so the tree is read
-        // again, as when a file vanished.
+        // Not "checksum is different": the tree is read again, as when a file vanished.
         QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusRescanNeeded));
         QVERIFY(f.sourceFiles.NeedsRescan());
         QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
@@ -295,7 +290,6 @@ private Q_SLOTS:
         QVERIFY(::chmod(f.source.nativePath("b-secret").constData(), 0) == 0);
         QVERIFY(::chmod(f.destination.nativePath("c-open").constData(), 0) == 0);
         f.walk();
-        // Sizes and checksums, the checksum last; attributes are not compared.
         QCOMPARE(f.compare(33), int(Pairscope::StatusComplete));
         // The unreadable pair of different sizes is decided without opening either file: had
         // it been opened, it would read "source could not be read" (13) like the second pair.

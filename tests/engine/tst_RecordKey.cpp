@@ -82,9 +82,8 @@ private Q_SLOTS:
     }
 
     void recordsAcrossTrees() {
-        // The same paths below two roots of different depth and letter case, one folder name not
-        // valid UTF-8, letter case ignored: each record finds its counterpart, and the look-up by
-        // text agrees.
+        // Roots of different depth, names in other letter cases (ignored), a folder not UTF-8:
+        // each record finds its counterpart, and the look-up by text agrees.
         TestTree source;
         TestTree destination;
         QVERIFY(source.write(QStringLiteral("Sub/Deeper/File.txt"), "1"));
