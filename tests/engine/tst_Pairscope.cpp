@@ -17,15 +17,15 @@ namespace {
 
 constexpr time_t baseTime = 1700000000;
 
-/** Makes "f": "fifo", "link" (to "target"), or a file of \a spec, mode 600 after "600 ". */
-bool makeEntry(TestTree &tree, const QByteArray &spec) {
+/** Makes "f": "fifo", "link" (to "target"), or a file of \a entry, mode 600 after "600 ". */
+bool makeEntry(TestTree &tree, const QByteArray &entry) {
     const QByteArray path = tree.nativePath("f");
-    if (spec == "fifo")
+    if (entry == "fifo")
         return ::mkfifo(path.constData(), 0644) == 0;
-    if (spec == "link")
+    if (entry == "link")
         return ::symlink("target", path.constData()) == 0;
-    const bool restricted = spec.startsWith("600 ");
-    return tree.writeNative("f", restricted ? spec.mid(4) : spec) &&
+    const bool restricted = entry.startsWith("600 ");
+    return tree.writeNative("f", restricted ? entry.mid(4) : entry) &&
            (!restricted || ::chmod(path.constData(), 0600) == 0);
 }
 
