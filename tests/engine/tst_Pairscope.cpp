@@ -1,48 +1,32 @@
-#include "engine/ComparisonSet.h"
+#include "engine/CompareSession.h"
+#include "engine/PairTest.h"
 #include "engine/Pairscope.h"
 #include "support/ChildRun.h"
 #include "support/TestTree.h"
 
-#include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTest>
 
-#include <cstring>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
+
+using State = CompareSession::State;
 
 namespace {
 
 constexpr time_t baseTime = 1700000000;
 
-/**
- * Makes \a name in \a tree as \a kind: "file" (text "target"), "file 600", "file 755",
- * "fifo", "socket" or "link" (to "target", so its text is the file's content).
- */
-bool makeEntry(TestTree &tree, const QByteArray &kind, const QByteArray &name) {
-    const QByteArray path = tree.nativePath(name);
-    if (kind.startsWith("file")) {
-        const mode_t mode = kind == "file" ? 0644 : mode_t(kind.mid(5).toUInt(nullptr, 8));
-        return tree.writeNative(name, "target") && ::chmod(path.constData(), mode) == 0;
-    }
-    if (kind == "fifo")
+/** Makes "f": "fifo", "link" (to "target"), or a file of \a entry, mode 600 after "600 ". */
+bool makeEntry(TestTree &tree, const QByteArray &entry) {
+    const QByteArray path = tree.nativePath("f");
+    if (entry == "fifo")
         return ::mkfifo(path.constData(), 0644) == 0;
-    if (kind == "link")
+    if (entry == "link")
         return ::symlink("target", path.constData()) == 0;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (kind != "socket" || std::size_t(path.size()) >= sizeof address.sun_path)
-        return false;
-    std::memcpy(address.sun_path, path.constData(), std::size_t(path.size()));
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool bound =
-        fd >= 0 && ::bind(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
-    if (fd >= 0)
-        ::close(fd);
-    return bound && ::chmod(path.constData(), 0644) == 0;
+    const bool restricted = entry.startsWith("600 ");
+    return tree.writeNative("f", restricted ? entry.mid(4) : entry) &&
+           (!restricted || ::chmod(path.constData(), 0600) == 0);
 }
 
 /** Two walked trees and an engine, with every event written down as text. */
@@ -54,8 +38,11 @@ struct Fixture {
     Pairscope engine;
     QStringList events;
 
+    /** On the caller's thread with no workers, else reading ahead on that many threads. */
     explicit Fixture(int workers = 2) {
         engine.setWorkerCount(workers);
+        // A listing reads the details while handling the pair: they must be there by then.
+        engine.setLoadDetails(true);
         QObject::connect(
             &engine, &Pairscope::CompareProgress, &engine,
             [this](int pass, int current, int total) {
@@ -63,11 +50,12 @@ struct Fixture {
             });
         QObject::connect(&engine, &Pairscope::FilesCompared, &engine,
                          [this](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int code) {
-                             events
-                                 << QStringLiteral("pair %1 %2 %3 %4")
-                                        .arg(a->RelativePath(), b->RelativePath())
-                                        .arg(int(a->HasFileObject()) * 2 + int(b->HasFileObject()))
-                                        .arg(code);
+                             events << QStringLiteral("pair %1 %2 %3 %4 %5/%6")
+                                           .arg(a->RelativePath(), b->RelativePath())
+                                           .arg(int(a->HasFileObject()) * 2 + b->HasFileObject())
+                                           .arg(code)
+                                           .arg(a->Size())
+                                           .arg(b->Size());
                          });
     }
     /** Writes the file at \a relative on both sides. */
@@ -79,475 +67,335 @@ struct Fixture {
         sourceFiles.setRootFolder(source.root());
         destinationFiles.setRootFolder(destination.root());
     }
-    int compare(int bits, bool slack = true, bool crcLast = true, int chunk = 65536) {
+    int compare(int bits, bool crcLast = true, int chunk = 65536) {
         events.clear();
-        return engine.Compare(sourceFiles, destinationFiles, bits, slack, crcLast, chunk);
+        return engine.Compare(sourceFiles, destinationFiles, bits, true, crcLast, chunk);
     }
-    /** The code of the pair whose source side is at \a relative. */
-    int code(const QString &relative) const {
-        for (const ComparisonFilePtr &record : sourceFiles) {
-            if (record->RelativePath() == relative)
-                return record->DifferenceCode();
-        }
-        return -100;
-    }
+    /** The code of the pair of the source's record at \a index. */
+    int code(int index) const { return sourceFiles.Item(index)->DifferenceCode(); }
 };
-
-/** Every run on the caller's thread and with read-ahead, for a test that takes rows. */
-void workerCounts() {
-    QTest::addColumn<int>("workers");
-    QTest::newRow("on the caller's thread") << 0;
-    QTest::newRow("with read-ahead") << 2;
-}
 
 } // namespace
 
 class tst_Pairscope : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void orderOfTests_data();
-    void orderOfTests();
-    void slack_data();
-    void slack();
-    void pairingAndEvents_data() { workerCounts(); }
-    void pairingAndEvents();
-    void detailsFromTheJudgedStat_data();
-    void detailsFromTheJudgedStat();
-    void workersMatchSequentialRun_data();
-    void workersMatchSequentialRun();
-    void vanishedFile_data();
-    void vanishedFile();
-    void fileDeletedDuringWalk();
-    void cancelDuringChecksum_data() { workerCounts(); }
-    void cancelDuringChecksum();
-    void fifoAndLinkLoop();
-    void kindsAndPermissions_data();
-    void kindsAndPermissions();
-    void fileWrittenDuringChecksum();
-    void vanishedRoot_data();
-    void vanishedRoot();
-    void unreadableFiles();
-};
-
-void tst_Pairscope::orderOfTests_data() {
-    QTest::addColumn<QByteArray>("sourceContent");
-    QTest::addColumn<QByteArray>("destinationContent");
-    QTest::addColumn<int>("sourceAge");
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<bool>("crcLast");
-    QTest::addColumn<int>("expected");
-    // Size is tested before the checksum wherever the checksum goes.
-    QTest::newRow("size+crc, crc last")
-        << QByteArray("aaaa") << QByteArray("bbbbbb") << 0 << 33 << true << 4;
-    QTest::newRow("size+crc, crc first")
-        << QByteArray("aaaa") << QByteArray("bbbbbb") << 0 << 33 << false << 4;
-    // A checksum first outranks the dates; last, it only speaks when nothing else differs.
-    QTest::newRow("date+crc, crc first")
-        << QByteArray("aaaa") << QByteArray("bbbb") << 100 << 34 << false << 5;
-    QTest::newRow("date+crc, crc last, source newer")
-        << QByteArray("aaaa") << QByteArray("bbbb") << 100 << 34 << true << 7;
-    QTest::newRow("date+crc, crc last, destination newer")
-        << QByteArray("aaaa") << QByteArray("bbbb") << -100 << 34 << true << 8;
-    QTest::newRow("same content") << QByteArray("aaaa") << QByteArray("aaaa") << 0 << 63 << true
-                                  << 1;
-    QTest::newRow("existence only")
-        << QByteArray("a") << QByteArray("bbbbbb") << 100 << 0 << true << 1;
-    QTest::newRow("accessed dates") << QByteArray("a") << QByteArray("a") << 100 << 8 << true << 11;
-}
-
-void tst_Pairscope::orderOfTests() {
-    QFETCH(QByteArray, sourceContent);
-    QFETCH(QByteArray, destinationContent);
-    QFETCH(int, sourceAge);
-    QFETCH(int, bits);
-    QFETCH(bool, crcLast);
-    QFETCH(int, expected);
-    for (const int workers : {0, 2}) {
-        Fixture f(workers);
-        QVERIFY(f.pair("f", sourceContent, destinationContent));
-        QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
-        QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
-        f.walk();
-        QCOMPARE(f.compare(bits, true, crcLast), int(Pairscope::StatusComplete));
-        QCOMPARE(f.code(QStringLiteral("f")), expected);
-        QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
+    void codes_data() {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<int>("sourceAge");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<int>("bits");
+        QTest::addColumn<bool>("crcLast");
+        QTest::addColumn<int>("expected");
+        // Size is tested before a checksum, even one that goes first.
+        QTest::newRow("size, crc first") << "aaaa" << 0 << "bbbbbb" << 33 << false << 4;
+        // A checksum first outranks the dates; last, it only speaks when nothing else differs.
+        QTest::newRow("date+crc, crc first") << "aaaa" << 100 << "bbbb" << 34 << false << 5;
+        QTest::newRow("date+crc, crc last, source newer")
+            << "aaaa" << 100 << "bbbb" << 34 << true << 7;
+        QTest::newRow("date+crc, crc last, destination newer")
+            << "aaaa" << -100 << "bbbb" << 34 << true << 8;
+        QTest::newRow("same content") << "aaaa" << 0 << "aaaa" << 63 << true << 1;
+        QTest::newRow("existence only") << "a" << 100 << "bbbbbb" << 0 << true << 1;
+        QTest::newRow("accessed dates") << "a" << 100 << "a" << 8 << true << 11;
+        // Different kinds are never identical, whatever is compared.
+        QTest::newRow("FIFO and file, existence only") << "fifo" << 0 << "target" << 0 << true << 6;
+        QTest::newRow("link and file of its text, sizes and checksums")
+            << "link" << 0 << "target" << 33 << true << 6;
+        QTest::newRow("FIFO and FIFO, all") << "fifo" << 0 << "fifo" << 63 << true << 1;
+        // Permission bits are attributes.
+        QTest::newRow("600 and 644, attributes") << "600 x" << 0 << "x" << 16 << true << 6;
     }
-}
-
-void tst_Pairscope::slack_data() {
-    QTest::addColumn<int>("sourceSeconds");
-    QTest::addColumn<int>("sourceNanoseconds");
-    QTest::addColumn<bool>("slack");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("2 s, slack") << 2 << 0 << true << 1;
-    QTest::newRow("2 s, exact") << 2 << 0 << false << 7;
-    QTest::newRow("3 s, slack") << 3 << 0 << true << 7;
-    QTest::newRow("nanoseconds, slack") << 0 << 1 << true << 1;
-    // 2.9 s apart but three second boundaries lie between them.
-    QTest::newRow("2.9 s over 3 boundaries") << 3 << 900000000 << true << 7;
-}
-
-void tst_Pairscope::slack() {
-    QFETCH(int, sourceSeconds);
-    QFETCH(int, sourceNanoseconds);
-    QFETCH(bool, slack);
-    QFETCH(int, expected);
-    Fixture f;
-    QVERIFY(f.pair("f", "x", "x"));
-    QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceSeconds, sourceNanoseconds));
-    const bool boundaryRow = sourceNanoseconds == 900000000;
-    QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime, boundaryRow ? 999999999 : 0));
-    f.walk();
-    QCOMPARE(f.compare(2, slack), int(Pairscope::StatusComplete));
-    QCOMPARE(f.code(QStringLiteral("f")), expected);
-}
-
-void tst_Pairscope::pairingAndEvents() {
-    QFETCH(int, workers);
-    Fixture f(workers);
-    QVERIFY(f.source.write(QStringLiteral("Same.txt"), "x"));
-    QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "x"));
-    QVERIFY(f.source.write(QStringLiteral("sub/z"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("same.TXT"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("sub/z"), "xy"));
-    QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "x"));
-    f.sourceFiles.setCaseRule(CaseRule::Insensitive);
-    f.destinationFiles.setCaseRule(CaseRule::Insensitive);
-    f.walk();
-    const QStringList expected = {
-        QStringLiteral("progress 1 -1 -1"),
-        QStringLiteral("progress 1 -1 3"),
-        // Where case is ignored, a name that differs only in letter case is the same file.
-        QStringLiteral("pair Same.txt same.TXT 3 1"),
-        QStringLiteral("progress 1 1 3"),
-        QStringLiteral("pair sub/only-source sub/only-source 2 3"),
-        QStringLiteral("progress 1 2 3"),
-        QStringLiteral("pair sub/z sub/z 3 4"),
-        QStringLiteral("progress 1 3 3"),
-        QStringLiteral("progress 2 1 4"),
-        QStringLiteral("progress 2 2 4"),
-        QStringLiteral("pair zz/only-destination zz/only-destination 1 2"),
-        QStringLiteral("progress 2 3 4"),
-        QStringLiteral("progress 2 4 4"),
-    };
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(f.events, expected);
-    QCOMPARE(f.sourceFiles.Count(), 4);
-    const ComparisonFilePtr placeholder = f.sourceFiles.Item(4);
-    QCOMPARE(placeholder->Path(), f.source.root() + QStringLiteral("/zz/only-destination"));
-    QCOMPARE(placeholder->ParentFolder(), f.source.root() + QStringLiteral("/zz/"));
-    QCOMPARE(placeholder->ColumnString(9, false), QStringLiteral("source does not exist"));
-
-    // Placeholders of the first run are removed first: the second run is the same.
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(f.events, expected);
-    QCOMPARE(f.sourceFiles.Count(), 4);
-    QCOMPARE(f.destinationFiles.Count(), 4);
-    QVERIFY(!f.engine.InProgress());
-}
-
-void tst_Pairscope::detailsFromTheJudgedStat_data() {
-    QTest::addColumn<int>("workers");
-    QTest::addColumn<bool>("load");
-    QTest::newRow("on the caller's thread") << 0 << true;
-    QTest::newRow("with read-ahead") << 2 << true;
-    QTest::newRow("not asked for") << 2 << false;
-}
-
-void tst_Pairscope::detailsFromTheJudgedStat() {
-    QFETCH(int, workers);
-    QFETCH(bool, load);
-    Fixture f(workers);
-    f.engine.setLoadDetails(load);
-    QVERIFY(f.pair("both", "12", "123"));
-    QVERIFY(f.source.write(QStringLiteral("only-source"), "1234"));
-    QVERIFY(f.destination.write(QStringLiteral("only-destination"), "12345"));
-    f.walk();
-    // A listing reads the details while handling the pair: they must be there by then.
-    QStringList seen;
-    QObject::connect(&f.engine, &Pairscope::FilesCompared, &f.engine,
-                     [&seen](const ComparisonFilePtr &a, const ComparisonFilePtr &b, int) {
-                         for (const ComparisonFilePtr &record : {a, b}) {
-                             seen << QStringLiteral("%1 %2 %3")
-                                         .arg(record->RelativePath())
-                                         .arg(record->DetailsLoaded())
-                                         .arg(record->Size());
-                         }
-                     });
-    QCOMPARE(f.compare(ComparisonBits::Sizes), int(Pairscope::StatusComplete));
-    const QStringList loaded = {
-        QStringLiteral("both 1 2"),
-        QStringLiteral("both 1 3"),
-        QStringLiteral("only-source 1 4"),
-        // A placeholder carries the details of the file it stands for.
-        QStringLiteral("only-source 1 4"),
-        QStringLiteral("only-destination 1 5"),
-        QStringLiteral("only-destination 1 5"),
-    };
-    const QStringList notLoaded = {
-        QStringLiteral("both 0 0"),
-        QStringLiteral("both 0 0"),
-        QStringLiteral("only-source 0 0"),
-        QStringLiteral("only-source 1 4"),
-        QStringLiteral("only-destination 1 5"),
-        QStringLiteral("only-destination 0 0"),
-    };
-    QCOMPARE(seen, load ? loaded : notLoaded);
-}
-
-void tst_Pairscope::workersMatchSequentialRun_data() {
-    QTest::addColumn<int>("files");
-    QTest::addColumn<bool>("meddle");
-    // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
-    QTest::newRow("many more") << 3000 << false;
-    // A handler adds placeholders for later records: the look-ups prepared ahead no longer hold.
-    QTest::newRow("a handler changes the collections") << 3000 << true;
-}
-
-void tst_Pairscope::workersMatchSequentialRun() {
-    QFETCH(int, files);
-    QFETCH(bool, meddle);
-    Fixture f(0);
-    QRandomGenerator generator(testSeed());
-    auto *random = &generator;
-    for (int i = 0; i < files; ++i) {
-        const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
-        const int kind = int(random->bounded(6));
-        const QByteArray content = QByteArray::number(i).repeated(int(random->bounded(1, 50)));
-        if (kind != 0)
-            QVERIFY(f.source.write(name, content));
-        if (kind != 1)
-            QVERIFY(f.destination.write(name, kind == 2 ? content + "!" : content));
-        if (kind == 3) {
-            QVERIFY(f.destination.write(name, QByteArray(content).replace('1', '2')));
-            QVERIFY(f.destination.setTimes(name, baseTime + i));
+    void codes() {
+        QFETCH(QString, source);
+        QFETCH(int, sourceAge);
+        QFETCH(QString, destination);
+        QFETCH(int, bits);
+        QFETCH(bool, crcLast);
+        QFETCH(int, expected);
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            QVERIFY(makeEntry(f.source, source.toUtf8()) &&
+                    makeEntry(f.destination, destination.toUtf8()));
+            QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
+            QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
+            f.walk();
+            QCOMPARE(f.compare(bits, crcLast), int(Pairscope::StatusComplete));
+            QCOMPARE(f.code(1), expected);
+            QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
         }
-        if (kind == 4)
-            QVERIFY(f.source.setTimes(name, baseTime - i));
     }
-    f.walk();
-    bool meddled = false;
-    if (meddle) {
-        connect(&f.engine, &Pairscope::CompareProgress, this, [&](int pass, int current, int) {
-            if (meddled || pass != 1 || current != f.sourceFiles.Count() / 3)
-                return;
-            meddled = true;
-            for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
-                const ComparisonFilePtr record = f.sourceFiles.Item(i);
-                if (!f.destinationFiles.Counterpart(*record, f.sourceFiles))
-                    f.destinationFiles.AddMissingFile(record->FileObject(),
-                                                      f.sourceFiles.RootFolder(), 3);
+
+    void pairingAndEvents() {
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            QVERIFY(f.pair("sub/z", "x", "xy"));
+            QVERIFY(f.pair("Same.txt", "x", "x"));
+            QVERIFY(f.source.write(QStringLiteral("sub/only-source"), "abc"));
+            QVERIFY(f.destination.write(QStringLiteral("zz/only-destination"), "abcd"));
+            f.walk();
+            // A placeholder carries the details of the file it stands for.
+            const QString expected = QStringLiteral(
+                "progress 1 -1 -1, progress 1 -1 3, pair Same.txt Same.txt 3 1 1/1, "
+                "progress 1 1 3, pair sub/only-source sub/only-source 2 3 3/3, progress 1 2 3, "
+                "pair sub/z sub/z 3 4 1/2, progress 1 3 3, progress 2 1 4, progress 2 2 4, "
+                "pair zz/only-destination zz/only-destination 1 2 4/4, progress 2 3 4, "
+                "progress 2 4 4");
+            QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events.join(QStringLiteral(", ")), expected);
+            QCOMPARE(f.sourceFiles.Item(4)->Path(),
+                     f.source.root() + QStringLiteral("/zz/only-destination"));
+            // Placeholders of the first run are removed first: the second run is the same.
+            QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events.join(QStringLiteral(", ")), expected);
+            QCOMPARE(f.sourceFiles.Count() + f.destinationFiles.Count(), 8);
+            QVERIFY(!f.engine.InProgress());
+        }
+    }
+
+    void workersMatchSequentialRun_data() {
+        QTest::addColumn<bool>("meddle");
+        // The jobs' ring wraps many times, and the destination pass reads only unpaired records.
+        QTest::newRow("many files") << false;
+        // A handler adds placeholders for later records: the look-ups made ahead no longer hold.
+        QTest::newRow("a handler changes the collections") << true;
+    }
+    void workersMatchSequentialRun() {
+        QFETCH(bool, meddle);
+        Fixture f(0);
+        QRandomGenerator random(testSeed());
+        for (int i = 0; i < 3000; ++i) {
+            const QString name = QStringLiteral("d%1/f%2").arg(i % 7).arg(i);
+            const int kind = int(random.bounded(6));
+            const QByteArray content = QByteArray::number(i).repeated(int(random.bounded(1, 50)));
+            if (kind != 0)
+                QVERIFY(f.source.write(name, content));
+            if (kind != 1)
+                QVERIFY(f.destination.write(name, kind == 2 ? content + "!" : content));
+            if (kind == 3) {
+                QVERIFY(f.destination.write(name, QByteArray(content).replace('1', '2')));
+                QVERIFY(f.destination.setTimes(name, baseTime + i));
             }
-        });
-    }
-    for (const bool crcLast : {false, true}) {
-        meddled = false;
-        f.engine.setWorkerCount(0);
-        QCOMPARE(f.compare(63, true, crcLast), int(Pairscope::StatusComplete));
-        const QStringList expected = f.events;
-        meddled = false;
-        f.engine.setWorkerCount(2);
-        QCOMPARE(f.compare(63, true, crcLast), int(Pairscope::StatusComplete));
-        QCOMPARE(f.events, expected);
-    }
-}
-
-void tst_Pairscope::vanishedFile_data() {
-    QTest::addColumn<bool>("fromSource");
-    QTest::addColumn<bool>("paired");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("code");
-    // Without a counterpart the records no longer match the disk: rescan.
-    QTest::newRow("source only") << true << false << 1 << 0;
-    // With one, the vanished side is simply missing.
-    QTest::newRow("paired source") << true << true << 2 << 2;
-    QTest::newRow("paired destination") << false << true << 2 << 3;
-}
-
-void tst_Pairscope::vanishedFile() {
-    QFETCH(bool, fromSource);
-    QFETCH(bool, paired);
-    QFETCH(int, status);
-    QFETCH(int, code);
-    Fixture f;
-    TestTree &side = fromSource ? f.source : f.destination;
-    TestTree &other = fromSource ? f.destination : f.source;
-    QVERIFY(side.write(QStringLiteral("gone"), "x"));
-    if (paired)
-        QVERIFY(other.write(QStringLiteral("gone"), "x"));
-    f.walk();
-    QVERIFY(QFile::remove(side.path(QStringLiteral("gone"))));
-    QCOMPARE(f.compare(1), status);
-    ComparisonFileCollection &files = fromSource ? f.sourceFiles : f.destinationFiles;
-    QCOMPARE(files.NeedsRescan(), status == 1);
-    QCOMPARE(files.Item(1)->DifferenceCode(), code);
-}
-
-void tst_Pairscope::fileDeletedDuringWalk() {
-    Fixture f;
-    QVERIFY(f.source.write(QStringLiteral("a"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("a"), "x"));
-    QVERIFY(f.destination.write(QStringLiteral("b"), "x"));
-    // A handler deletes each destination file right after it was listed.
-    connect(&f.destinationFiles, &ComparisonFileCollection::FileAdded, this, [&f](int count) {
-        if (count == 2)
-            QFile::remove(f.destinationFiles.Item(count)->Path());
-    });
-    f.walk();
-    QCOMPARE(f.destinationFiles.Count(), 2);
-    QCOMPARE(f.compare(3), int(Pairscope::StatusRescanNeeded));
-    QVERIFY(f.destinationFiles.NeedsRescan());
-    QCOMPARE(f.code(QStringLiteral("a")), 1);
-}
-
-void tst_Pairscope::cancelDuringChecksum() {
-    QFETCH(int, workers);
-    Fixture f(workers);
-    const QByteArray content(4 * 1024 * 1024, 'x');
-    QVERIFY(f.pair("big", content, content));
-    QVERIFY(f.pair("later", "x", "x"));
-    f.walk();
-    int yields = 0;
-    f.engine.setYieldHook([&] {
-        if (++yields == 3)
-            f.engine.Cancel();
-    });
-    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusCancelled));
-    QVERIFY(f.engine.Cancelled());
-    QVERIFY(!f.engine.InProgress());
-    // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
-    QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
-    QCOMPARE(f.code(QStringLiteral("later")), 0);
-    QVERIFY(f.code(QStringLiteral("big")) <= 1);
-}
-
-void tst_Pairscope::fifoAndLinkLoop() {
-    Fixture f;
-    for (TestTree *tree : {&f.source, &f.destination}) {
-        QVERIFY(tree->write(QStringLiteral("sub/file"), "x"));
-        QVERIFY(::mkfifo(tree->nativePath("pipe").constData(), 0644) == 0);
-        QVERIFY(::symlink(".", tree->nativePath("sub/loop").constData()) == 0);
-    }
-    f.walk();
-    QCOMPARE(f.compare(1 | 16 | 32), int(Pairscope::StatusComplete));
-    QCOMPARE(f.code(QStringLiteral("pipe")), 1);
-    QCOMPARE(f.code(QStringLiteral("sub/loop")), 1);
-    QCOMPARE(f.code(QStringLiteral("sub/file")), 1);
-}
-
-void tst_Pairscope::kindsAndPermissions_data() {
-    QTest::addColumn<QByteArray>("sourceKind");
-    QTest::addColumn<QByteArray>("destinationKind");
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<int>("expected");
-    // Different kinds are never identical, whatever is compared.
-    QTest::newRow("FIFO and file, checksums")
-        << QByteArray("fifo") << QByteArray("file") << 32 << 6;
-    QTest::newRow("FIFO and file, existence only")
-        << QByteArray("fifo") << QByteArray("file") << 0 << 6;
-    QTest::newRow("link and file of its text, sizes and checksums")
-        << QByteArray("link") << QByteArray("file") << 33 << 6;
-    QTest::newRow("FIFO and socket, attributes")
-        << QByteArray("fifo") << QByteArray("socket") << 16 << 6;
-    QTest::newRow("FIFO and FIFO") << QByteArray("fifo") << QByteArray("fifo") << 63 << 1;
-    // Permission bits are attributes.
-    QTest::newRow("600 and 644, attributes")
-        << QByteArray("file 600") << QByteArray("file") << 16 << 6;
-    QTest::newRow("755 and 644, attributes")
-        << QByteArray("file 755") << QByteArray("file") << 16 << 6;
-    QTest::newRow("600 and 644, sizes and checksums")
-        << QByteArray("file 600") << QByteArray("file") << 33 << 1;
-}
-
-void tst_Pairscope::kindsAndPermissions() {
-    QFETCH(QByteArray, sourceKind);
-    QFETCH(QByteArray, destinationKind);
-    QFETCH(int, bits);
-    QFETCH(int, expected);
-    for (const int workers : {0, 2}) {
-        Fixture f(workers);
-        QVERIFY(makeEntry(f.source, sourceKind, "entry"));
-        QVERIFY(makeEntry(f.destination, destinationKind, "entry"));
+            if (kind == 4)
+                QVERIFY(f.source.setTimes(name, baseTime - i));
+        }
         f.walk();
-        QCOMPARE(f.compare(bits), int(Pairscope::StatusComplete));
-        QCOMPARE(f.code(QStringLiteral("entry")), expected);
+        bool meddled = false;
+        if (meddle) {
+            connect(&f.engine, &Pairscope::CompareProgress, this, [&](int pass, int current, int) {
+                if (meddled || pass != 1 || current != f.sourceFiles.Count() / 3)
+                    return;
+                meddled = true;
+                for (int i = current + 1; i <= f.sourceFiles.Count(); ++i) {
+                    const ComparisonFilePtr record = f.sourceFiles.Item(i);
+                    if (!f.destinationFiles.Counterpart(*record, f.sourceFiles))
+                        f.destinationFiles.AddMissingFile(record->FileObject(),
+                                                          f.sourceFiles.RootFolder(), 3);
+                }
+            });
+        }
+        for (const bool crcLast : {false, true}) {
+            meddled = false;
+            f.engine.setWorkerCount(0);
+            QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
+            const QStringList expected = f.events;
+            meddled = false;
+            f.engine.setWorkerCount(2);
+            QCOMPARE(f.compare(63, crcLast), int(Pairscope::StatusComplete));
+            QCOMPARE(f.events, expected);
+        }
     }
-}
 
-void tst_Pairscope::fileWrittenDuringChecksum() {
-    // On the caller's thread, so that the write lands between two chunks of the source.
-    Fixture f(0);
-    const QByteArray content(64 * 1024, 'x');
-    QVERIFY(f.pair("big", content, content));
-    QVERIFY(f.source.setTimes(QStringLiteral("big"), baseTime));
-    QVERIFY(f.destination.setTimes(QStringLiteral("big"), baseTime));
-    f.walk();
-    // Two yields start the comparison; the source is then read in 64 chunks, each with one.
-    int yields = 0;
-    f.engine.setYieldHook([&] {
-        if (++yields == 10)
-            QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
-    });
-    // Not "checksum is different": the walk no longer matches the disk, so the tree is read
-    // again, as when a file vanished.
-    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusRescanNeeded));
-    QVERIFY(f.sourceFiles.NeedsRescan());
-    QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
-             qPrintable(f.events.join(QLatin1Char('\n'))));
-    QVERIFY(yields > 10);
+    void vanishedFile_data() {
+        QTest::addColumn<bool>("fromSource");
+        QTest::addColumn<bool>("paired");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("code");
+        // Without a counterpart the records no longer match the disk: rescan.
+        QTest::newRow("source only") << true << false << 1 << 0;
+        QTest::newRow("destination only") << false << false << 1 << 0;
+        // With one, the vanished side is simply missing.
+        QTest::newRow("paired source") << true << true << 2 << 2;
+        QTest::newRow("paired destination") << false << true << 2 << 3;
+    }
+    void vanishedFile() {
+        QFETCH(bool, fromSource);
+        QFETCH(bool, paired);
+        QFETCH(int, status);
+        QFETCH(int, code);
+        Fixture f;
+        TestTree &side = fromSource ? f.source : f.destination;
+        QVERIFY(side.write(QStringLiteral("gone"), "x"));
+        if (paired)
+            QVERIFY((fromSource ? f.destination : f.source).write(QStringLiteral("gone"), "x"));
+        f.walk();
+        QVERIFY(QFile::remove(side.path(QStringLiteral("gone"))));
+        QCOMPARE(f.compare(1), status);
+        ComparisonFileCollection &files = fromSource ? f.sourceFiles : f.destinationFiles;
+        QCOMPARE(files.NeedsRescan(), status == 1);
+        QCOMPARE(files.Item(1)->DifferenceCode(), code);
+    }
 
-    f.engine.setYieldHook({});
-    f.walk();
-    QCOMPARE(f.compare(32, true, true, 1024), int(Pairscope::StatusComplete));
-    QCOMPARE(f.code(QStringLiteral("big")), 5);
-}
+    void cancelDuringChecksum() {
+        for (const int workers : {0, 2}) {
+            Fixture f(workers);
+            const QByteArray content(4 * 1024 * 1024, 'x');
+            QVERIFY(f.pair("big", content, content));
+            QVERIFY(f.pair("later", "x", "x"));
+            f.walk();
+            int yields = 0;
+            f.engine.setYieldHook([&] {
+                if (++yields == 3)
+                    f.engine.Cancel();
+            });
+            QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusCancelled));
+            // Reading 8 MiB in 1 KiB chunks would take thousands of yields.
+            QVERIFY2(yields < 100, qPrintable(QString::number(yields)));
+            QCOMPARE(f.code(2), 0);
+            QVERIFY(f.code(1) <= 1);
+        }
+    }
 
-void tst_Pairscope::vanishedRoot_data() {
-    QTest::addColumn<bool>("sourceGone");
-    QTest::newRow("source") << true;
-    QTest::newRow("destination") << false;
-}
+    void fileWrittenDuringChecksum() {
+        // On the caller's thread, so that the write lands between two chunks of the source.
+        Fixture f(0);
+        const QByteArray content(64 * 1024, 'x');
+        QVERIFY(f.pair("big", content, content));
+        QVERIFY(f.source.setTimes(QStringLiteral("big"), baseTime));
+        QVERIFY(f.destination.setTimes(QStringLiteral("big"), baseTime));
+        f.walk();
+        // Two yields start the comparison; the source is then read in 64 chunks, each with one.
+        int yields = 0;
+        f.engine.setYieldHook([&] {
+            if (++yields == 10)
+                QVERIFY(f.source.write(QStringLiteral("big"), QByteArray(content.size(), 'y')));
+        });
+        // Not "checksum is different": the tree is read again, as when a file vanished.
+        QCOMPARE(f.compare(32, true, 1024), int(Pairscope::StatusRescanNeeded));
+        QVERIFY(f.sourceFiles.NeedsRescan());
+        QVERIFY2(!f.events.join(QLatin1Char('\n')).contains(QLatin1String("pair big")),
+                 qPrintable(f.events.join(QLatin1Char('\n'))));
+        QVERIFY(yields > 10);
+    }
 
-void tst_Pairscope::vanishedRoot() {
-    // A root that went away after it was chosen (an unmounted disk): its side has no files,
-    // and the other side's still find their place beneath it.
-    QFETCH(bool, sourceGone);
-    Fixture f;
-    QVERIFY(f.pair("sub/f", "x", "x"));
-    TestTree &gone = sourceGone ? f.source : f.destination;
-    const QString root = gone.root();
-    QVERIFY(QDir(root).removeRecursively());
-    f.walk();
-    ComparisonFileCollection &files = sourceGone ? f.sourceFiles : f.destinationFiles;
-    QCOMPARE(files.Problems().size(), 1);
-    QCOMPARE(files.Problems().first().path, root);
-    QCOMPARE(f.compare(1), int(Pairscope::StatusComplete));
-    QCOMPARE(files.Count(), 1);
-    QCOMPARE(files.Item(1)->Path(), root + QStringLiteral("/sub/f"));
-    // Whether the file is there cannot be known: it could not be read, not "does not exist".
-    QCOMPARE(files.Item(1)->DifferenceCode(), sourceGone ? 13 : 14);
-}
+    void unreadableFiles() {
+        // Root reads everything: the files can only be unreadable to an ordinary user.
+        if (!ChildRun::isChild())
+            return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
+        Fixture f;
+        QVERIFY(f.pair("a-secret-longer", "0123456789", "01234"));
+        QVERIFY(f.pair("b-secret", "0123456789", "0123456789"));
+        QVERIFY(f.pair("c-open", "0123456789", "0123456789"));
+        QVERIFY(::chmod(f.source.nativePath("a-secret-longer").constData(), 0) == 0);
+        QVERIFY(::chmod(f.source.nativePath("b-secret").constData(), 0) == 0);
+        QVERIFY(::chmod(f.destination.nativePath("c-open").constData(), 0) == 0);
+        f.walk();
+        QCOMPARE(f.compare(33), int(Pairscope::StatusComplete));
+        // The unreadable pair of different sizes is decided without opening either file: had
+        // it been opened, it would read "source could not be read" (13) like the second pair.
+        QCOMPARE(f.code(1), 4);
+        QCOMPARE(f.code(2), 13);
+        QCOMPARE(f.code(3), 14);
+    }
 
-void tst_Pairscope::unreadableFiles() {
-    // Root reads everything: the files can only be unreadable to an ordinary user.
-    if (!ChildRun::isChild())
-        return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
-    Fixture f;
-    QVERIFY(f.pair("a-secret-longer", "0123456789", "01234"));
-    QVERIFY(f.pair("b-secret", "0123456789", "0123456789"));
-    QVERIFY(f.pair("c-open", "0123456789", "0123456789"));
-    QVERIFY(::chmod(f.source.nativePath("a-secret-longer").constData(), 0) == 0);
-    QVERIFY(::chmod(f.source.nativePath("b-secret").constData(), 0) == 0);
-    QVERIFY(::chmod(f.destination.nativePath("c-open").constData(), 0) == 0);
-    f.walk();
-    // Sizes and checksums, the checksum last; attributes are not compared.
-    QCOMPARE(f.compare(33), int(Pairscope::StatusComplete));
-    // The unreadable pair of different sizes is decided without opening either file: had
-    // it been opened, it would read "source could not be read" (13) like the second pair.
-    QCOMPARE(f.code(QStringLiteral("a-secret-longer")), 4);
-    QCOMPARE(f.code(QStringLiteral("b-secret")), 13);
-    QCOMPARE(f.code(QStringLiteral("c-open")), 14);
-}
+    // When two dates differ: exactly, within the slack of two second boundaries, or by a shift.
+    void datesDiffer_data() {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<int>("nanoseconds");
+        QTest::addColumn<bool>("slack");
+        QTest::addColumn<bool>("differ");
+        // a is x.5 s; b is a + seconds, at the given nanoseconds; the shift is one hour.
+        QTest::newRow("equal") << 0 << 500000000 << false << false;
+        QTest::newRow("2 s, slack") << 2 << 500000000 << true << false;
+        QTest::newRow("2 s, exact") << 2 << 500000000 << false << true;
+        QTest::newRow("3 s, slack") << 3 << 500000000 << true << true;
+        QTest::newRow("2.9 s over 3 boundaries") << 3 << 400000000 << true << true;
+        QTest::newRow("an hour later") << 3600 << 500000000 << false << false;
+        QTest::newRow("an hour and a nanosecond, exact") << 3600 << 500000001 << false << true;
+        QTest::newRow("an hour and a nanosecond, slack") << 3600 << 500000001 << true << false;
+        QTest::newRow("an hour less 2 s, slack") << -3598 << 500000000 << true << false;
+        QTest::newRow("an hour and 3 s, slack") << 3603 << 500000000 << true << true;
+        QTest::newRow("two hours") << 7200 << 500000000 << true << true;
+        QTest::newRow("half an hour") << 1800 << 500000000 << true << true;
+    }
+    void datesDiffer() {
+        QFETCH(int, seconds);
+        QFETCH(int, nanoseconds);
+        QFETCH(bool, slack);
+        QFETCH(bool, differ);
+        const FileTime a(1700000000, 500000000);
+        const FileTime b(a.seconds() + seconds, nanoseconds);
+        QCOMPARE(::datesDiffer(a, b, slack, {3600}), differ);
+        QCOMPARE(::datesDiffer(b, a, slack, {3600}), differ);
+        // Without the shift, dates half an hour or more apart always differ.
+        QCOMPARE(::datesDiffer(a, b, slack, {}), differ || qAbs(seconds) >= 1800);
+        // "No date" equals only "no date".
+        QVERIFY(::datesDiffer(a, FileTime(), slack, {3600}));
+    }
+
+    void sessionRuns_data() {
+        using enum State;
+        QTest::addColumn<bool>("parallel");
+        QTest::addColumn<bool>("keepsChanging");
+        QTest::addColumn<bool>("cancelWhileWalking");
+        QTest::addColumn<QList<State>>("states");
+        QTest::newRow("one tree after the other")
+            << false << false << false
+            << QList<State>{WalkingSource, WalkingDestination, Comparing, Complete};
+        QTest::newRow("side by side")
+            << true << false << false << QList<State>{WalkingSource, Comparing, Complete};
+        // A file that vanishes before every compare: the session starts again, then gives up.
+        QTest::newRow("a tree that keeps changing")
+            << true << true << false
+            << QList<State>{WalkingSource, Comparing, WalkingSource, Comparing,
+                            WalkingSource, Comparing, GaveUp};
+        QTest::newRow("cancelled during the walk")
+            << false << false << true << QList<State>{WalkingSource, Cancelled};
+    }
+    void sessionRuns() {
+        QFETCH(bool, parallel);
+        QFETCH(bool, keepsChanging);
+        QFETCH(bool, cancelWhileWalking);
+        QFETCH(QList<State>, states);
+        TestTree source;
+        TestTree destination;
+        QVERIFY(source.write(QStringLiteral("a"), "1") &&
+                destination.write(QStringLiteral("a"), "1"));
+
+        CompareSession session;
+        session.setParallelWalks(parallel);
+        session.setMaxRestarts(2);
+        QList<State> seen;
+        connect(&session, &CompareSession::stateChanged, this, [&](State state) {
+            seen << state;
+            if (keepsChanging && state == State::Comparing)
+                ::unlink(source.nativePath("vanishing").constData());
+        });
+        connect(&session, &CompareSession::attemptStarted, this, [&] {
+            // Every attempt has collections of its own.
+            QVERIFY(session.sourceFiles() && session.sourceFiles()->Count() == 0);
+            if (keepsChanging)
+                QVERIFY(source.write(QStringLiteral("vanishing"), "x"));
+            if (cancelWhileWalking)
+                connect(session.sourceFiles().get(), &ComparisonFileCollection::FileAdded, this,
+                        [&] { session.cancel(); });
+        });
+        CompareSession::Request request;
+        request.source = source.nativePath("").chopped(1);
+        request.destination = destination.nativePath("").chopped(1);
+        request.comparisons = 1;
+        QCOMPARE(session.run(request), states.last());
+        QCOMPARE(seen, states);
+        QCOMPARE(session.restarts(), states.count(State::WalkingSource) - 1);
+        QVERIFY(!session.isRunning());
+        // Giving up is a problem of the run as a whole.
+        const QList<CollectionProblem> problems = session.problems();
+        QCOMPARE(problems.size(), keepsChanging ? 1 : 0);
+        if (keepsChanging)
+            QVERIFY(problems.first().path.isEmpty() &&
+                    problems.first().reason.contains("2 restarts"));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_Pairscope)
 #include "tst_Pairscope.moc"
