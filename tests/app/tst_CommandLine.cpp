@@ -13,11 +13,8 @@ private Q_SLOTS:
 };
 
 void tst_CommandLine::foldersPassOverQtOptions() {
-    QList<QByteArray> arguments;
-    for (const char *argument :
-         {"-style", "fusion", "src", "-reverse", "--platform=xcb", "--", "-dst"})
-        arguments.append(argument);
-    const CommandLine line = CommandLine::parse(arguments);
+    const CommandLine line =
+        CommandLine::parse({"-style", "fusion", "src", "-reverse", "--platform=xcb", "--", "-dst"});
     QCOMPARE(line.action, CommandLine::Action::Run);
     QCOMPARE(line.folders, (QList<QByteArray>{"src", "-dst"}));
 }

@@ -3,18 +3,15 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
-#include <QStringList>
 #include <QTest>
 
 /**
- * Runs one test function again in a child process started through a launcher (`setpriv` to
- * drop privileges, `unshare` for a private mount namespace), for faults only another context
- * can make: root reads and writes everything. The child sees PAIRSCOPE_TEST_CHILD=1 and runs
- * the function's real body, for the current data row only.
+ * Runs the current test function (and data row) again in a child started through a launcher
+ * (`setpriv` to drop privileges, `unshare` for a private mount namespace), for faults that root
+ * cannot meet. The child sees PAIRSCOPE_TEST_CHILD=1 and runs the function's real body.
  */
 namespace ChildRun {
 
-/** True inside such a child. */
 inline bool isChild() {
     return qEnvironmentVariableIsSet("PAIRSCOPE_TEST_CHILD");
 }
@@ -25,36 +22,27 @@ inline QStringList unprivileged() {
             QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")};
 }
 
-/**
- * Why \a launcher cannot run a child here, or an empty text when it can: the launcher itself
- * may be refused, or the user it runs as may not write the temporary folder (TMPDIR), where
- * every test tree is made.
- */
+/** Why \a launcher cannot run a child that writes the temporary folder (TMPDIR), or "". */
 inline QString refusal(const QStringList &launcher) {
-    const QString temporary = QDir::tempPath();
     const auto runs = [&launcher](const QStringList &command) {
         QProcess probe;
         probe.start(launcher.first(), launcher.mid(1) + command);
         return probe.waitForFinished(10000) && probe.exitStatus() == QProcess::NormalExit &&
                probe.exitCode() == 0;
     };
+    const QString name = launcher.join(QLatin1Char(' '));
     if (!runs({QStringLiteral("true")}))
-        return QStringLiteral("this needs `%1`, which is refused here")
-            .arg(launcher.join(QLatin1Char(' ')));
-    if (!runs({QStringLiteral("test"), QStringLiteral("-w"), temporary}))
+        return QStringLiteral("this needs `%1`, which is refused here").arg(name);
+    if (!runs({QStringLiteral("test"), QStringLiteral("-w"), QDir::tempPath()}))
         return QStringLiteral("`%1` may not write the temporary folder %2 (set TMPDIR)")
-            .arg(launcher.join(QLatin1Char(' ')), temporary);
+            .arg(name, QDir::tempPath());
     return {};
 }
 
-/**
- * Runs \a function of this test executable through \a launcher and fails or skips the
- * current test as the child did. Skips with a message when the launcher is refused.
- */
+/** Runs \a function through \a launcher; fails or skips as the child did, skips if refused. */
 inline void run(const QStringList &launcher, const char *function) {
     if (const QString reason = refusal(launcher); !reason.isEmpty())
         QSKIP(qPrintable(reason));
-
     QString test = QString::fromLatin1(function);
     if (const char *tag = QTest::currentDataTag())
         test += QLatin1Char(':') + QString::fromUtf8(tag);
@@ -67,14 +55,13 @@ inline void run(const QStringList &launcher, const char *function) {
                 launcher.mid(1) + QStringList{QCoreApplication::applicationFilePath(), test});
     QVERIFY(child.waitForFinished(240000));
     const QByteArray output = child.readAll();
-    if (child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0) {
+    const bool failed = child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0;
+    if (failed || output.contains("SKIP   :"))
         qWarning("%s", output.constData());
+    if (failed)
         QFAIL("the test failed in the child process");
-    }
-    if (output.contains("SKIP   :")) {
-        qWarning("%s", output.constData());
+    if (output.contains("SKIP   :"))
         QSKIP("skipped in the child process");
-    }
 }
 
 } // namespace ChildRun

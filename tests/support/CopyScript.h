@@ -3,16 +3,13 @@
 #include "support/TestTree.h"
 #include "tools/CopyJob.h"
 
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QRandomGenerator>
 
 #include <deque>
 #include <fcntl.h>
 #include <functional>
 #include <sys/stat.h>
-#include <unistd.h>
 
 // What the copy tests share: a scripted user, the items of a test tree, and looks at the disk.
 namespace {
@@ -44,13 +41,14 @@ public:
     }
     bool progress(const CopyProgress &progress) override {
         last = progress;
-        return onProgress ? onProgress(progress) : true;
+        return !onProgress || onProgress(progress);
     }
 
 private:
+    // An unexpected question stops the job visibly.
     static ReplaceAnswer take(std::deque<ReplaceAnswer> &queue) {
         if (queue.empty())
-            return ReplaceAnswer::Cancel; // an unexpected question stops the job visibly
+            return ReplaceAnswer::Cancel;
         const ReplaceAnswer answer = queue.front();
         queue.pop_front();
         return answer;
@@ -58,7 +56,7 @@ private:
 };
 
 QByteArray readNative(const QByteArray &path) {
-    QFile file(QFile::decodeName(path));
+    QFile file;
     const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
         return "<unreadable>";
@@ -76,26 +74,24 @@ QStringList leftovers(const QString &folder) {
     QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System,
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
-        it.next();
-        if (it.fileName().startsWith(QLatin1String(".pairscope-")))
+        if (it.nextFileInfo().fileName().startsWith(QLatin1String(".pairscope-")))
             found.append(it.filePath());
     }
     return found;
 }
 
-/** A copy of \a from to \a to, both below \a tree; each path's first folder is its root. */
+/** A copy of \a from to \a to below \a tree, each path's first folder its root (made here). */
 CopyItem item(const TestTree &tree, const QByteArray &from, const QByteArray &to) {
-    // The roots exist, as they do after a compare.
-    QDir().mkpath(QFile::decodeName(tree.nativePath(to.left(to.indexOf('/')))));
-    return {tree.nativePath(from), tree.nativePath(to),
-            tree.nativePath(from.left(from.indexOf('/'))),
-            tree.nativePath(to.left(to.indexOf('/')))};
+    const auto root = [&tree](const QByteArray &path) {
+        return tree.nativePath(path.left(path.indexOf('/')));
+    };
+    QDir().mkpath(QFile::decodeName(root(to)));
+    return {tree.nativePath(from), tree.nativePath(to), root(from), root(to)};
 }
 
 QByteArray randomBytes(qsizetype size) {
     QByteArray bytes(size, Qt::Uninitialized);
-    QRandomGenerator generator(42);
-    generator.fillRange(reinterpret_cast<quint32 *>(bytes.data()), size / 4);
+    QRandomGenerator(42).fillRange(reinterpret_cast<quint32 *>(bytes.data()), size / 4);
     return bytes;
 }
 

@@ -12,13 +12,12 @@ inline bool dragAndDrop(QWidget *target, const QString &path) {
     data.setUrls({QUrl::fromLocalFile(path)});
     data.setText(path);
     const QPoint centre = target->rect().center();
-    QDragEnterEvent enter(centre, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                          Qt::NoModifier);
+    const auto actions = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(centre, actions, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &enter);
     if (!enter.isAccepted() || enter.dropAction() != Qt::CopyAction)
         return false;
-    QDropEvent drop(QPointF(centre), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                    Qt::NoModifier);
+    QDropEvent drop(QPointF(centre), actions, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
     return drop.isAccepted();
 }

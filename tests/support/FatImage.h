@@ -6,9 +6,8 @@
 #include <QTemporaryDir>
 
 /**
- * A small FAT file system mounted in user space (fusefat), for the cases where a folder
- * resolves names without regard to letter case. isMounted() is false, with a reason, where
- * the machine cannot mount one.
+ * A small FAT file system mounted in user space (fusefat): a folder that resolves names without
+ * regard to letter case. isMounted() is false, with a reason, where the machine cannot mount one.
  */
 class FatImage {
 public:
@@ -21,22 +20,20 @@ public:
         }
         const QString image = m_dir.filePath(QStringLiteral("fat.img"));
         m_mountPoint = m_dir.filePath(QStringLiteral("mnt"));
-        QDir().mkpath(m_mountPoint);
-        if (!run(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("4M"), image}) ||
-            !run(mkfs, {image}) ||
-            !run(QStringLiteral("fusefat"),
-                 {QStringLiteral("-o"), QStringLiteral("rw+"), image, m_mountPoint})) {
+        m_mounted =
+            QDir().mkpath(m_mountPoint) &&
+            run(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("4M"), image}) &&
+            run(mkfs, {image}) &&
+            run(QStringLiteral("fusefat"),
+                {QStringLiteral("-o"), QStringLiteral("rw+"), image, m_mountPoint});
+        if (!m_mounted)
             m_reason = QStringLiteral("a FAT image could not be mounted here (no /dev/fuse?)");
-            return;
-        }
-        m_mounted = true;
     }
     ~FatImage() {
         if (m_mounted)
             run(QStringLiteral("fusermount"), {QStringLiteral("-u"), m_mountPoint});
     }
-    FatImage(const FatImage &) = delete;
-    FatImage &operator=(const FatImage &) = delete;
+    Q_DISABLE_COPY(FatImage)
 
     bool isMounted() const { return m_mounted; }
     QString reason() const { return m_reason; }

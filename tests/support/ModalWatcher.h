@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
 #include <QPointer>
@@ -10,10 +9,9 @@
 #include <functional>
 
 /**
- * Answers the modal windows and popup menus that open while it lives, as a user would, so that
- * tests can drive what a command shows with exec(). Each is first offered to the handler; a
- * message box the handler leaves is recorded (title and text) and closed with its default
- * button (or its escape button when it has none).
+ * Answers the modal windows and popup menus that open while it lives, so that tests can drive
+ * exec(): each goes first to the handler; a message box it leaves is recorded (title and text)
+ * and closed with its default button, else its escape button.
  */
 class ModalWatcher {
 public:
@@ -22,9 +20,8 @@ public:
 
     explicit ModalWatcher(Handler handler = {})
         : m_handler(std::move(handler)) {
-        m_timer.setInterval(10);
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { poll(); });
-        m_timer.start();
+        m_timer.start(10);
     }
 
     QStringList titles() const { return m_titles; }
@@ -41,17 +38,16 @@ private:
         m_last = shown;
         if (!shown || (m_handler && m_handler(shown)))
             return;
-        if (auto *box = qobject_cast<QMessageBox *>(shown)) {
-            m_titles.append(box->windowTitle());
-            m_texts.append(box->text());
-            QAbstractButton *button = box->defaultButton();
-            if (!button)
-                button = box->escapeButton();
-            if (button)
-                button->click();
-            else
-                box->done(0);
-        }
+        auto *box = qobject_cast<QMessageBox *>(shown);
+        if (!box)
+            return;
+        m_titles.append(box->windowTitle());
+        m_texts.append(box->text());
+        if (QAbstractButton *button =
+                box->defaultButton() ? box->defaultButton() : box->escapeButton())
+            button->click();
+        else
+            box->done(0);
     }
 
     Handler m_handler;

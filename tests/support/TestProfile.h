@@ -11,11 +11,9 @@
 #include <sys/stat.h>
 
 /**
- * A desktop profile of its own for a test run: XDG_CONFIG_HOME (the settings) and XDG_DATA_HOME
- * (desktop entries, trash, MIME types) point into a temporary folder, so no test touches a real
- * profile. Create it before QSettings or GIO first read them (a member of the test object does):
- * both remember the folders for the life of the process. The folder lies beside the test trees,
- * on the same file system, so the trash takes their files.
+ * A profile of its own for a test run: XDG_CONFIG_HOME (settings) and XDG_DATA_HOME (desktop
+ * entries, trash, MIME types) in a temporary folder on the test trees' file system, so that the
+ * trash takes their files. Made before QSettings or GIO read them, which keep them for good.
  */
 class TestProfile {
 public:
@@ -33,14 +31,13 @@ public:
     /** Removes the settings file: the next read sees an empty store. */
     void clear() { QFile::remove(SettingsStore::fileName()); }
 
-    /** The settings file's bytes as they are on disk. */
     QByteArray raw() const {
         QFile file(SettingsStore::fileName());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     /**
-     * Replaces the settings file as a person editing it by hand would. Each edit gets a later
+     * Replaces the settings file as a person editing it by hand would, each edit with a later
      * modification time, so that the store sees a change even when the size is the same.
      */
     bool edit(const QByteArray &content) {
