@@ -8,6 +8,7 @@
 #include "engine/CaseRule.h"
 #include "engine/CompareSession.h"
 #include "engine/ComparisonFile.h"
+#include "settings/Options.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -140,28 +141,8 @@ public:
     void ShowProblems();
     ///@}
 
-    std::array<QLabel *, 2> lblSelectPath{};
-    std::array<QComboBox *, 2> cboSelectPath{};
-    QLabel *lblComparisons = nullptr;
-    QComboBox *cboComparisons = nullptr;
-    QPushButton *cmdCompare = nullptr;
-    QFrame *edgeCompare = nullptr;
-    /** The two panes; vertical orientation in the View menu lays them side by side. */
-    QSplitter *picMain = nullptr;
-    std::array<QWidget *, 2> picSide{};
-    std::array<QLabel *, 2> lblPath{};
-    std::array<ListView *, 2> lvwFiles{};
-    /** The file icons shown by both lists. */
-    ImageList *ImageList1 = nullptr;
-    StatusLine *StatusBar1 = nullptr;
-    std::unique_ptr<MainMenuBar> menus;
-
-    /** The source side of the last run; replaced at the start of every run attempt. */
-    std::shared_ptr<ComparisonFileCollection> colSourceFiles;
-    /** The destination side of the last run. */
-    std::shared_ptr<ComparisonFileCollection> colDestFiles;
-    /** The engine of the last run; released when a run ends cancelled. */
-    std::shared_ptr<Pairscope> oPairscope;
+    /** The collection of \a side (0 source, 1 destination) of the last run, or null. */
+    const ComparisonFileCollection *Files(int side) const;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -177,7 +158,8 @@ private:
     void connectMenus();
     void SavePosition();
     int sideAt(const QPoint &pos) const;
-    void ToggleViewOption(QAction *item);
+    /** Stores the View options after \a option (a member of m_view) was set to \a on. */
+    void ToggleViewOption(bool Options::ViewOptions::*option, bool on);
     /** Pairs the next compare's names by \a rule and checks its View menu item. */
     void ApplyCaseRule(CaseRule rule);
     void ClearDisplay();
@@ -186,6 +168,29 @@ private:
     void StartAttempt();
     ResultListing::ViewState CurrentViewState() const;
     void ResortLinkedLists();
+
+    std::array<QLabel *, 2> lblSelectPath{};
+    std::array<QComboBox *, 2> cboSelectPath{};
+    QLabel *lblComparisons = nullptr;
+    QComboBox *cboComparisons = nullptr;
+    QPushButton *cmdCompare = nullptr;
+    QFrame *edgeCompare = nullptr;
+    /** The two panes; vertical orientation in the View menu lays them side by side. */
+    QSplitter *picMain = nullptr;
+    std::array<QWidget *, 2> picSide{};
+    std::array<QLabel *, 2> lblPath{};
+    std::array<ListView *, 2> lvwFiles{};
+    /** The file icons shown by both lists. */
+    ImageList *ImageList1 = nullptr;
+    StatusLine *StatusBar1 = nullptr;
+    std::unique_ptr<MainMenuBar> m_menus;
+
+    /** The source side of the last run; replaced at the start of every run attempt. */
+    std::shared_ptr<ComparisonFileCollection> colSourceFiles;
+    /** The destination side of the last run. */
+    std::shared_ptr<ComparisonFileCollection> colDestFiles;
+    /** The engine of the last run; released when a run ends cancelled. */
+    std::shared_ptr<Pairscope> oPairscope;
 
     std::unique_ptr<ResultListing> m_listing;
     /** Declared after the menus and released before them and the listings. */
@@ -203,6 +208,11 @@ private:
     QShortcut *m_keypadEnter = nullptr;
     QShortcut *m_escape = nullptr;
     CaseRule m_caseRule = CaseRule::Automatic;
+    /** The five View options as their items show them. */
+    Options::ViewOptions m_view{false, false, false, false, false};
+    bool m_alwaysOnTop = false;
+    /** Set from Cancel until the cancelled run has unwound: no new run starts meanwhile. */
+    bool m_cancelling = false;
     CompareSession m_session;
     /** Set when the window was asked to close during a run: it closes once the run unwinds. */
     bool m_closeRequested = false;

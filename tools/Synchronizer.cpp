@@ -82,7 +82,7 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
         } else {
             action = QStringLiteral("Not copied: ") + look.errorString();
         }
-        QTreeWidgetItem *row = form->AddRow(file->Name(), RemoveBackslash(file->ParentFolder()),
+        QTreeWidgetItem *row = form->AddRow(file->Name(), RemoveTrailingSlash(file->ParentFolder()),
                                             copyItem, SyncOperationCode);
         row->setText(frmSynchronizer::ActionColumn, action);
         row->setText(frmSynchronizer::DestinationColumn, DisplayFromNative(copyItem.target));

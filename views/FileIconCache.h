@@ -14,6 +14,14 @@ class ImageList;
 namespace FileIconCache {
 
 /**
+ * The key under which a file's icon is cached: ":" for an existing folder; for an existing
+ * file the lower-cased type name, so that all files of one type share one icon, except "exe"
+ * and "ico" files, which are keyed by their full lower-cased path; \a fallback when the path
+ * does not exist. Symbolic links are judged as themselves, not by their target.
+ */
+QString IconKey(const QByteArray &nativePath, const QString &fallback);
+
+/**
  * Makes sure \a images holds the icon of the file at \a nativePath: computes its key and,
  * when no image has that key yet, adds the file's icon under it. A file with no icon (one
  * that does not exist) adds nothing. Returns the key.

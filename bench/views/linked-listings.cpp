@@ -16,7 +16,6 @@
 // row re-listed, as a change of the View options does). Not a test: figures depend on the
 // machine and on what else it does.
 #include "engine/ComparisonFileCollection.h"
-#include "engine/DifferenceCode.h"
 #include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
@@ -24,6 +23,7 @@
 #include "views/LinkedListings.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
+#include "views/RecordText.h"
 
 #include <QApplication>
 #include <QDir>
@@ -240,7 +240,7 @@ int main(int argc, char **argv) {
             sortKeys.constData(), 1, none,
             [&] {
                 for (const ComparisonFilePtr &record : found)
-                    (void)record->SortString(type);
+                    (void)RecordText::SortString(*record, type);
             },
             window);
         const QByteArray texts =
@@ -249,7 +249,7 @@ int main(int argc, char **argv) {
             texts.constData(), 1, none,
             [&] {
                 for (const ComparisonFilePtr &record : found)
-                    (void)record->ColumnString(type, false);
+                    (void)RecordText::ColumnString(*record, type, false);
             },
             window);
     }

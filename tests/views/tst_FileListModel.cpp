@@ -4,8 +4,10 @@
 #include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
+#include "views/ListColumns.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
+#include "views/RecordText.h"
 
 #include <QAbstractItemModelTester>
 #include <QDateTime>
@@ -13,6 +15,8 @@
 #include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <sys/stat.h>
 
 class tst_FileListModel : public QObject {
     Q_OBJECT
@@ -26,6 +30,7 @@ private Q_SLOTS:
     void sorted_data();
     void sorted();
     void icons();
+    void recordTexts();
 
 private:
     ComparisonFilePtr record(const QString &relative) const {
@@ -197,6 +202,20 @@ void tst_FileListModel::icons() {
     later.files()->flush();
     QCOMPARE(first.Count(), 1);
     QCOMPARE(icon(later, 0), first.Icon(1).cacheKey());
+}
+
+void tst_FileListModel::recordTexts() {
+    ComparisonFile file = *record("b.bin");
+    file.setAttributes(FileAttributes::Hidden);
+    file.setMode(S_IFREG | 0640);
+    QCOMPARE(RecordText::ColumnString(file, 8, false), QStringLiteral("H -rw-r-----"));
+    // The root is matched without regard to case.
+    file.setParentFolder(m_trees[0].root().toUpper() + QStringLiteral("/Sub/deep/"));
+    QCOMPARE(RecordText::ColumnString(file, 2, false), QStringLiteral("Sub/deep"));
+    // Sizes past 32 bits sort by their value.
+    ComparisonFile big;
+    big.setSize(5368709120LL);
+    QVERIFY(RecordText::SortString(file, 3) < RecordText::SortString(big, 3));
 }
 
 QTEST_MAIN(tst_FileListModel)
