@@ -66,7 +66,7 @@ StartupEnvironment StartupEnvironment::system() {
 Startup::Startup(StartupEnvironment environment)
     : m_env(std::move(environment)) {}
 
-void Startup::sampleShift() {
+void Startup::SampleShift() {
     if (m_env.isShiftDown && m_env.isShiftDown())
         m_resetPosition = true;
 }
@@ -81,7 +81,7 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
         splash->FadeIn();
         while (splash && splash->Alpha() != 255) {
             QCoreApplication::processEvents(QEventLoop::AllEvents);
-            sampleShift();
+            SampleShift();
             if (splash && splash->Alpha() != 255)
                 m_env.sleep(5);
         }
@@ -97,11 +97,11 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
         // its hint about Shift can be read, and Shift is watched all the while.
         const qint64 started = m_env.clockMs();
         for (bool first = true;; first = false) {
-            sampleShift();
+            SampleShift();
             if (first) {
                 main = new frmMain;
                 main->setAttribute(Qt::WA_DeleteOnClose);
-                sampleShift();
+                SampleShift();
             }
             QCoreApplication::processEvents(QEventLoop::AllEvents);
             if (m_env.clockMs() - started >= minimumSplashMs)

@@ -48,7 +48,7 @@ public:
     frmMain *Main(const QList<QByteArray> &arguments);
 
     /** True once Shift was seen held at any sampling point of the last Main(). */
-    bool resetPosition() const { return m_resetPosition; }
+    bool ResetPosition() const { return m_resetPosition; }
 
     /** The least time the splash stays up while the main window loads. */
     static constexpr int minimumSplashMs = 500;
@@ -56,7 +56,7 @@ public:
     static constexpr int fadeOutDelayMs = 350;
 
 private:
-    void sampleShift();
+    void SampleShift();
 
     StartupEnvironment m_env;
     bool m_resetPosition = false;

@@ -55,7 +55,7 @@ void ToolsCommands::LoadDiffProgram() {
     m_diffProgram = ::LoadDiffProgram();
 }
 
-const ComparisonFileCollection &ToolsCommands::collection(int side) const {
+const ComparisonFileCollection &ToolsCommands::Collection(int side) const {
     const ComparisonFileCollection *files = m_window->Files(side);
     return files ? *files : *m_noFiles;
 }
@@ -81,22 +81,22 @@ void ToolsCommands::mnuToolsOpenContainingFolder_Click() {
 void ToolsCommands::mnuToolsDiff_Click() {
     if (m_side < 0)
         return;
-    ExamineDifferences(m_window, m_diffProgram, m_lists[size_t(m_side)], m_side, collection(0),
-                       collection(1));
+    ExamineDifferences(m_window, m_diffProgram, m_lists[size_t(m_side)], m_side, Collection(0),
+                       Collection(1));
 }
 
 void ToolsCommands::mnuToolsCopyToSource_Click() {
-    ShowSynchronizer(m_window, SyncDirection::ToSource, m_lists[1], collection(1), collection(0));
+    ShowSynchronizer(m_window, SyncDirection::ToSource, m_lists[1], Collection(1), Collection(0));
 }
 
 void ToolsCommands::mnuToolsCopyToDest_Click() {
-    ShowSynchronizer(m_window, SyncDirection::ToDestination, m_lists[0], collection(0),
-                     collection(1));
+    ShowSynchronizer(m_window, SyncDirection::ToDestination, m_lists[0], Collection(0),
+                     Collection(1));
 }
 
 void ToolsCommands::lvwFiles_DblClick(int side) {
-    RowDoubleClick(m_window, m_diffProgram, m_lists[size_t(side)], side, collection(0),
-                   collection(1));
+    RowDoubleClick(m_window, m_diffProgram, m_lists[size_t(side)], side, Collection(0),
+                   Collection(1));
 }
 
 void ToolsCommands::ShowListingPopup(int side, const QPoint &globalPosition) {

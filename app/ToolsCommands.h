@@ -71,7 +71,7 @@ public:
     void oContextMenu_MenuItemInvoked(int itemData);
 
 private:
-    const ComparisonFileCollection &collection(int side) const;
+    const ComparisonFileCollection &Collection(int side) const;
 
     frmMain *m_window;
     const MainMenuBar &m_menus;

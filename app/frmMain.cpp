@@ -88,8 +88,8 @@ frmMain::frmMain(QWidget *parent)
     auto *column = new QVBoxLayout(central);
     column->setContentsMargins(6, 6, 6, 0);
     column->setSpacing(6);
-    buildCompareBar();
-    buildPanes();
+    BuildCompareBar();
+    BuildPanes();
     column->addWidget(edgeCompare);
     column->addWidget(picMain, 1);
     setCentralWidget(central);
@@ -120,7 +120,7 @@ frmMain::frmMain(QWidget *parent)
     for (QShortcut *key : {m_enter, m_keypadEnter, m_escape})
         connect(key, &QShortcut::activated, cmdCompare, &QPushButton::click);
     connect(cmdCompare, &QPushButton::clicked, this, &frmMain::cmdCompare_Click);
-    connectMenus();
+    ConnectMenus();
 
     // The placement is written once a move or resize has come to rest, not for every step.
     m_placementSaver.setSingleShot(true);
@@ -134,7 +134,7 @@ frmMain::frmMain(QWidget *parent)
 
 frmMain::~frmMain() = default;
 
-void frmMain::buildCompareBar() {
+void frmMain::BuildCompareBar() {
     edgeCompare = new QFrame(this);
     edgeCompare->setObjectName(QStringLiteral("edgeCompare"));
     // One etched line: the bar reads as a group without a heavy bevel.
@@ -184,7 +184,7 @@ void frmMain::buildCompareBar() {
     grid->setColumnStretch(1, 1);
 }
 
-void frmMain::buildPanes() {
+void frmMain::BuildPanes() {
     picMain = new QSplitter(this);
     picMain->setObjectName(QStringLiteral("picMain"));
     picMain->setHandleWidth(6);
@@ -226,7 +226,7 @@ void frmMain::buildPanes() {
     m_columnPopup = new ColumnPopup(m_linked, this);
 }
 
-void frmMain::connectMenus() {
+void frmMain::ConnectMenus() {
     MainMenuBar &m = *m_menus;
     for (int i = 0; i < 2; ++i)
         connect(m.mnuFileSelectPath[i], &QAction::triggered, this,
@@ -299,7 +299,7 @@ void frmMain::InitializeDisplay() {
     ColumnLayout::LoadLayout(lvwFiles[1], true, false);
     if (m_view.linkListings)
         ColumnLayout::MatchColumns(lvwFiles[0], lvwFiles[1]);
-    m_linked->setLinked(m_view.linkListings);
+    m_linked->SetLinked(m_view.linkListings);
     cmdCompare->setText(compareButtonCaption);
     cmdCompare->setDefault(true);
     UpdateStatus(QStringLiteral("Ready"), false, -1, false);
@@ -717,7 +717,7 @@ void frmMain::resizeEvent(QResizeEvent *event) {
         m_placementSaver.start();
 }
 
-int frmMain::sideAt(const QPoint &pos) const {
+int frmMain::SideAt(const QPoint &pos) const {
     const QWidget *target = childAt(pos);
     for (const QWidget *w : {static_cast<const QWidget *>(lblSelectPath[1]),
                              static_cast<const QWidget *>(cboSelectPath[1]),
@@ -750,6 +750,6 @@ void frmMain::dropEvent(QDropEvent *event) {
         SelectFolder(0, folders[0]);
         SelectFolder(1, folders[1]);
     } else {
-        SelectFolder(sideAt(event->position().toPoint()), folders[0]);
+        SelectFolder(SideAt(event->position().toPoint()), folders[0]);
     }
 }

@@ -153,11 +153,11 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void buildCompareBar();
-    void buildPanes();
-    void connectMenus();
+    void BuildCompareBar();
+    void BuildPanes();
+    void ConnectMenus();
     void SavePosition();
-    int sideAt(const QPoint &pos) const;
+    int SideAt(const QPoint &pos) const;
     /** Stores the View options after \a option (a member of m_view) was set to \a on. */
     void ToggleViewOption(bool Options::ViewOptions::*option, bool on);
     /** Pairs the next compare's names by \a rule and checks its View menu item. */

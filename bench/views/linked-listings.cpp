@@ -154,7 +154,7 @@ int main(int argc, char **argv) {
     LinkedListings listings(lists[0], lists[1], [&files](int side) { return &files[side]; });
     for (int side = 0; side < 2; ++side)
         ColumnLayout::LoadLayout(lists[side], side == 1, true);
-    listings.setLinked(true);
+    listings.SetLinked(true);
     window.show();
     lists[0]->setFocus();
 
@@ -193,9 +193,9 @@ int main(int argc, char **argv) {
     const int name = ColumnType::Name;
     const int size = ColumnType::Size;
     const int modified = ColumnType::DateModified;
-    listings.setLinked(false);
+    listings.SetLinked(false);
     listings.ColumnClick(1, size);
-    listings.setLinked(true);
+    listings.SetLinked(true);
     std::vector<bool> half(size_t(rows), false);
     std::fill(half.begin(), half.begin() + rows / 2, true);
     time(

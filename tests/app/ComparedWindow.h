@@ -5,7 +5,6 @@
 #include "views/FileListModel.h"
 #include "views/ListView.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -20,29 +19,23 @@ struct ComparedWindow {
         window.InitializeDisplay();
         window.resize(900, 600);
         window.show();
-        for (int side = 0; side < 2; ++side) {
+        for (int side = 0; side < 2; ++side)
             if (!roots[side].isEmpty())
                 folder(side)->setEditText(roots[side]);
-        }
     }
 
-    void compare() { child<QPushButton>("cmdCompare")->click(); } // to its end
+    void compare() { find<QPushButton>("cmdCompare")->click(); } // to its end
     QString status() const { return statusLine()->shownText(); }
-    ListView *list(int side) const { return child<ListView>("lvwFiles" + QString::number(side)); }
-    QComboBox *folder(int side) const {
-        return child<QComboBox>("cboSelectPath" + QString::number(side));
-    }
-    StatusLine *statusLine() const { return child<StatusLine>("StatusBar1"); }
-    template <typename T> T *child(const QString &name) const {
-        return window.findChild<T *>(name);
-    }
+    ListView *list(int side) const { return find<ListView>("lvwFiles" + QString::number(side)); }
+    QComboBox *folder(int side) { return find<QComboBox>("cboSelectPath" + QString::number(side)); }
+    StatusLine *statusLine() const { return find<StatusLine>("StatusBar1"); }
+    template <typename T> T *find(const QString &name) const { return window.findChild<T *>(name); }
 
     /** The menu item captioned \a caption, found as the user finds it. */
     QAction *item(const QString &caption) const {
-        for (QAction *item : window.findChildren<QAction *>()) {
+        for (QAction *item : window.findChildren<QAction *>())
             if (item->text() == caption)
                 return item;
-        }
         return nullptr;
     }
 

@@ -221,7 +221,7 @@ void tst_CompareRun::cancelDuringSourceWalk() {
     QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
     QCOMPARE(w.window.Files(0)->Count(), 100);
     QCOMPARE(w.window.Files(1)->RootFolder(), QString()); // its walk never began
-    QCOMPARE(w.child<QPushButton>("cmdCompare")->text(), QStringLiteral("&Compare"));
+    QCOMPARE(w.find<QPushButton>("cmdCompare")->text(), QStringLiteral("&Compare"));
     QVERIFY(!w.window.IsBusy());
 }
 
@@ -238,7 +238,7 @@ void tst_CompareRun::compareThenChangeTheView() {
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
     QVERIFY(!w.statusLine()->textClickable());
-    QCOMPARE(w.child<QLabel>("lblPath1")->text(), QStringLiteral("Files from ") + tree.path("dst"));
+    QCOMPARE(w.find<QLabel>("lblPath1")->text(), QStringLiteral("Files from ") + tree.path("dst"));
     QCOMPARE(w.rows(1), QStringList({"a", "c", "e"}));
 
     // Show All Files appends the identical pairs, the others stay; off again, exactly they go.

@@ -68,15 +68,13 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
     other->setSelectedRows({false, true});
     QVERIFY(w.focus(target));
     QWidget *keyTarget = QApplication::focusWidget();
-    QAction *selectAll = w.item("Select &All");
-    QAction *clearSelections = w.item("&Clear Selections");
-    QCOMPARE(selectAll->isEnabled(), focused != nullptr);
-    QVERIFY(!clearSelections->isEnabled()); // the other list's selection does not count
+    QCOMPARE(w.item("Select &All")->isEnabled(), focused != nullptr);
+    QVERIFY(!w.item("&Clear Selections")->isEnabled()); // not for the other list's selection
 
     if (byKeyboard)
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
     else
-        selectAll->trigger();
+        w.item("Select &All")->trigger();
     QTEST(w.list(0)->selectedCount(), "selected0");
     QTEST(w.list(1)->selectedCount(), "selected1");
     if (auto *combo = qobject_cast<QComboBox *>(target)) {
@@ -85,11 +83,11 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
         QCOMPARE(combo->lineEdit()->selectedText(), QStringLiteral("typed"));
         return;
     }
-    QVERIFY(clearSelections->isEnabled());
+    QVERIFY(w.item("&Clear Selections")->isEnabled());
     if (byKeyboard)
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
     else
-        clearSelections->trigger();
+        w.item("&Clear Selections")->trigger();
     QCOMPARE(focused->selectedCount(), 0);
     QCOMPARE(other->selectedCount(), 1);
 }
@@ -111,7 +109,7 @@ void tst_MainCommands::resetOptions() {
     ComparedWindow w;
     QCOMPARE(w.list(0)->shownCount(), 7);
     QVERIFY(IsTopmost(&w.window));
-    QCOMPARE(w.child<QSplitter>("picMain")->orientation(), Qt::Vertical);
+    QCOMPARE(w.find<QSplitter>("picMain")->orientation(), Qt::Vertical);
     const QByteArray stored = m_profile.raw();
 
     bool yes = false; // the question is declined with Esc first
@@ -135,7 +133,7 @@ void tst_MainCommands::resetOptions() {
     QCOMPARE(w.list(1)->columnWidth(FileListModel::columnOf(1)),
              ColumnLayout::DefaultWidth(w.list(1), 1));
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
-    QCOMPARE(w.child<QSplitter>("picMain")->orientation(), Qt::Horizontal);
+    QCOMPARE(w.find<QSplitter>("picMain")->orientation(), Qt::Horizontal);
     QVERIFY(!Options::alwaysOnTop() && !IsTopmost(&w.window));
     QCOMPARE(Options::viewOptions(), Options::ViewOptions());
     QVERIFY(w.item("&Link File Listings")->isChecked() && !w.item("Show &Full Path")->isChecked());
@@ -182,24 +180,19 @@ void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
 void tst_MainCommands::droppedFolders_data() {
     QTest::addColumn<QStringList>("dropped");
     QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("destination");
-    QTest::newRow("folder on the destination combo") << QStringList{"a"} << "cboSelectPath1"
-                                                     << ""
-                                                     << "a";
-    QTest::newRow("two folders fill both sides") << QStringList{"a", "b"} << "lvwFiles1"
-                                                 << "a"
-                                                 << "b";
-    QTest::newRow("a file is refused") << QStringList{"a/f.txt"} << "cboSelectPath0"
-                                       << ""
-                                       << "";
+    QTest::addColumn<QStringList>("folders"); // the source's and the destination's afterwards
+    QTest::newRow("on the destination box")
+        << QStringList{"a"} << "cboSelectPath1" << QStringList{"", "a"};
+    QTest::newRow("two folders fill both sides")
+        << QStringList{"a", "b"} << "lvwFiles1" << QStringList{"a", "b"};
+    QTest::newRow("a file is refused")
+        << QStringList{"a/f.txt"} << "cboSelectPath0" << QStringList{"", ""};
 }
 
 void tst_MainCommands::droppedFolders() {
     QFETCH(QStringList, dropped);
     QFETCH(QString, target);
-    QFETCH(QString, source);
-    QFETCH(QString, destination);
+    QFETCH(QStringList, folders);
     TestTree tree;
     QVERIFY(tree.write("a/f.txt", "x") && tree.mkdir("b"));
     ComparedWindow w;
@@ -212,11 +205,12 @@ void tst_MainCommands::droppedFolders() {
     const QPoint pos = over->mapTo(&w.window, over->rect().center());
     QDragEnterEvent enter(pos, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&w.window, &enter);
-    QCOMPARE(enter.isAccepted(), !source.isEmpty() || !destination.isEmpty());
+    QCOMPARE(enter.isAccepted(), folders != QStringList({"", ""}));
     QDropEvent drop(QPointF(pos), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&w.window, &drop);
-    QCOMPARE(w.folder(0)->currentText(), source.isEmpty() ? "" : tree.path(source));
-    QCOMPARE(w.folder(1)->currentText(), destination.isEmpty() ? "" : tree.path(destination));
+    for (int side = 0; side < 2; ++side)
+        QCOMPARE(w.folder(side)->currentText(),
+                 folders[side].isEmpty() ? "" : tree.path(folders[side]));
 }
 
 QTEST_MAIN(tst_MainCommands)

@@ -106,9 +106,9 @@ void tst_Startup::shiftSampling() {
     Startup startup(env);
     QPointer<frmMain> window = startup.Main({});
     QVERIFY(window);
-    QCOMPARE(startup.resetPosition(), duringFadeIn || duringWait);
+    QCOMPARE(startup.ResetPosition(), duringFadeIn || duringWait);
     QCOMPARE(window->geometry(),
-             startup.resetPosition()
+             startup.ResetPosition()
                  ? frmMain::DefaultPlacement(QGuiApplication::primaryScreen()->geometry())
                  : QRect(10, 20, 700, 500));
     QCOMPARE(now, qint64(Startup::minimumSplashMs)); // the wait ran until then, and no longer

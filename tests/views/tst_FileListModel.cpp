@@ -16,8 +16,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <sys/stat.h>
-
 class tst_FileListModel : public QObject {
     Q_OBJECT
 
@@ -30,7 +28,6 @@ private Q_SLOTS:
     void sorted_data();
     void sorted();
     void icons();
-    void recordTexts();
 
 private:
     ComparisonFilePtr record(const QString &relative) const {
@@ -39,10 +36,9 @@ private:
     /** Lists the .bin files of \a side in \a view, in the collection's order. */
     void list(int side, ListView &view) {
         ColumnLayout::LoadLayout(&view, side == 1, true);
-        for (const ComparisonFilePtr &file : m_files[size_t(side)]) {
+        for (const ComparisonFilePtr &file : m_files[size_t(side)])
             if (file->Name().endsWith(QLatin1String(".bin")))
                 AddToListview(file, &view, nullptr);
-        }
         view.files()->flush();
     }
     static QStringList names(const ListView &view) {
@@ -116,6 +112,16 @@ void tst_FileListModel::listingAgainUpdatesTheRowInPlace() {
     QCOMPARE(names(view), (QStringList{"a.bin", "b.bin", "c.bin"}));
     QCOMPARE(view.files()->record(view.files()->rowOfKey(b->Key())), b);
     QCOMPARE(view.files()->text(1, ColumnType::Size), QStringLiteral("1,234 bytes"));
+    b->setAttributes(FileAttributes::Hidden);
+    b->setMode(0100640); // a regular file, rw-r-----
+    QCOMPARE(view.files()->text(1, ColumnType::Attributes), QStringLiteral("H -rw-r-----"));
+    // The root is matched without regard to case.
+    b->setParentFolder(m_trees[0].root().toUpper() + QStringLiteral("/Sub/deep/"));
+    QCOMPARE(view.files()->text(1, ColumnType::InFolder), QStringLiteral("Sub/deep"));
+    // Past a terabyte sizes still sort by value.
+    record("a.bin")->setSize(2'000'000'000'000);
+    b->setSize(999'999'999'999);
+    QVERIFY(RecordText::SortString(*b, 3) < RecordText::SortString(*record("a.bin"), 3));
     view.files()->flush();
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed[0][0].toModelIndex().row(), 1); // that row alone
@@ -202,20 +208,6 @@ void tst_FileListModel::icons() {
     later.files()->flush();
     QCOMPARE(first.Count(), 1);
     QCOMPARE(icon(later, 0), first.Icon(1).cacheKey());
-}
-
-void tst_FileListModel::recordTexts() {
-    ComparisonFile file = *record("b.bin");
-    file.setAttributes(FileAttributes::Hidden);
-    file.setMode(S_IFREG | 0640);
-    QCOMPARE(RecordText::ColumnString(file, 8, false), QStringLiteral("H -rw-r-----"));
-    // The root is matched without regard to case.
-    file.setParentFolder(m_trees[0].root().toUpper() + QStringLiteral("/Sub/deep/"));
-    QCOMPARE(RecordText::ColumnString(file, 2, false), QStringLiteral("Sub/deep"));
-    // Sizes past 32 bits sort by their value.
-    ComparisonFile big;
-    big.setSize(5368709120LL);
-    QVERIFY(RecordText::SortString(file, 3) < RecordText::SortString(big, 3));
 }
 
 QTEST_MAIN(tst_FileListModel)
