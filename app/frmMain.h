@@ -153,22 +153,6 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void BuildCompareBar();
-    void BuildPanes();
-    void ConnectMenus();
-    void SavePosition();
-    int SideAt(const QPoint &pos) const;
-    /** Stores the View options after \a option (a member of m_view) was set to \a on. */
-    void ToggleViewOption(bool Options::ViewOptions::*option, bool on);
-    /** Pairs the next compare's names by \a rule and checks its View menu item. */
-    void ApplyCaseRule(CaseRule rule);
-    void ClearDisplay();
-
-    /** Takes a new attempt's collections and engine and clears the listings for it. */
-    void StartAttempt();
-    ResultListing::ViewState CurrentViewState() const;
-    void ResortLinkedLists();
-
     std::array<QLabel *, 2> lblSelectPath{};
     std::array<QComboBox *, 2> cboSelectPath{};
     QLabel *lblComparisons = nullptr;
@@ -191,6 +175,22 @@ private:
     std::shared_ptr<ComparisonFileCollection> colDestFiles;
     /** The engine of the last run; released when a run ends cancelled. */
     std::shared_ptr<Pairscope> oPairscope;
+
+    void BuildCompareBar();
+    void BuildPanes();
+    void ConnectMenus();
+    void SavePosition();
+    int SideAt(const QPoint &pos) const;
+    /** Stores the View options after \a option (a member of m_view) was set to \a on. */
+    void ToggleViewOption(bool Options::ViewOptions::*option, bool on);
+    /** Pairs the next compare's names by \a rule and checks its View menu item. */
+    void ApplyCaseRule(CaseRule rule);
+    void ClearDisplay();
+
+    /** Takes a new attempt's collections and engine and clears the listings for it. */
+    void StartAttempt();
+    ResultListing::ViewState CurrentViewState() const;
+    void ResortLinkedLists();
 
     std::unique_ptr<ResultListing> m_listing;
     /** Declared after the menus and released before them and the listings. */
