@@ -86,7 +86,7 @@ void addPrompt(QFileDialog &dialog, const QString &prompt) {
 bool BrowseForFolder::Browse() {
     m_cancelled = true;
     const QString root = existingFolder(RootFolder);
-    FolderDialog dialog(owner, root);
+    FolderDialog dialog(Owner, root);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly, (Flags & IncludeFiles) == 0);
@@ -107,9 +107,9 @@ bool BrowseForFolder::Browse() {
         dialog.setDirectory(preselected);
 
     ApplyMessageFont(&dialog);
-    if (owner) {
-        CenterOverWindow(&dialog, owner);
-        SetTopmost(&dialog, IsTopmost(owner));
+    if (Owner) {
+        CenterOverWindow(&dialog, Owner);
+        SetTopmost(&dialog, IsTopmost(Owner));
     }
     if (dialog.exec() != QDialog::Accepted)
         return false;

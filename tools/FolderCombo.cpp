@@ -81,7 +81,7 @@ bool FolderCombo::Browse() {
     BrowseForFolder browser;
     browser.DialogTitle = DialogTitle();
     browser.Prompt = Prompt();
-    browser.owner = cboSelectPath->window();
+    browser.Owner = cboSelectPath->window();
     browser.SelectedFolder = m_path;
     return browser.Browse() && SetPath(browser.SelectedFolder);
 }
