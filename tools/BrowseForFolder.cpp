@@ -122,7 +122,7 @@ void addPrompt(QFileDialog &dialog, const QString &prompt) {
 bool BrowseForFolder::Browse() {
     m_cancelled = true;
     const QString root = existingFolder(RootFolder);
-    FolderDialog dialog(hWndOwner, root);
+    FolderDialog dialog(Owner, root);
     dialog.setOption(QFileDialog::ShowDirsOnly, (Flags & IncludeFiles) == 0);
     dialog.setOption(QFileDialog::ReadOnly,
                      (Flags & NewDialogStyle) == 0 || (Flags & NoNewFolderButton) != 0);
@@ -141,9 +141,9 @@ bool BrowseForFolder::Browse() {
         dialog.setDirectory(preselected);
 
     ApplyMessageFont(&dialog);
-    if (hWndOwner) {
-        CenterOverWindow(&dialog, hWndOwner);
-        SetTopmost(&dialog, IsTopmost(hWndOwner));
+    if (Owner) {
+        CenterOverWindow(&dialog, Owner);
+        SetTopmost(&dialog, IsTopmost(Owner));
     }
     if (dialog.exec() != QDialog::Accepted)
         return false;

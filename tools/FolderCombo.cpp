@@ -83,7 +83,7 @@ bool FolderCombo::Browse() {
     BrowseForFolder browser;
     browser.DialogTitle = DialogTitle();
     browser.Prompt = Prompt();
-    browser.hWndOwner = cboSelectPath->window();
+    browser.Owner = cboSelectPath->window();
     browser.SelectedFolder = m_path;
     return browser.Browse() && SetPath(browser.SelectedFolder);
 }
