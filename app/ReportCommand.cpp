@@ -63,7 +63,6 @@ void ReportCommand::setRequest(const CompareSession::Request &request) {
     m_compared.includeSlack = request.includeSlack;
     m_compared.timeShifts = request.timeShifts;
     m_compared.chunkSize = request.chunkSize;
-    m_compared.listAll = true;
 }
 
 void ReportCommand::stateChanged(CompareSession::State state) {
@@ -78,10 +77,20 @@ void ReportCommand::stateChanged(CompareSession::State state) {
 CompareReport ReportCommand::report() const {
     CompareReport shown = m_compared;
     shown.listAll = m_allFiles->isChecked();
-    if (!shown.listAll) {
-        std::erase_if(shown.pairs,
-                      [](const ReportPair &pair) { return pair.code == DifferenceCode::Equal; });
+    const auto &sources = m_session.sourceFiles();
+    const auto &destinations = m_session.destinationFiles();
+    if (!shown.listAll || !sources || !destinations)
+        return shown;
+    // The identical pairs were only counted as they were decided, so that a large tree costs
+    // no path for each; they are found again as Show All Files finds them for the listings,
+    // every identical source record with its counterpart.
+    for (const ComparisonFilePtr &record : *sources) {
+        if (record->DifferenceCode() == DifferenceCode::Equal) {
+            shown.pairs.push_back({record, destinations->Counterpart(*record, *sources),
+                                   DifferenceCode::Equal, record->RelativeNativePath()});
+        }
     }
+    shown.sortPairs();
     return shown;
 }
 

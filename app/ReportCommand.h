@@ -59,7 +59,7 @@ private:
     QAction *m_item;
     const QAction *m_allFiles;
     QWidget *m_window;
-    /** Every pair of the last compare, identical ones too, so that the View can change later. */
+    /** The last compare: its differences listed, every pair counted. */
     CompareReport m_compared;
     QString m_lastFolder;
 };
