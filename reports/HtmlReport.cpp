@@ -107,15 +107,17 @@ struct SideColumns {
         // could not be read when it was judged, has none to show.
         if (!record || !record->HasFileObject() || !record->DetailsLoaded())
             return QByteArray("<td></td>").repeated(count());
-        const auto date = [](const FileTime &time) {
-            return "<td class=\"date\">" + LocalDate::readable(time) + "</td>";
+        QByteArray out = "<td class=\"number\">" + html(locale.toString(record->Size())) + "</td>";
+        const auto date = [&out](const FileTime &time) {
+            out += "<td class=\"date\">";
+            LocalDate::appendReadable(out, time);
+            out += "</td>";
         };
-        QByteArray out = "<td class=\"number\">" + html(locale.toString(record->Size())) + "</td>" +
-                         date(record->DateLastModified());
+        date(record->DateLastModified());
         if (created)
-            out += date(record->DateCreated());
+            date(record->DateCreated());
         if (accessed)
-            out += date(record->DateLastAccessed());
+            date(record->DateLastAccessed());
         if (attributes)
             out += "<td>" +
                    html(ComparisonFile::AttributesText(record->Attributes(), record->Mode())) +

@@ -43,8 +43,12 @@ QByteArray jsonBool(bool value) {
 
 /** ISO 8601 in local time with its offset, quoted; null for no date. */
 QByteArray isoDate(const FileTime &time) {
-    const QByteArray text = LocalDate::iso(time);
-    return text.isEmpty() ? QByteArray("null") : '"' + text + '"';
+    QByteArray text;
+    text.reserve(40);
+    text += '"';
+    if (!LocalDate::appendIso(text, time))
+        return QByteArray("null");
+    return text += '"';
 }
 
 /** The kind of file a mode names, in words. */
