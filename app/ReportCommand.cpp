@@ -38,6 +38,18 @@ const FileType &typeOfFilter(const QString &filter) {
     return found == std::end(fileTypes) ? fileTypes[0] : *found;
 }
 
+/** The format \a fileName asks for by its extension, in any case; else \a chosen. */
+ReportFormat formatOf(const QString &fileName, ReportFormat chosen) {
+    const QString suffix = QFileInfo(fileName).suffix().toLower();
+    if (suffix == QLatin1String("htm"))
+        return ReportFormat::Html;
+    for (const FileType &type : fileTypes) {
+        if (suffix == QLatin1String(type.extension))
+            return type.format;
+    }
+    return chosen;
+}
+
 } // namespace
 
 ReportCommand::ReportCommand(const MainMenuBar &menus, const CompareSession &session,
@@ -105,17 +117,6 @@ bool ReportCommand::save(const QString &fileName, ReportFormat format, QString *
     if (!written)
         *error = file.errorString();
     return written;
-}
-
-ReportFormat ReportCommand::formatOf(const QString &fileName, ReportFormat chosen) {
-    const QString suffix = QFileInfo(fileName).suffix().toLower();
-    if (suffix == QLatin1String("htm"))
-        return ReportFormat::Html;
-    for (const FileType &type : fileTypes) {
-        if (suffix == QLatin1String(type.extension))
-            return type.format;
-    }
-    return chosen;
 }
 
 void ReportCommand::mnuFileSaveReport_Click() {

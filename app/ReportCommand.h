@@ -46,12 +46,6 @@ public:
      */
     void mnuFileSaveReport_Click();
 
-    /**
-     * The format \a fileName asks for by its extension (html or htm, json, tsv, txt, in any
-     * case), else \a chosen.
-     */
-    static ReportFormat formatOf(const QString &fileName, ReportFormat chosen);
-
 private:
     void stateChanged(CompareSession::State state);
 
