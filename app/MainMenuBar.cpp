@@ -22,6 +22,9 @@ MainMenuBar::MainMenuBar(QMenuBar *bar) {
     mnuFileCompare = mnuFile->addAction(compareCaption());
     showCompareKeyHint(true);
     mnuFileZ2 = mnuFile->addSeparator();
+    mnuFileSaveReport = mnuFile->addAction(QStringLiteral("Save Re&port..."));
+    mnuFileSaveReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+    mnuFileSaveReport->setEnabled(false);
     mnuFileClear = mnuFile->addAction(QStringLiteral("C&lear Display"));
     mnuFileZ3 = mnuFile->addSeparator();
     mnuFileIncludeSlack = checkItem(mnuFile, QStringLiteral("Include &2-Second Slack For Dates"));

@@ -12,9 +12,9 @@ class QMenuBar;
  * The main window's menu bar: every menu and item with its caption, access key, separators and
  * check items. The window connects the items to its handlers; this class only builds them.
  *
- * Beside the access keys, three items carry the desktop's usual shortcuts: Exit (Ctrl+Q),
- * Select All (Ctrl+A) and Clear Selections (Ctrl+Shift+A). Enter (Compare) and Esc (Cancel)
- * belong to the window.
+ * Beside the access keys, four items carry the desktop's usual shortcuts: Save Report (Ctrl+S),
+ * Exit (Ctrl+Q), Select All (Ctrl+A) and Clear Selections (Ctrl+Shift+A). Enter (Compare) and Esc
+ * (Cancel) belong to the window.
  */
 class MainMenuBar {
 public:
@@ -33,6 +33,8 @@ public:
     QAction *mnuFileZ1 = nullptr;
     QAction *mnuFileCompare = nullptr;
     QAction *mnuFileZ2 = nullptr;
+    /** Disabled until a compare has finished; see ReportCommand. */
+    QAction *mnuFileSaveReport = nullptr;
     QAction *mnuFileClear = nullptr;
     QAction *mnuFileZ3 = nullptr;
     QAction *mnuFileIncludeSlack = nullptr;

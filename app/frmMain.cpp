@@ -1,5 +1,6 @@
 #include "frmMain.h"
 
+#include "ReportCommand.h"
 #include "ResultListing.h"
 #include "Startup.h"
 #include "StatusLine.h"
@@ -246,6 +247,7 @@ void frmMain::ConnectMenus() {
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
     m_tools = std::make_unique<ToolsCommands>(this, m, lvwFiles);
+    m_report = std::make_unique<ReportCommand>(m, m_session, this);
 
     using View = Options::ViewOptions;
     for (const auto &[item, option] : {std::pair{m.mnuViewLink, &View::linkListings},
@@ -527,6 +529,7 @@ void frmMain::cmdCompare_Click() {
     if (Options::ignoreTimeShift())
         request.timeShifts = {60};
     request.filter = frmFilters::StoredFilter();
+    m_report->setRequest(request);
     // A tree that keeps changing is compared again for as long as the user lets it.
     const bool cancelled = m_session.run(request) == CompareSession::State::Cancelled;
     m_running = false;

@@ -32,6 +32,7 @@ class QLabel;
 class QPushButton;
 class QShortcut;
 class QSplitter;
+class ReportCommand;
 class StatusLine;
 class ToolsCommands;
 class frmProblems;
@@ -218,4 +219,6 @@ private:
     bool m_closeRequested = false;
     /** True while the run's handler is on the stack. */
     bool m_running = false;
+    /** File > Save Report; declared last, so that it goes before the session it listens to. */
+    std::unique_ptr<ReportCommand> m_report;
 };

@@ -96,7 +96,10 @@ std::optional<OutputFormat> parseFormat(const QByteArray &text, QString *error) 
         return OutputFormat::Tsv;
     if (text == "json")
         return OutputFormat::Json;
-    *error = QStringLiteral("unknown --format %1; choose text, tsv or json").arg(quoted(text));
+    if (text == "html")
+        return OutputFormat::Html;
+    *error =
+        QStringLiteral("unknown --format %1; choose text, tsv, json or html").arg(quoted(text));
     return std::nullopt;
 }
 
@@ -338,7 +341,7 @@ QString CliOptions::usage() {
         "      --chunk-size BYTES\n"
         "                       read files for checksums in chunks of BYTES\n"
         "                       (1024 to 16777216; default 65536)\n"
-        "      --format FORMAT  text (default), tsv or json\n"
+        "      --format FORMAT  text (default), tsv, json or html\n"
         "  -q, --quiet          write nothing to standard output; only the exit status\n"
         "                       tells\n"
         "      --progress       show a progress line on standard error\n"
@@ -354,6 +357,9 @@ QString CliOptions::usage() {
         "  json  one object with the roots, the comparison, the options and every pair\n"
         "        with all its differences and both sides' size, dates (ISO 8601) and\n"
         "        attributes\n"
+        "  html  one self-contained page for a browser or printing: both roots, the\n"
+        "        comparison, the counts, and a row per pair with its differences and both\n"
+        "        sides' size and dates (follows the locale)\n"
         "\n"
         "Exit status: 0 when no listed pair differs, 1 when some differ, 2 on trouble (bad\n"
         "arguments, a root that is not a folder, folders or files that could not be read, a\n"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "reports/ReportWriter.h"
+
 #include "engine/CaseRule.h"
 #include "engine/ComparisonSet.h"
 #include "engine/TreeFilter.h"
@@ -9,7 +11,7 @@
 #include <QString>
 
 /** How the report is written to standard output. */
-enum class OutputFormat { Text, Tsv, Json };
+using OutputFormat = ReportFormat;
 
 /** Whether the progress line is drawn on standard error. */
 enum class ProgressMode {

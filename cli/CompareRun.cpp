@@ -1,13 +1,21 @@
 #include "cli/CompareRun.h"
 
+#include "reports/PairCollection.h"
+
 #include "cli/ProgressLine.h"
 #include "engine/CompareSession.h"
 
-#include <algorithm>
-#include <numeric>
-
 CompareRun::CompareRun(const CliOptions &options)
-    : m_options(options) {}
+    : m_options(options) {
+    m_report.source = options.source;
+    m_report.destination = options.destination;
+    m_report.comparisons = options.comparisons;
+    m_report.doCRCLast = options.doCRCLast;
+    m_report.includeSlack = options.includeSlack;
+    m_report.timeShifts = options.timeShifts;
+    m_report.listAll = options.listAll;
+    m_report.chunkSize = options.chunkSize;
+}
 
 bool CompareRun::run() {
     CompareSession session;
@@ -15,8 +23,10 @@ bool CompareRun::run() {
     // side. A tree that keeps changing is given up in the end.
     session.setParallelWalks(true);
     session.setMaxRestarts(MaxRestarts);
-    // The json report shows the sizes and dates each pair was judged on, not a later look.
-    session.setLoadDetails(m_options.format == OutputFormat::Json);
+    // The json and html reports show the sizes and dates each pair was judged on, not a later
+    // look.
+    session.setLoadDetails(m_options.format == OutputFormat::Json ||
+                           m_options.format == OutputFormat::Html);
     QObject::connect(&session, &CompareSession::attemptStarted, &session,
                      [this, &session] { connectAttempt(session); });
     CompareSession::Request request;
@@ -34,49 +44,21 @@ bool CompareRun::run() {
     const CompareSession::State state = session.run(request);
 
     m_restarts = session.restarts();
-    m_problems.clear();
-    for (const CollectionProblem &problem : session.problems())
-        m_problems.append({problem.nativePath, problem.reason});
-    std::sort(m_pairs.begin(), m_pairs.end(),
-              [](const ReportPair &a, const ReportPair &b) { return a.path < b.path; });
+    m_report.setProblems(session.problems());
+    m_report.sortPairs();
     return state != CompareSession::State::GaveUp;
 }
 
-qint64 CompareRun::pairCount() const {
-    return std::accumulate(m_counts.begin(), m_counts.end(), qint64(0));
-}
-
 void CompareRun::connectAttempt(CompareSession &session) {
-    m_pairs.clear();
-    m_counts.fill(0);
     const Pairscope *engine = session.engine().get();
-    QObject::connect(engine, &Pairscope::FilesCompared, engine,
-                     [this](const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
-                            int code) { addPair(source, destination, code); });
-    QObject::connect(engine, &Pairscope::CompareProgress, engine,
-                     [this](int pass, int current, int total) {
-                         // A new cycle decides every pair afresh.
-                         if (pass == 1 && current == -1 && total == -1) {
-                             m_pairs.clear();
-                             m_counts.fill(0);
-                         }
-                         if (m_progress)
-                             m_progress->compareProgress(pass, current, total);
-                     });
+    collectPairs(*engine, engine, m_report);
     if (m_progress) {
+        QObject::connect(engine, &Pairscope::CompareProgress, engine,
+                         [this](int pass, int current, int total) {
+                             m_progress->compareProgress(pass, current, total);
+                         });
         const ComparisonFileCollection *source = session.sourceFiles().get();
         QObject::connect(source, &ComparisonFileCollection::FileAdded, source,
                          [this](int count) { m_progress->fileAdded(count); });
     }
-}
-
-void CompareRun::addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination,
-                         int code) {
-    ++m_counts[std::clamp<std::size_t>(std::size_t(qMax(code, 0)), 0, m_counts.size() - 1)];
-    const bool listed = code != DifferenceCode::Equal || m_options.listAll;
-    if (!listed)
-        return;
-    const ComparisonFilePtr &named = source && source->HasFileObject() ? source : destination;
-    if (named)
-        m_pairs.push_back({source, destination, code, named->RelativeNativePath()});
 }

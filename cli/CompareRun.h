@@ -1,8 +1,8 @@
 #pragma once
 
+#include "reports/CompareReport.h"
+
 #include "cli/CliOptions.h"
-#include "cli/RunProblem.h"
-#include "engine/ComparisonFile.h"
 
 #include <QList>
 
@@ -12,15 +12,6 @@
 
 class CompareSession;
 class ProgressLine;
-
-/** One decided pair as the report lists it. */
-struct ReportPair {
-    ComparisonFilePtr source;
-    ComparisonFilePtr destination;
-    int code = 0;
-    /** The path below the roots as bytes: the source's, or the destination's for a placeholder. */
-    QByteArray path;
-};
 
 /**
  * One comparison of two roots as the command line asks for it, run through a CompareSession
@@ -40,30 +31,29 @@ public:
     /** Walks and compares; returns false when the trees kept changing and the run gave up. */
     bool run();
 
+    /** The finished run as the reports describe it: the roots and options as given. */
+    const CompareReport &report() const { return m_report; }
     /** The listed pairs (differences, or every pair with --all), sorted by the bytes of path. */
-    const std::vector<ReportPair> &pairs() const { return m_pairs; }
+    const std::vector<ReportPair> &pairs() const { return m_report.pairs; }
     /** How many decided pairs carry each difference code (index = code, 0..14). */
-    const std::array<qint64, 15> &counts() const { return m_counts; }
+    const std::array<qint64, 15> &counts() const { return m_report.counts; }
     /** Every decided pair, listed or not. */
-    qint64 pairCount() const;
+    qint64 pairCount() const { return m_report.pairCount(); }
     /**
      * Everything that could not be compared: roots and folders that could not be read, files
      * dropped as case duplicates, files whose checksum could not be read, and trees that kept
      * changing.
      */
-    const QList<RunProblem> &problems() const { return m_problems; }
+    const QList<RunProblem> &problems() const { return m_report.problems; }
     /** How many restarts the trees' changes forced. */
     int restarts() const { return m_restarts; }
 
 private:
     /** Listens to a new attempt of \a session: its pairs replace those of the last one. */
     void connectAttempt(CompareSession &session);
-    void addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination, int code);
 
     const CliOptions &m_options;
     ProgressLine *m_progress = nullptr;
-    std::vector<ReportPair> m_pairs;
-    std::array<qint64, 15> m_counts{};
-    QList<RunProblem> m_problems;
+    CompareReport m_report;
     int m_restarts = 0;
 };

@@ -1,12 +1,11 @@
 #include "cli/PairscopeCli.h"
 
+#include "reports/OutputStream.h"
+#include "reports/ReportWriter.h"
+
 #include "cli/CliOptions.h"
 #include "cli/CompareRun.h"
-#include "cli/JsonReport.h"
-#include "cli/OutputStream.h"
 #include "cli/ProgressLine.h"
-#include "cli/TextReport.h"
-#include "cli/TsvReport.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -52,20 +51,6 @@ bool showsProgress(const CliOptions &options, std::FILE *err) {
     return !options.quiet && ::isatty(::fileno(err));
 }
 
-void writeReport(const CliOptions &options, const CompareRun &run, OutputStream &out) {
-    switch (options.format) {
-    case OutputFormat::Text:
-        writeTextReport(options, run, out);
-        break;
-    case OutputFormat::Tsv:
-        writeTsvReport(run, out);
-        break;
-    case OutputFormat::Json:
-        writeJsonReport(options, run, out);
-        break;
-    }
-}
-
 } // namespace
 
 int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::FILE *err) {
@@ -102,7 +87,7 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
     bool written = true;
     if (!options.quiet) {
         OutputStream stream(out);
-        writeReport(options, run, stream);
+        writeReport(options.format, run.report(), stream);
         written = stream.flush();
         if (!written)
             reportProblem(err, {QByteArray("standard output"), systemError(stream.error())});

@@ -1,4 +1,6 @@
-#include "cli/OutputStream.h"
+#include "reports/OutputStream.h"
+
+#include <QIODevice>
 
 #include <cerrno>
 
@@ -9,6 +11,11 @@ constexpr qsizetype FlushThreshold = 256 * 1024;
 
 OutputStream::OutputStream(std::FILE *file)
     : m_file(file) {
+    m_buffer.reserve(FlushThreshold + 4096);
+}
+
+OutputStream::OutputStream(QIODevice *device)
+    : m_device(device) {
     m_buffer.reserve(FlushThreshold + 4096);
 }
 
@@ -42,12 +49,15 @@ bool OutputStream::flush() {
             m_error = errno != 0 ? errno : EIO;
     };
     if (!m_buffer.isEmpty()) {
-        if (std::fwrite(m_buffer.constData(), 1, size_t(m_buffer.size()), m_file) !=
-            size_t(m_buffer.size()))
+        const qint64 written =
+            m_device
+                ? m_device->write(m_buffer)
+                : qint64(std::fwrite(m_buffer.constData(), 1, size_t(m_buffer.size()), m_file));
+        if (written != m_buffer.size())
             failed();
         m_buffer.clear();
     }
-    if (std::fflush(m_file) != 0)
+    if (m_file && std::fflush(m_file) != 0)
         failed();
     return m_error == 0;
 }

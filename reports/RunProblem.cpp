@@ -1,6 +1,6 @@
-#include "cli/RunProblem.h"
+#include "reports/RunProblem.h"
 
-#include "cli/NameEscaping.h"
+#include "reports/NameEscaping.h"
 
 QByteArray RunProblem::line() const {
     const QByteArray why = NameEscaping::tsv(reason.toUtf8());

@@ -1,4 +1,4 @@
-#include "cli/NameEscaping.h"
+#include "reports/NameEscaping.h"
 
 #include "engine/PathHelpers.h"
 

@@ -1,13 +1,13 @@
-#include "cli/JsonReport.h"
+#include "reports/JsonReport.h"
 
-#include "cli/CliOptions.h"
-#include "cli/CompareRun.h"
-#include "cli/NameEscaping.h"
-#include "cli/OutputStream.h"
+#include "reports/CompareReport.h"
+#include "reports/LocalDate.h"
+#include "reports/NameEscaping.h"
+#include "reports/OutputStream.h"
+
+#include "engine/ComparisonSet.h"
 #include "engine/PathHelpers.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <sys/stat.h>
 
@@ -41,29 +41,14 @@ QByteArray jsonBool(bool value) {
     return value ? QByteArray("true") : QByteArray("false");
 }
 
-/**
- * ISO 8601 in local time with its offset, the fraction only when there is one, to the
- * nanosecond. localtime_r is used rather than QDateTime: Qt re-reads the time-zone file for
- * every local-time conversion, which made a report of many dates spend most of its time there.
- */
+/** ISO 8601 in local time with its offset, quoted; null for no date. */
 QByteArray isoDate(const FileTime &time) {
-    if (time.isNull())
+    QByteArray text;
+    text.reserve(40);
+    text += '"';
+    if (!LocalDate::appendIso(text, time))
         return QByteArray("null");
-    const time_t seconds = time_t(time.seconds());
-    tm local{};
-    if (!::localtime_r(&seconds, &local))
-        return QByteArray("null");
-    char text[80];
-    int length =
-        std::snprintf(text, sizeof text, "\"%04d-%02d-%02dT%02d:%02d:%02d", local.tm_year + 1900,
-                      local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
-    if (time.nanoseconds() != 0)
-        length += std::snprintf(text + length, sizeof text - size_t(length), ".%09d",
-                                int(time.nanoseconds()));
-    const long minutes = std::labs(local.tm_gmtoff) / 60;
-    length += std::snprintf(text + length, sizeof text - size_t(length), "%c%02ld:%02ld\"",
-                            local.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
-    return QByteArray(text, length);
+    return text += '"';
 }
 
 /** The kind of file a mode names, in words. */
@@ -117,8 +102,7 @@ QByteArray nameMembers(const char *key, const QByteArray &native) {
 
 /** Every difference of the pair, each with its code and text, in the order of the tests. */
 QByteArray differences(const ReportPair &pair) {
-    const ComparisonFilePtr &record = pair.source ? pair.source : pair.destination;
-    const QList<int> codes = record ? record->Differences().codes() : QList<int>{pair.code};
+    const QList<int> codes = pair.codes();
     QByteArray out = "[";
     for (qsizetype i = 0; i < codes.size(); ++i) {
         out += (i ? ", {\"code\": " : "{\"code\": ") + QByteArray::number(codes.at(i)) +
@@ -129,22 +113,22 @@ QByteArray differences(const ReportPair &pair) {
 
 } // namespace
 
-void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStream &out) {
+void writeJsonReport(const CompareReport &report, OutputStream &out) {
     ::tzset(); // localtime_r needs the zone read once
-    out << "{\n " << nameMembers("source", options.source) << ",\n "
-        << nameMembers("destination", options.destination) << ",\n";
-    out << " \"comparisons\": {\"bits\": " << options.comparisons << ", \"description\": "
-        << jsonString(ComparisonDescription(options.comparisons, options.doCRCLast)) << "},\n";
-    out << " \"options\": {\"crcFirst\": " << jsonBool(!options.doCRCLast)
-        << ", \"slack\": " << jsonBool(options.includeSlack) << ", \"timeShifts\": [";
-    for (qsizetype i = 0; i < options.timeShifts.size(); ++i)
-        out << (i ? ", " : "") << options.timeShifts.at(i);
-    out << "], \"all\": " << jsonBool(options.listAll) << ", \"chunkSize\": " << options.chunkSize
+    out << "{\n " << nameMembers("source", report.source) << ",\n "
+        << nameMembers("destination", report.destination) << ",\n";
+    out << " \"comparisons\": {\"bits\": " << report.comparisons << ", \"description\": "
+        << jsonString(ComparisonDescription(report.comparisons, report.doCRCLast)) << "},\n";
+    out << " \"options\": {\"crcFirst\": " << jsonBool(!report.doCRCLast)
+        << ", \"slack\": " << jsonBool(report.includeSlack) << ", \"timeShifts\": [";
+    for (qsizetype i = 0; i < report.timeShifts.size(); ++i)
+        out << (i ? ", " : "") << report.timeShifts.at(i);
+    out << "], \"all\": " << jsonBool(report.listAll) << ", \"chunkSize\": " << report.chunkSize
         << "},\n";
 
     out << " \"pairs\": [";
     bool first = true;
-    for (const ReportPair &pair : run.pairs()) {
+    for (const ReportPair &pair : report.pairs) {
         out << (first ? "\n  " : ",\n  ");
         first = false;
         out << "{\"code\": " << pair.code
@@ -155,17 +139,17 @@ void writeJsonReport(const CliOptions &options, const CompareRun &run, OutputStr
     }
     out << (first ? "],\n" : "\n ],\n");
 
-    out << " \"pairsCompared\": " << run.pairCount() << ",\n \"counts\": {";
+    out << " \"pairsCompared\": " << report.pairCount() << ",\n \"counts\": {";
     first = true;
-    for (std::size_t code = 0; code < run.counts().size(); ++code) {
-        if (run.counts()[code] == 0)
+    for (std::size_t code = 0; code < report.counts.size(); ++code) {
+        if (report.counts[code] == 0)
             continue;
-        out << (first ? "" : ", ") << '"' << qint64(code) << "\": " << run.counts()[code];
+        out << (first ? "" : ", ") << '"' << qint64(code) << "\": " << report.counts[code];
         first = false;
     }
     out << "},\n \"problems\": [";
     first = true;
-    for (const RunProblem &problem : run.problems()) {
+    for (const RunProblem &problem : report.problems) {
         out << (first ? "\n  " : ",\n  ") << '{'
             << (problem.path.isEmpty() ? QByteArray("\"path\": null")
                                        : nameMembers("path", problem.path))

@@ -6,13 +6,18 @@
 
 #include <cstdio>
 
+class QIODevice;
+
 /**
- * Buffered writing to a C stream, remembering whether any write failed (a full disk, a closed
- * pipe) so that the caller can report it instead of exiting as if all had been written.
+ * Buffered writing to a C stream or an open device, remembering whether any write failed (a
+ * full disk, a closed pipe) so that the caller can report it instead of going on as if all
+ * had been written.
  */
 class OutputStream {
 public:
     explicit OutputStream(std::FILE *file);
+    /** Writes to \a device, which must be open for writing; its errorString() tells why not. */
+    explicit OutputStream(QIODevice *device);
     ~OutputStream();
 
     OutputStream(const OutputStream &) = delete;
@@ -31,11 +36,12 @@ public:
 
     /** Writes out what is buffered; false when this or any earlier write failed. */
     bool flush();
-    /** The system's error number of the first failed write, 0 when none failed. */
+    /** The system's error number of the first failed write (EIO for a device), 0 when none. */
     int error() const { return m_error; }
 
 private:
-    std::FILE *m_file;
+    std::FILE *m_file = nullptr;
+    QIODevice *m_device = nullptr;
     QByteArray m_buffer;
     int m_error = 0;
 };

@@ -1,0 +1,212 @@
+#include "ComparedWindow.h"
+
+#include "cli/PairscopeCli.h"
+#include "engine/ComparisonFileCollection.h"
+#include "support/ModalWatcher.h"
+#include "support/TestProfile.h"
+#include "support/TestTree.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QTimer>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+/**
+ * A source and a destination with a pair of every common kind, named with characters that
+ * HTML, JSON and tab-separated lines must escape, and a name that is not UTF-8.
+ */
+class ReportTrees {
+public:
+    ReportTrees() {
+        const struct {
+            const char *path;
+            QByteArray content;
+            int age; // seconds after a fixed time
+        } files[] = {
+            {"src/same.txt", "same", 0},         {"dst/same.txt", "same", 0},
+            {"src/a<b>&c.txt", "1234", 0},       {"dst/a<b>&c.txt", "12345", 0},
+            {"src/sub/\"newer\".txt", "n", 100}, {"dst/sub/\"newer\".txt", "n", 0},
+            {"src/only-source.txt", "s", 0},     {"dst/only-destination\t.txt", "d", 0},
+            {"src/content.txt", "AAAA", 0},      {"dst/content.txt", "AAAB", 0},
+        };
+        for (const auto &file : files) {
+            m_tree.write(QLatin1String(file.path), file.content);
+            m_tree.setTimes(QLatin1String(file.path), 1700000000 + file.age);
+        }
+        m_tree.writeNative(notUtf8, "x");
+    }
+    // The temporary folder cannot remove a name that is not UTF-8 itself.
+    ~ReportTrees() { ::unlink(m_tree.nativePath(notUtf8).constData()); }
+
+    QString source() const { return m_tree.path(QStringLiteral("src")); }
+    QString destination() const { return m_tree.path(QStringLiteral("dst")); }
+    QString folder() const { return m_tree.root(); }
+
+private:
+    static constexpr const char *notUtf8 = "dst/caf\xe9.txt";
+    TestTree m_tree;
+};
+
+/** What pairscope-cli, run in this process, writes to standard output. */
+QByteArray cliOutput(const QList<QByteArray> &arguments) {
+    std::FILE *out = std::tmpfile();
+    std::FILE *err = std::tmpfile();
+    QByteArray written;
+    if (out && err) {
+        PairscopeCli::run(arguments, out, err);
+        QFile file;
+        if (file.open(out, QIODevice::ReadOnly) && file.seek(0))
+            written = file.readAll();
+    }
+    for (std::FILE *stream : {out, err}) {
+        if (stream)
+            std::fclose(stream);
+    }
+    return written;
+}
+
+/**
+ * Answers the save dialog as a user would: the file type whose pattern has \a extension,
+ * chosen with the arrow keys, then \a fileName typed; anything else is left to the watcher.
+ */
+ModalWatcher::Handler saveAs(const QString &extension, const QString &fileName) {
+    return [=](QWidget *shown) {
+        auto *dialog = qobject_cast<QFileDialog *>(shown);
+        auto *types =
+            dialog ? dialog->findChild<QComboBox *>(QStringLiteral("fileTypeCombo")) : nullptr;
+        if (!types)
+            return false;
+        for (int i = 0; i < types->count(); ++i) {
+            if (types->currentText().contains(QLatin1String("*.") + extension))
+                break;
+            QTest::keyClick(types, Qt::Key_Down);
+        }
+        dialog->selectFile(fileName);
+        static_cast<QDialog *>(dialog)->accept(); // as the Save button does
+        return true;
+    };
+}
+
+} // namespace
+
+/** File > Save Report: what the window compared, as pairscope-cli writes it, when it may. */
+class tst_SaveReport : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_profile.clear(); }
+    void savesWhatTheCommandLineWrites_data();
+    void savesWhatTheCommandLineWrites();
+    void enabledOnlyAfterAFinishedCompare();
+    void failureToWriteIsShown();
+
+private:
+    TestProfile m_profile;
+};
+
+void tst_SaveReport::savesWhatTheCommandLineWrites_data() {
+    QTest::addColumn<int>("comparisons");
+    QTest::addColumn<bool>("allFiles");
+    QTest::addColumn<QString>("extension");
+    QTest::addColumn<QList<QByteArray>>("options");
+    QTest::newRow("json, sizes, dates and checksums")
+        << 35 << false << "json" << QList<QByteArray>{"-c", "size,modified,crc", "--format=json"};
+    QTest::newRow("html, every pair listed")
+        << 3 << true << "html" << QList<QByteArray>{"--all", "--format=html"};
+    QTest::newRow("tsv, existence")
+        << 0 << false << "tsv" << QList<QByteArray>{"-c", "existence", "--format=tsv"};
+    QTest::newRow("text, attributes")
+        << 16 << false << "txt" << QList<QByteArray>{"-c", "attributes", "--format=text"};
+}
+
+void tst_SaveReport::savesWhatTheCommandLineWrites() {
+    QFETCH(int, comparisons);
+    QFETCH(bool, allFiles);
+    QFETCH(QString, extension);
+    QFETCH(QList<QByteArray>, options);
+    QVERIFY(
+        m_profile.edit("[SelectionsMRU]\nItem1=" + QByteArray::number(comparisons) + "\nLast=0\n"));
+    const ReportTrees trees;
+    ComparedWindow w(trees.source(), trees.destination());
+    w.compare();
+    QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
+    // The View decides after the compare which pairs are listed, and so reported.
+    if (allFiles)
+        w.window.menus->mnuViewAllFiles->trigger();
+
+    // Typed without an extension: the chosen file type adds its own.
+    const ModalWatcher watcher(saveAs(extension, trees.folder() + QStringLiteral("/report")));
+    w.window.menus->mnuFileSaveReport->trigger();
+    QVERIFY2(watcher.texts().isEmpty(), qPrintable(watcher.texts().join(QLatin1Char('\n'))));
+    QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
+    QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
+
+    const QByteArray expected =
+        cliOutput(options + QList<QByteArray>{QFile::encodeName(trees.source()),
+                                              QFile::encodeName(trees.destination())});
+    QVERIFY(!expected.isEmpty());
+    QCOMPARE(saved.readAll(), expected);
+}
+
+void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
+    const ReportTrees trees;
+    ComparedWindow w(trees.source(), trees.destination());
+    const QAction *item = w.window.menus->mnuFileSaveReport;
+    QVERIFY(!item->isEnabled());
+
+    // Each run lets events through before it walks: the new source collection is hooked then,
+    // to look at the item from inside the walk, and to cancel the second run there.
+    bool cancel = false;
+    QList<bool> enabledDuringWalk;
+    QTimer poll;
+    const auto hook = [&] {
+        connect(&poll, &QTimer::timeout, this, [&] {
+            ComparisonFileCollection *source = w.window.colSourceFiles.get();
+            if (!source || source->Count() != 0)
+                return;
+            poll.stop();
+            connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
+                if (count != 1)
+                    return;
+                enabledDuringWalk.append(item->isEnabled());
+                if (cancel)
+                    w.window.cmdCompare->click();
+            });
+        });
+        poll.start(0);
+    };
+    hook();
+    w.compare();
+    QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
+    QVERIFY(item->isEnabled());
+
+    poll.disconnect();
+    cancel = true;
+    hook();
+    w.compare();
+    QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
+    QCOMPARE(enabledDuringWalk, QList<bool>({false, false}));
+    QVERIFY(!item->isEnabled());
+}
+
+void tst_SaveReport::failureToWriteIsShown() {
+    const ReportTrees trees;
+    ComparedWindow w(trees.source(), trees.destination());
+    w.compare();
+    // No one may create files in the process folder, not even root.
+    const QString target = QStringLiteral("/proc/self/report.json");
+    const ModalWatcher watcher(saveAs(QStringLiteral("json"), target));
+    w.window.menus->mnuFileSaveReport->trigger();
+    QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
+    // The reason follows the file's name.
+    const QString said = watcher.texts().constFirst();
+    const QString prefix = QStringLiteral("The report could not be saved to ") + target + ".\n\n";
+    QVERIFY2(said.startsWith(prefix) && said.size() > prefix.size(), qPrintable(said));
+}
+
+QTEST_MAIN(tst_SaveReport)
+#include "tst_SaveReport.moc"
