@@ -3,6 +3,7 @@
 #include "engine/PathHelpers.h"
 
 #include <optional>
+#include <sys/stat.h>
 
 struct ComparisonFile::Details {
     qint64 size = 0;
@@ -240,6 +241,46 @@ QString ComparisonFile::AttributeString(int attributes) {
     if (attributes & FileAttributes::Compressed)
         text = text.toLower();
     return text;
+}
+
+QString ComparisonFile::PermissionString(quint32 mode) {
+    if (mode == 0)
+        return {};
+    static constexpr struct {
+        quint32 type;
+        char letter;
+    } typeLetters[] = {{S_IFLNK, 'l'}, {S_IFIFO, 'p'}, {S_IFSOCK, 's'},
+                       {S_IFCHR, 'c'}, {S_IFBLK, 'b'}, {S_IFDIR, 'd'}};
+    QString text(10, QLatin1Char('-'));
+    for (const auto &entry : typeLetters) {
+        if ((mode & S_IFMT) == entry.type)
+            text[0] = QLatin1Char(entry.letter);
+    }
+    static const char letters[] = "rwxrwxrwx";
+    for (int bit = 0; bit < 9; ++bit) {
+        if (mode & (0400u >> bit))
+            text[bit + 1] = QLatin1Char(letters[bit]);
+    }
+    // Set-user-ID, set-group-ID and sticky take the place of an execute letter: lower case
+    // when that execute bit is set too, upper case when it is not.
+    const auto special = [&text, mode](quint32 flag, int at, char letter) {
+        if (!(mode & flag))
+            return;
+        const bool executable = text[at] == QLatin1Char('x');
+        text[at] = QLatin1Char(executable ? letter : char(letter - 'a' + 'A'));
+    };
+    special(S_ISUID, 3, 's');
+    special(S_ISGID, 6, 's');
+    special(S_ISVTX, 9, 't');
+    return text;
+}
+
+QString ComparisonFile::AttributesText(int attributes, quint32 mode) {
+    const QString letters = AttributeString(attributes);
+    const QString permissions = PermissionString(mode);
+    if (letters.isEmpty() || permissions.isEmpty())
+        return letters + permissions;
+    return letters + QLatin1Char(' ') + permissions;
 }
 
 QString ComparisonFile::DifferenceText(int code) {

@@ -102,6 +102,16 @@ public:
 
     /** "RHSAL" letters of the set bits, all lower case when the compressed bit is set. */
     static QString AttributeString(int attributes);
+    /**
+     * The file type and permissions of \a mode as a listing writes them ("-rw-r--r--",
+     * "lrwxrwxrwx", "prw-------"); "" for 0, a mode never read.
+     */
+    static QString PermissionString(quint32 mode);
+    /**
+     * The Attributes column and report cell: the letters, a blank, then PermissionString() of
+     * \a mode ("R -r--r--r--"); either part alone when the other is empty.
+     */
+    static QString AttributesText(int attributes, quint32 mode);
     /** The words for a difference code; "" for codes without text or outside -1..14. */
     static QString DifferenceText(int code);
 

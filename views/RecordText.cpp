@@ -5,8 +5,6 @@
 
 #include <QLocale>
 
-#include <sys/stat.h>
-
 namespace {
 
 /** The locale's long time format without its time-zone fields. */
@@ -78,7 +76,7 @@ QString SortString(const ComparisonFile &file, int SortKey) {
     case ColumnType::DateAccessed:
         return QString::asprintf("%025.12f", dateOfColumn(file, SortKey).toOleDate());
     case ColumnType::Attributes:
-        return AttributesText(file.Attributes(), file.Mode());
+        return ComparisonFile::AttributesText(file.Attributes(), file.Mode());
     case ColumnType::Difference:
         return ComparisonFile::DifferenceText(file.DifferenceCode());
     default:
@@ -119,46 +117,6 @@ QString DateString(const FileTime &date) {
     const DateFormats &formats = dateFormats();
     return formats.locale.toString(day, formats.date) + QLatin1Char(' ') +
            formats.locale.toString(time, formats.time);
-}
-
-QString PermissionString(quint32 mode) {
-    if (mode == 0)
-        return {};
-    static constexpr struct {
-        quint32 type;
-        char letter;
-    } typeLetters[] = {{S_IFLNK, 'l'}, {S_IFIFO, 'p'}, {S_IFSOCK, 's'},
-                       {S_IFCHR, 'c'}, {S_IFBLK, 'b'}, {S_IFDIR, 'd'}};
-    QString text(10, QLatin1Char('-'));
-    for (const auto &entry : typeLetters) {
-        if ((mode & S_IFMT) == entry.type)
-            text[0] = QLatin1Char(entry.letter);
-    }
-    static const char letters[] = "rwxrwxrwx";
-    for (int bit = 0; bit < 9; ++bit) {
-        if (mode & (0400u >> bit))
-            text[bit + 1] = QLatin1Char(letters[bit]);
-    }
-    // Set-user-ID, set-group-ID and sticky take the place of an execute letter: lower case
-    // when that execute bit is set too, upper case when it is not.
-    const auto special = [&text, mode](quint32 flag, int at, char letter) {
-        if (!(mode & flag))
-            return;
-        const bool executable = text[at] == QLatin1Char('x');
-        text[at] = QLatin1Char(executable ? letter : char(letter - 'a' + 'A'));
-    };
-    special(S_ISUID, 3, 's');
-    special(S_ISGID, 6, 's');
-    special(S_ISVTX, 9, 't');
-    return text;
-}
-
-QString AttributesText(int attributes, quint32 mode) {
-    const QString letters = ComparisonFile::AttributeString(attributes);
-    const QString permissions = PermissionString(mode);
-    if (letters.isEmpty() || permissions.isEmpty())
-        return letters + permissions;
-    return letters + QLatin1Char(' ') + permissions;
 }
 
 } // namespace RecordText

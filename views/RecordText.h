@@ -20,15 +20,4 @@ QString ColumnString(const ComparisonFile &file, int columnType, bool ShowFullPa
 
 /** "" for no date, else the locale's short date, a blank and its long time. */
 QString DateString(const FileTime &date);
-/**
- * The file type and permissions of \a mode as a listing writes them ("-rw-r--r--",
- * "lrwxrwxrwx", "prw-------"); "" for 0, a mode never read.
- */
-QString PermissionString(quint32 mode);
-/**
- * The Attributes column: the letters (ComparisonFile::AttributeString), a blank, then
- * PermissionString() of \a mode ("R -r--r--r--"); either part alone when the other is empty.
- */
-QString AttributesText(int attributes, quint32 mode);
-
 } // namespace RecordText

@@ -136,11 +136,11 @@ void tst_SaveReport::savesWhatTheCommandLineWrites() {
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
     // The View decides after the compare which pairs are listed, and so reported.
     if (allFiles)
-        w.window.menus->mnuViewAllFiles->trigger();
+        w.item("Show A&ll Files")->trigger();
 
     // Typed without an extension: the chosen file type adds its own.
     const ModalWatcher watcher(saveAs(extension, trees.folder() + QStringLiteral("/report")));
-    w.window.menus->mnuFileSaveReport->trigger();
+    w.item("Save Re&port...")->trigger();
     QVERIFY2(watcher.texts().isEmpty(), qPrintable(watcher.texts().join(QLatin1Char('\n'))));
     QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
     QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
@@ -155,7 +155,7 @@ void tst_SaveReport::savesWhatTheCommandLineWrites() {
 void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
     const ReportTrees trees;
     ComparedWindow w(trees.source(), trees.destination());
-    const QAction *item = w.window.menus->mnuFileSaveReport;
+    const QAction *item = w.item("Save Re&port...");
     QVERIFY(!item->isEnabled());
 
     // Each run lets events through before it walks: the new source collection is hooked then,
@@ -165,7 +165,7 @@ void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
     QTimer poll;
     const auto hook = [&] {
         connect(&poll, &QTimer::timeout, this, [&] {
-            ComparisonFileCollection *source = w.window.colSourceFiles.get();
+            const ComparisonFileCollection *source = w.window.Files(0);
             if (!source || source->Count() != 0)
                 return;
             poll.stop();
@@ -174,7 +174,7 @@ void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
                     return;
                 enabledDuringWalk.append(item->isEnabled());
                 if (cancel)
-                    w.window.cmdCompare->click();
+                    w.find<QPushButton>("cmdCompare")->click();
             });
         });
         poll.start(0);
@@ -200,7 +200,7 @@ void tst_SaveReport::failureToWriteIsShown() {
     // No one may create files in the process folder, not even root.
     const QString target = QStringLiteral("/proc/self/report.json");
     const ModalWatcher watcher(saveAs(QStringLiteral("json"), target));
-    w.window.menus->mnuFileSaveReport->trigger();
+    w.item("Save Re&port...")->trigger();
     QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
     // The reason follows the file's name.
     const QString said = watcher.texts().constFirst();
