@@ -8,9 +8,11 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class CompareSession;
+class RecordedTree;
 class ProgressLine;
 
 /** One decided pair as the report lists it. */
@@ -33,6 +35,11 @@ public:
     static constexpr int MaxRestarts = 10;
 
     explicit CompareRun(const CliOptions &options);
+
+    /** Reads a side from a manifest instead of the disk (0 source, 1 destination). */
+    void setRecordedTree(int side, std::shared_ptr<const RecordedTree> tree) {
+        m_recorded[std::size_t(side)] = std::move(tree);
+    }
 
     /** Shows progress on \a progress while running (none when null). */
     void setProgressLine(ProgressLine *progress) { m_progress = progress; }
@@ -66,4 +73,5 @@ private:
     std::array<qint64, 15> m_counts{};
     QList<RunProblem> m_problems;
     int m_restarts = 0;
+    std::array<std::shared_ptr<const RecordedTree>, 2> m_recorded;
 };

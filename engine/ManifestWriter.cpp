@@ -1,0 +1,131 @@
+#include "engine/ManifestWriter.h"
+
+#include "engine/FdGuard.h"
+#include "engine/LongPath.h"
+#include "engine/ManifestFormat.h"
+#include "engine/TreeWalker.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/** Reads of a file that keeps changing under them before it is given up. */
+constexpr int checksumTries = 3;
+
+QString systemError(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+QByteArray relativePath(const FolderNode &folder, const QByteArray &name) {
+    const QByteArray base = folder.relativeNativePath();
+    return base.isEmpty() ? name : base + '/' + name;
+}
+
+} // namespace
+
+ManifestWriter::ManifestWriter(Options options)
+    : m_options(std::move(options)) {
+    m_crc.setChunkSize(m_options.chunkSize);
+}
+
+bool ManifestWriter::write(const QByteArray &root, const LineSink &lines,
+                           const ProblemSink &problems) {
+    m_lines = &lines;
+    m_problems = &problems;
+    m_failed = false;
+    ManifestFormat::Header header;
+    header.checksums = m_options.checksums;
+    header.gitignore = m_options.filter && m_options.filter->gitignore;
+    if (!lines(ManifestFormat::headerLine(header)))
+        return false;
+    TreeWalker walker({
+                          [this] { return m_failed; },
+                          [this](const FolderRef &folder, std::vector<QByteArray> &names) {
+                              return writeFiles(folder, names);
+                          },
+                          [this](const FolderRef &folder, int error) {
+                              (*m_problems)(folder->nativePath(), systemError(error));
+                              writeFolder(folder, true);
+                          },
+                          [this](const FolderRef &folder) { writeFolder(folder, false); },
+                      },
+                      m_options.caseRule, m_options.filter);
+    QByteArray native = root;
+    while (native.size() > 1 && native.endsWith('/'))
+        native.chop(1);
+    walker.walk(FolderRef::make(native, native.size(), QString::fromLocal8Bit(native)));
+    return !m_failed;
+}
+
+bool ManifestWriter::writeFolder(const FolderRef &folder, bool unreadable) {
+    ManifestEntry entry;
+    entry.path = folder->relativeNativePath();
+    // Through the folder itself, so that a root given as a link to a folder is that folder.
+    const FdGuard fd(LongPath::open(folder->nativePath(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    entry.stat = fd.get() >= 0 ? FileStat::read(fd.get(), ".") : FileStat();
+    if (!entry.stat.isValid())
+        entry.stat.setMode(S_IFDIR, "", false);
+    entry.ignoresCase = folder->ignoresCase();
+    entry.unreadable = unreadable;
+    if (!m_failed && !(*m_lines)(ManifestFormat::entryLine(entry)))
+        m_failed = true;
+    return !m_failed;
+}
+
+bool ManifestWriter::writeFiles(const FolderRef &folder, const std::vector<QByteArray> &names) {
+    const FdGuard fd(LongPath::open(folder->nativePath(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (fd.get() < 0) {
+        (*m_problems)(folder->nativePath(), systemError(errno));
+        return true;
+    }
+    for (const QByteArray &name : names) {
+        ManifestEntry entry;
+        entry.path = relativePath(*folder, name);
+        entry.stat = FileStat::read(fd.get(), name.constData());
+        if (!entry.stat.isValid()) {
+            // Deleted since the folder was listed: not part of the tree any more.
+            if (entry.stat.error == ENOENT)
+                continue;
+            (*m_problems)(folder->childNativePath(name), systemError(entry.stat.error));
+        } else if (entry.stat.kind == FileKind::Symlink) {
+            QByteArray target(entry.stat.size + 1, Qt::Uninitialized);
+            const ssize_t length =
+                ::readlinkat(fd.get(), name.constData(), target.data(), std::size_t(target.size()));
+            if (length >= 0)
+                entry.target = target.left(length);
+        }
+        if (m_options.checksums && entry.stat.isValid() && entry.stat.kind != FileKind::Other) {
+            entry.checksummed = true;
+            entry.checksum = checksum(fd.get(), name, entry.stat);
+            if (entry.checksum.status != CRC32Object::Status::Ok)
+                (*m_problems)(folder->childNativePath(name),
+                              entry.checksum.status == CRC32Object::Status::Changed
+                                  ? QStringLiteral("kept changing while it was read")
+                                  : QStringLiteral("could not be read: ") +
+                                        systemError(entry.checksum.error));
+        }
+        if (!(*m_lines)(ManifestFormat::entryLine(entry))) {
+            m_failed = true;
+            return false;
+        }
+    }
+    return true;
+}
+
+CRC32Object::Result ManifestWriter::checksum(int dirFd, const QByteArray &name, FileStat &stat) {
+    CRC32Object::Result result;
+    for (int attempt = 0; attempt < checksumTries; ++attempt) {
+        result = m_crc.Checksum(dirFd, name, stat);
+        if (result.status != CRC32Object::Status::Changed)
+            return result;
+        // The line must hold the properties the checksum belongs to.
+        const FileStat again = FileStat::read(dirFd, name.constData());
+        if (!again.isValid())
+            return {CRC32Object::Status::Failed, 0, again.error};
+        stat = again;
+    }
+    return result;
+}
