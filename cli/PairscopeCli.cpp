@@ -71,9 +71,10 @@ bool openRoot(const QByteArray &root, std::shared_ptr<const RecordedTree> &recor
     if (!recorded) {
         const QByteArray shown = standardInput ? QByteArray("standard input") : root;
         // A file given by mistake for a folder is told as such, not only as a bad manifest.
-        reportProblem(err, {shown, standardInput || error.startsWith(QLatin1String("line"))
-                                       ? error
-                                       : QStringLiteral("not a folder, nor a manifest: ") + error});
+        reportProblem(err, {shown, standardInput ? error
+                                                 : QStringLiteral("not a folder, nor a readable "
+                                                                  "manifest: ") +
+                                                       error});
         return false;
     }
     return true;

@@ -63,9 +63,10 @@ bool ManifestWriter::write(const QByteArray &root, const LineSink &lines,
 bool ManifestWriter::writeFolder(const FolderRef &folder, bool unreadable) {
     ManifestEntry entry;
     entry.path = folder->relativeNativePath();
-    // Through the folder itself, so that a root given as a link to a folder is that folder.
-    const FdGuard fd(LongPath::open(folder->nativePath(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    entry.stat = fd.get() >= 0 ? FileStat::read(fd.get(), ".") : FileStat();
+    // Below the root a folder is never a link; the root may be given through one, and is the
+    // folder it leads to. A folder that may not be searched still has properties to show.
+    entry.stat =
+        FileStat::read(folder->parent() ? folder->nativePath() : folder->nativePath() + "/.");
     if (!entry.stat.isValid())
         entry.stat.setMode(S_IFDIR, "", false);
     entry.ignoresCase = folder->ignoresCase();
