@@ -65,16 +65,15 @@ bool openRoot(const QByteArray &root, std::shared_ptr<const RecordedTree> &recor
         return false;
     }
     QString error;
-    recorded = RecordedTree::read(in, &error);
+    bool foreign = false;
+    recorded = RecordedTree::read(in, &error, &foreign);
     if (!standardInput)
         std::fclose(in);
     if (!recorded) {
-        const QByteArray shown = standardInput ? QByteArray("standard input") : root;
-        // A file given by mistake for a folder is told as such, not only as a bad manifest.
-        reportProblem(err, {shown, standardInput ? error
-                                                 : QStringLiteral("not a folder, nor a readable "
-                                                                  "manifest: ") +
-                                                       error});
+        // A file given by mistake for a folder is told as such, not as a broken manifest.
+        if (foreign && !standardInput)
+            error = QStringLiteral("not a folder");
+        reportProblem(err, {standardInput ? QByteArray("standard input") : root, error});
         return false;
     }
     return true;

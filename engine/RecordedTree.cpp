@@ -38,7 +38,7 @@ QString lineError(qint64 line, const QString &reason) {
 
 } // namespace
 
-std::shared_ptr<RecordedTree> RecordedTree::read(std::FILE *in, QString *error) {
+std::shared_ptr<RecordedTree> RecordedTree::read(std::FILE *in, QString *error, bool *foreign) {
     auto tree = std::make_shared<RecordedTree>();
     LineReader reader(in);
     QByteArrayView line;
@@ -47,12 +47,15 @@ std::shared_ptr<RecordedTree> RecordedTree::read(std::FILE *in, QString *error) 
     while (reader.next(line, complete)) {
         ++number;
         QString reason;
-        if (!complete) {
-            reason = QStringLiteral("the last line has no newline; the manifest was cut short");
-        } else if (number == 1) {
+        if (number == 1) {
+            if (foreign)
+                *foreign = !line.startsWith(ManifestFormat::Magic);
             if (const auto header = ManifestFormat::parseHeader(line, &reason))
                 tree->m_header = *header;
-        } else {
+        }
+        if (reason.isEmpty() && !complete) {
+            reason = QStringLiteral("the last line has no newline; the manifest was cut short");
+        } else if (number > 1) {
             ManifestEntry entry;
             if (ManifestFormat::parseEntry(line, entry, &reason))
                 tree->add(std::move(entry), number, &reason);
@@ -67,6 +70,8 @@ std::shared_ptr<RecordedTree> RecordedTree::read(std::FILE *in, QString *error) 
                      .arg(QString::fromLocal8Bit(std::strerror(errno)));
         return nullptr;
     }
+    if (foreign && number == 0)
+        *foreign = true;
     if (number == 0 || tree->m_folders.empty()) {
         *error = number == 0 ? QStringLiteral("empty; not a pairscope manifest")
                              : QStringLiteral("line %1: the manifest ends before its root "

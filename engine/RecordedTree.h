@@ -23,9 +23,11 @@ class RecordedTree : public std::enable_shared_from_this<RecordedTree> {
 public:
     /**
      * Reads a whole manifest from \a in. On failure returns null and sets \a error to the
-     * reason, led by the line number ("line 7: bad size").
+     * reason, led by the line number ("line 7: bad size"), and \a foreign (when given) to
+     * whether the text is not a manifest at all: its first line names no manifest format.
      */
-    static std::shared_ptr<RecordedTree> read(std::FILE *in, QString *error);
+    static std::shared_ptr<RecordedTree> read(std::FILE *in, QString *error,
+                                              bool *foreign = nullptr);
 
     const ManifestFormat::Header &header() const { return m_header; }
     /** True when some file or link has no created date. */
