@@ -1,5 +1,6 @@
 #include "engine/ManifestWriter.h"
 
+#include "engine/ComparisonSet.h"
 #include "engine/FdGuard.h"
 #include "engine/LongPath.h"
 #include "engine/ManifestFormat.h"
@@ -14,6 +15,8 @@ namespace {
 
 /** Reads of a file that keeps changing under them before it is given up. */
 constexpr int checksumTries = 3;
+/** Files stated and checksummed ahead of the line being written. */
+constexpr int readAheadWindow = 256;
 
 QString systemError(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
@@ -56,7 +59,13 @@ bool ManifestWriter::write(const QByteArray &root, const LineSink &lines,
     QByteArray native = root;
     while (native.size() > 1 && native.endsWith('/'))
         native.chop(1);
+    PairTestOptions options;
+    options.bits = m_options.checksums ? ComparisonBits::Checksums : 0;
+    m_readAhead = std::make_unique<ReadAhead>(ReadAhead::defaultWorkerCount(), options,
+                                              m_crc.ChunkSize(), readAheadWindow, m_crc);
+    m_readAhead->setChecksumsAlone(m_options.checksums);
     walker.walk(FolderRef::make(native, native.size(), QString::fromLocal8Bit(native)));
+    m_readAhead.reset();
     return !m_failed;
 }
 
@@ -82,38 +91,53 @@ bool ManifestWriter::writeFiles(const FolderRef &folder, const std::vector<QByte
         (*m_problems)(folder->nativePath(), systemError(errno));
         return true;
     }
-    for (const QByteArray &name : names) {
-        ManifestEntry entry;
-        entry.path = relativePath(*folder, name);
-        entry.stat = FileStat::read(fd.get(), name.constData());
-        if (!entry.stat.isValid()) {
-            // Deleted since the folder was listed: not part of the tree any more.
-            if (entry.stat.error == ENOENT)
-                continue;
-            (*m_problems)(folder->childNativePath(name), systemError(entry.stat.error));
-        } else if (entry.stat.kind == FileKind::Symlink) {
-            QByteArray target(entry.stat.size + 1, Qt::Uninitialized);
-            const ssize_t length =
-                ::readlinkat(fd.get(), name.constData(), target.data(), std::size_t(target.size()));
-            if (length >= 0)
-                entry.target = target.left(length);
+    // Stats and checksums are taken by the read-ahead workers, the lines written here in order.
+    std::size_t queued = 0;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        for (; queued < names.size() && m_readAhead->space() > 0; ++queued) {
+            ReadAhead::Job &job = m_readAhead->next();
+            job.sourceFolder = folder;
+            job.sourceName = names[queued];
+            m_readAhead->add();
         }
-        if (m_options.checksums && entry.stat.isValid() && entry.stat.kind != FileKind::Other) {
-            entry.checksummed = true;
-            entry.checksum = checksum(fd.get(), name, entry.stat);
-            if (entry.checksum.status != CRC32Object::Status::Ok)
-                (*m_problems)(folder->childNativePath(name),
-                              entry.checksum.status == CRC32Object::Status::Changed
-                                  ? QStringLiteral("kept changing while it was read")
-                                  : QStringLiteral("could not be read: ") +
-                                        systemError(entry.checksum.error));
-        }
-        if (!(*m_lines)(ManifestFormat::entryLine(entry))) {
+        m_readAhead->publish();
+        const ReadAhead::Job *job = m_readAhead->waitFront([] { return true; });
+        const bool written = writeFile(fd.get(), *folder, names[i], *job);
+        m_readAhead->release();
+        if (!written) {
             m_failed = true;
             return false;
         }
     }
     return true;
+}
+
+bool ManifestWriter::writeFile(int dirFd, const FolderNode &folder, const QByteArray &name,
+                               const ReadAhead::Job &job) {
+    ManifestEntry entry;
+    entry.path = relativePath(folder, name);
+    entry.stat = job.sourceStat;
+    if (!entry.stat.isValid()) {
+        // Deleted since the folder was listed: not part of the tree any more.
+        if (entry.stat.error == ENOENT)
+            return true;
+        (*m_problems)(folder.childNativePath(name), systemError(entry.stat.error));
+    } else if (entry.stat.kind == FileKind::Symlink) {
+        entry.target = CRC32Object::linkText(dirFd, name.constData(), entry.stat).value_or("");
+    }
+    if (job.checksummed) {
+        entry.checksummed = true;
+        entry.checksum = job.sourceChecksum;
+        if (entry.checksum.status == CRC32Object::Status::Changed)
+            entry.checksum = checksum(dirFd, name, entry.stat);
+        if (entry.checksum.status != CRC32Object::Status::Ok)
+            (*m_problems)(folder.childNativePath(name),
+                          entry.checksum.status == CRC32Object::Status::Changed
+                              ? QStringLiteral("kept changing while it was read")
+                              : QStringLiteral("could not be read: ") +
+                                    systemError(entry.checksum.error));
+    }
+    return (*m_lines)(ManifestFormat::entryLine(entry));
 }
 
 CRC32Object::Result ManifestWriter::checksum(int dirFd, const QByteArray &name, FileStat &stat) {

@@ -3,6 +3,7 @@
 #include "engine/CRC32Object.h"
 #include "engine/CaseRule.h"
 #include "engine/FolderNode.h"
+#include "engine/ReadAhead.h"
 #include "engine/TreeFilter.h"
 
 #include <QByteArray>
@@ -41,12 +42,16 @@ public:
 private:
     /** The lines of the files \a names of \a folder; false when the output failed. */
     bool writeFiles(const FolderRef &folder, const std::vector<QByteArray> &names);
+    /** The line of \a name, in \a folder open as \a dirFd, from what \a job read. */
+    bool writeFile(int dirFd, const FolderNode &folder, const QByteArray &name,
+                   const ReadAhead::Job &job);
     bool writeFolder(const FolderRef &folder, bool unreadable);
     /** The checksum of \a name, read again while the file keeps changing under the read. */
     CRC32Object::Result checksum(int dirFd, const QByteArray &name, FileStat &stat);
 
     Options m_options;
     CRC32Object m_crc;
+    std::unique_ptr<ReadAhead> m_readAhead;
     const LineSink *m_lines = nullptr;
     const ProblemSink *m_problems = nullptr;
     bool m_failed = false;

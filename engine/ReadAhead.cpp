@@ -42,6 +42,10 @@ void ReadAhead::releaseFolder(FolderFd *&folderFd) {
     folderFd = nullptr;
 }
 
+int ReadAhead::defaultWorkerCount() {
+    return int(std::clamp(std::thread::hardware_concurrency(), 1u, 4u));
+}
+
 ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window,
                      CRC32Object &callerCrc)
     : m_ring(std::size_t(std::max(window, 1)))
@@ -230,8 +234,15 @@ void ReadAhead::process(Job &job, CRC32Object &crc) {
     if (!job.sourceFolder)
         return;
     job.sourceStat = statOf(job.sourceFolder, job.sourceName, job.sourceFd);
-    if (!job.destinationFolder)
+    if (!job.destinationFolder) {
+        if (m_checksumsAlone && job.sourceStat.isValid() &&
+            job.sourceStat.kind != FileKind::Other && !m_stop.load(std::memory_order_relaxed)) {
+            job.sourceChecksum =
+                checksumOf(crc, job.sourceFolder, job.sourceName, job.sourceFd, job.sourceStat);
+            job.checksummed = true;
+        }
         return;
+    }
     job.destinationStat = statOf(job.destinationFolder, job.destinationName, job.destinationFd);
     if (!needsChecksum(job.sourceStat, job.destinationStat, m_options) ||
         m_stop.load(std::memory_order_relaxed))

@@ -166,7 +166,7 @@ void RecordedTree::walk(const FolderRef &root, CaseRule rule, const TreeFilter *
     std::vector<QByteArray> names;
     for (std::size_t i = 0; i < m_folders.size(); ++i) {
         const RecordedFolder &folder = m_folders[i];
-        if (i > 0 && callbacks.stop())
+        if (i > 0 && callbacks.stop && callbacks.stop())
             return;
         if (folder.parent >= 0) {
             const FolderRef &parent = nodes[std::size_t(folder.parent)];
@@ -187,6 +187,8 @@ void RecordedTree::walk(const FolderRef &root, CaseRule rule, const TreeFilter *
             nodes[i] = FolderRef();
             continue;
         }
+        if (callbacks.folder)
+            callbacks.folder(nodes[i]);
         names.clear();
         for (const RecordedFolder::File &file : folder.files) {
             if (rules.rules.isEmpty() ||
