@@ -1,4 +1,5 @@
 #include "engine/ByteEscaping.h"
+#include "support/ChildRun.h"
 #include "support/CliResult.h"
 #include "support/TestTree.h"
 
@@ -99,6 +100,7 @@ private Q_SLOTS:
     void refusedBeforeAnyWork();
     void checksumFindsWhatSizeAndDateMiss();
     void letterCaseAsRecorded();
+    void unreadableStaysUnknown();
 };
 
 void tst_Manifest::escapingRoundTrip() {
@@ -218,6 +220,39 @@ void tst_Manifest::letterCaseAsRecorded() {
     const CliResult caseBlind = runCli(options, text);
     QCOMPARE(caseBlind.exitCode, 1);
     QVERIFY2(!caseBlind.out.contains("ase.txt\n"), caseBlind.out.constData());
+}
+
+void tst_Manifest::unreadableStaysUnknown() {
+    if (::geteuid() != 0)
+        QSKIP("needs root to make files that the program, run unprivileged, may not read");
+    const QStringList launcher = ChildRun::unprivileged();
+    if (const QString reason = ChildRun::refusal(launcher); !reason.isEmpty())
+        QSKIP(qPrintable(reason));
+    OddTree trees;
+    for (const char *path : {"src/locked/inside.txt", "dst/locked/inside.txt"})
+        QVERIFY(trees.tree().write(QLatin1String(path), "x"));
+    QProcess::execute(QStringLiteral("chmod"),
+                      {QStringLiteral("-R"), QStringLiteral("a+rX"), trees.tree().root()});
+    QCOMPARE(::chmod(QFile::encodeName(trees.path("src/locked")).constData(), 0700), 0);
+    QCOMPARE(::chmod(QFile::encodeName(trees.path("src/size.txt")).constData(), 0600), 0);
+
+    QProcess process;
+    process.start(launcher.first(),
+                  launcher.mid(1) + QStringList{QStringLiteral(PAIRSCOPE_CLI_PATH),
+                                                QStringLiteral("--manifest"),
+                                                QStringLiteral("--crc"), trees.path("src")});
+    const CliResult written = CliResult::of(process);
+    QCOMPARE(written.exitCode, 2);
+    QCOMPARE(written.err.count('\n'), 2);
+    // Behind a folder that could not be read nothing is known, which is not "missing".
+    const CliResult compared =
+        runCli({QStringLiteral("--format=tsv"), QStringLiteral("-c"), QStringLiteral("crc"),
+                QStringLiteral("-"), trees.path("dst")},
+               written.out);
+    QCOMPARE(compared.exitCode, 2);
+    QVERIFY2(compared.out.contains("13\tsource could not be read\tlocked/inside.txt\n") &&
+                 compared.out.contains("13\tsource could not be read\tsize.txt\n"),
+             compared.out.constData());
 }
 
 QTEST_GUILESS_MAIN(tst_Manifest)
