@@ -79,7 +79,7 @@ bool InBuildFolder(const QString &executable) {
     return false;
 }
 
-Registration RegisterAppPath(const QString &executable, const DataFolders &folders) {
+Registration RegisterDesktopEntry(const QString &executable, const DataFolders &folders) {
     const QString own = entryPath(folders.user);
     bool installed = QFileInfo::exists(own) && !writtenAtStartUp(own);
     for (const QString &folder : folders.system)

@@ -27,7 +27,7 @@ enum class Registration {
  * build folder. An entry an earlier start wrote is removed once an installed one exists, since
  * the user's entry would hide it. Errors are not reported beyond the result.
  */
-Registration RegisterAppPath(const QString &executable, const DataFolders &folders);
+Registration RegisterDesktopEntry(const QString &executable, const DataFolders &folders);
 
 /** True when \a executable lies inside a CMake build folder. */
 bool InBuildFolder(const QString &executable);

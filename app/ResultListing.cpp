@@ -21,7 +21,7 @@ bool ResultListing::IsListed(const ComparisonFile &record, bool allFiles,
     return missingPlaceholders;
 }
 
-int ResultListing::add(int side, const ComparisonFilePtr &record, bool fullPath) {
+int ResultListing::Add(int side, const ComparisonFilePtr &record, bool fullPath) {
     m_lists[size_t(side)]->files()->setFullPath(fullPath);
     return AddToListview(record, m_lists[size_t(side)], m_icons);
 }
@@ -32,8 +32,8 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
         return;
     if (comparisonResult == DifferenceCode::Equal) {
         if (view.allFiles) {
-            add(0, sourceFile, view.fullPath);
-            add(1, destFile, view.fullPath);
+            Add(0, sourceFile, view.fullPath);
+            Add(1, destFile, view.fullPath);
         }
         return;
     }
@@ -48,7 +48,7 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
                            (record->DetailsLoaded() ? record->Kind() != FileKind::Missing
                                                     : IsValidFileObject(record->FileObject()));
         if (valid || view.missingPlaceholders)
-            add(side, record, view.fullPath);
+            Add(side, record, view.fullPath);
     }
 }
 
@@ -62,7 +62,7 @@ void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
         for (const ComparisonFilePtr &record : *collections[side]) {
             if (!IsListed(*record, view.allFiles, view.missingPlaceholders))
                 continue;
-            const size_t row = size_t(add(side, record, view.fullPath));
+            const size_t row = size_t(Add(side, record, view.fullPath));
             if (row >= confirmed.size())
                 confirmed.resize(row + 1, false);
             confirmed[row] = true;

@@ -47,7 +47,7 @@ public:
 
 private:
     /** Lists \a record in list \a side; returns its row. */
-    int add(int side, const ComparisonFilePtr &record, bool fullPath);
+    int Add(int side, const ComparisonFilePtr &record, bool fullPath);
 
     std::array<ListView *, 2> m_lists;
     ImageList *m_icons;

@@ -3,6 +3,7 @@
 #include "frmMain.h"
 
 #include "engine/PathHelpers.h"
+#include "settings/Options.h"
 #include "views/frmSplash.h"
 
 #include <QApplication>
@@ -45,7 +46,7 @@ const char *const failureMessage =
 
 StartupEnvironment StartupEnvironment::system() {
     StartupEnvironment env;
-    env.IsShiftDown = [] {
+    env.isShiftDown = [] {
         return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
     };
     env.clockMs = [] {
@@ -56,8 +57,8 @@ StartupEnvironment StartupEnvironment::system() {
         }();
         return clock.elapsed();
     };
-    env.Sleep = [](int ms) { QThread::msleep(ulong(ms)); };
-    env.ScriptingAvailable = [] { return ::ScriptingAvailable(); };
+    env.sleep = [](int ms) { QThread::msleep(ulong(ms)); };
+    env.fileSystemReadable = FileSystemReadable;
     env.dataFolders = DataFolders::standard();
     return env;
 }
@@ -65,8 +66,8 @@ StartupEnvironment StartupEnvironment::system() {
 Startup::Startup(StartupEnvironment environment)
     : m_env(std::move(environment)) {}
 
-void Startup::sampleShift() {
-    if (m_env.IsShiftDown && m_env.IsShiftDown())
+void Startup::SampleShift() {
+    if (m_env.isShiftDown && m_env.isShiftDown())
         m_resetPosition = true;
 }
 
@@ -80,12 +81,12 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
         splash->FadeIn();
         while (splash && splash->Alpha() != 255) {
             QCoreApplication::processEvents(QEventLoop::AllEvents);
-            sampleShift();
+            SampleShift();
             if (splash && splash->Alpha() != 255)
-                m_env.Sleep(5);
+                m_env.sleep(5);
         }
 
-        if (!m_env.ScriptingAvailable()) {
+        if (!m_env.fileSystemReadable()) {
             QMessageBox::critical(nullptr, QStringLiteral("Pairscope"),
                                   QString::fromUtf8(failureMessage));
             UnloadAllForms(false);
@@ -96,29 +97,29 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
         // its hint about Shift can be read, and Shift is watched all the while.
         const qint64 started = m_env.clockMs();
         for (bool first = true;; first = false) {
-            sampleShift();
+            SampleShift();
             if (first) {
                 main = new frmMain;
                 main->setAttribute(Qt::WA_DeleteOnClose);
-                sampleShift();
+                SampleShift();
             }
             QCoreApplication::processEvents(QEventLoop::AllEvents);
             if (m_env.clockMs() - started >= minimumSplashMs)
                 break;
-            m_env.Sleep(5);
+            m_env.sleep(5);
         }
 
         main->InitializeDisplay();
         main->LoadPosition(m_resetPosition);
         main->show();
-        if (splash && main->menus->mnuViewAlwaysOnTop->isChecked()) {
+        if (splash && Options::alwaysOnTop()) {
             // The splash stays in front of the main window while it fades.
             splash->setWindowFlag(Qt::WindowStaysOnTopHint, true);
             splash->show();
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents);
 
-        RegisterAppPath(QCoreApplication::applicationFilePath(), m_env.dataFolders);
+        RegisterDesktopEntry(QCoreApplication::applicationFilePath(), m_env.dataFolders);
 
         const std::array<QString, 2> folders = FoldersFromArguments(arguments);
         for (int side = 0; side < 2; ++side) {
@@ -126,7 +127,7 @@ frmMain *Startup::Main(const QList<QByteArray> &arguments) {
                 main->SelectFolder(side, folders[side]);
         }
 
-        m_env.Sleep(fadeOutDelayMs);
+        m_env.sleep(fadeOutDelayMs);
         if (splash)
             splash->FadeOut();
     } catch (const std::exception &error) {
@@ -155,7 +156,7 @@ std::array<QString, 2> FoldersFromArguments(const QList<QByteArray> &arguments) 
     return folders;
 }
 
-bool ScriptingAvailable() {
+bool FileSystemReadable() {
     DIR *root = ::opendir("/");
     if (!root)
         return false;

@@ -17,14 +17,14 @@ class frmMain;
  */
 struct StartupEnvironment {
     /** True while a Shift key is held. */
-    std::function<bool()> IsShiftDown;
+    std::function<bool()> isShiftDown;
     /** Milliseconds of a monotonic clock (any origin). */
     std::function<qint64()> clockMs;
     /** Pauses the program for that many milliseconds. */
-    std::function<void(int)> Sleep;
-    /** True when the file system can be read (see ScriptingAvailable()). */
-    std::function<bool()> ScriptingAvailable;
-    /** Where the desktop entry is looked for and written (see RegisterAppPath()). */
+    std::function<void(int)> sleep;
+    /** True when the file system can be read (see FileSystemReadable()). */
+    std::function<bool()> fileSystemReadable;
+    /** Where the desktop entry is looked for and written (see RegisterDesktopEntry()). */
     DataFolders dataFolders;
 
     /** The defaults: the real keyboard, a monotonic clock, a real pause, the real check. */
@@ -48,7 +48,7 @@ public:
     frmMain *Main(const QList<QByteArray> &arguments);
 
     /** True once Shift was seen held at any sampling point of the last Main(). */
-    bool resetPosition() const { return m_resetPosition; }
+    bool ResetPosition() const { return m_resetPosition; }
 
     /** The least time the splash stays up while the main window loads. */
     static constexpr int minimumSplashMs = 500;
@@ -56,7 +56,7 @@ public:
     static constexpr int fadeOutDelayMs = 350;
 
 private:
-    void sampleShift();
+    void SampleShift();
 
     StartupEnvironment m_env;
     bool m_resetPosition = false;
@@ -72,7 +72,7 @@ private:
 std::array<QString, 2> FoldersFromArguments(const QList<QByteArray> &arguments);
 
 /** True when the file system can be read: the root folder can be opened and listed. */
-bool ScriptingAvailable();
+bool FileSystemReadable();
 
 /**
  * Hides every top-level window, lets pending events run once, then closes every one that is

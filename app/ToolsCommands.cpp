@@ -17,10 +17,13 @@
 #include <QMenu>
 #include <QTimer>
 
-ToolsCommands::ToolsCommands(frmMain *window)
+ToolsCommands::ToolsCommands(frmMain *window, const MainMenuBar &menus,
+                             const std::array<ListView *, 2> &lists)
     : m_window(window)
+    , m_menus(menus)
+    , m_lists(lists)
     , m_noFiles(std::make_unique<ComparisonFileCollection>()) {
-    const MainMenuBar &m = *window->menus;
+    const MainMenuBar &m = menus;
     connect(m.mnuTools, &QMenu::aboutToShow, this, &ToolsCommands::mnuTools_Click);
     connect(m.mnuToolsOpenContainingFolder, &QAction::triggered, this,
             &ToolsCommands::mnuToolsOpenContainingFolder_Click);
@@ -30,10 +33,10 @@ ToolsCommands::ToolsCommands(frmMain *window)
     connect(m.mnuToolsCopyToDest, &QAction::triggered, this,
             &ToolsCommands::mnuToolsCopyToDest_Click);
     connect(m.mnuFileSelectDiff, &QAction::triggered, this,
-            [this] { SelectDiffProgram(m_window, m_window->menus->mnuToolsDiff); });
+            [this] { m_diffProgram = SelectDiffProgram(m_window, m_diffProgram); });
 
     for (int side = 0; side < 2; ++side) {
-        ListView *list = window->lvwFiles[size_t(side)];
+        ListView *list = lists[size_t(side)];
         // The menu key opens the popup as a right-click does.
         list->setContextMenuPolicy(Qt::CustomContextMenu);
         connect(list, &QWidget::customContextMenuRequested, this,
@@ -48,72 +51,73 @@ ToolsCommands::ToolsCommands(frmMain *window)
 
 ToolsCommands::~ToolsCommands() = default;
 
-const ComparisonFileCollection &ToolsCommands::collection(int side) const {
-    const auto &files = side == 0 ? m_window->colSourceFiles : m_window->colDestFiles;
+void ToolsCommands::LoadDiffProgram() {
+    m_diffProgram = ::LoadDiffProgram();
+}
+
+const ComparisonFileCollection &ToolsCommands::Collection(int side) const {
+    const ComparisonFileCollection *files = m_window->Files(side);
     return files ? *files : *m_noFiles;
 }
 
 void ToolsCommands::mnuTools_Click() {
-    const MainMenuBar &m = *m_window->menus;
+    const MainMenuBar &m = m_menus;
     m_side = m_window->ActiveSide();
-    const ListView *list = m_side < 0 ? nullptr : m_window->lvwFiles[size_t(m_side)];
-    const bool diffProgramSet = !m.mnuToolsDiff->data().toString().isEmpty();
+    const ListView *list = m_side < 0 ? nullptr : m_lists[size_t(m_side)];
     const ToolsMenuState state =
-        ToolsMenuState::Compute(m_side, list ? list->selectedCount() : 0, diffProgramSet);
+        ToolsMenuState::Compute(m_side, list ? list->selectedCount() : 0, !m_diffProgram.isEmpty());
     const bool copyAllowed = !m_window->IsComparing();
     m.mnuToolsOpenContainingFolder->setEnabled(state.openContainingFolder);
     m.mnuToolsDiff->setEnabled(state.examineDifferences);
     m.mnuToolsCopyToSource->setEnabled(state.copyToSource && copyAllowed);
     m.mnuToolsCopyToDest->setEnabled(state.copyToDestination && copyAllowed);
-    m.mnuToolsOpenContainingFolder->setData(list ? ShowInFolder::CommandForSelection(list)
-                                                 : QString());
+    m_folderCommand = list ? ShowInFolder::CommandForSelection(list) : QString();
 }
 
 void ToolsCommands::mnuToolsOpenContainingFolder_Click() {
-    ShowInFolder::OpenContainingFolder(
-        m_window->menus->mnuToolsOpenContainingFolder->data().toString());
+    ShowInFolder::OpenContainingFolder(m_folderCommand);
 }
 
 void ToolsCommands::mnuToolsDiff_Click() {
     if (m_side < 0)
         return;
-    ExamineDifferences(m_window, m_window->menus->mnuToolsDiff->data().toString(),
-                       m_window->lvwFiles[size_t(m_side)], m_side, collection(0), collection(1));
+    ExamineDifferences(m_window, m_diffProgram, m_lists[size_t(m_side)], m_side, Collection(0),
+                       Collection(1));
 }
 
 void ToolsCommands::mnuToolsCopyToSource_Click() {
-    ShowSynchronizer(m_window, SyncDirection::ToSource, m_window->lvwFiles[1], collection(1),
-                     collection(0));
+    ShowSynchronizer(m_window, SyncDirection::ToSource, m_lists[1], Collection(1), Collection(0));
 }
 
 void ToolsCommands::mnuToolsCopyToDest_Click() {
-    ShowSynchronizer(m_window, SyncDirection::ToDestination, m_window->lvwFiles[0], collection(0),
-                     collection(1));
+    ShowSynchronizer(m_window, SyncDirection::ToDestination, m_lists[0], Collection(0),
+                     Collection(1));
 }
 
 void ToolsCommands::lvwFiles_DblClick(int side) {
-    RowDoubleClick(m_window, m_window->menus->mnuToolsDiff, m_window->lvwFiles[size_t(side)], side,
-                   collection(0), collection(1));
+    RowDoubleClick(m_window, m_diffProgram, m_lists[size_t(side)], side, Collection(0),
+                   Collection(1));
 }
 
 void ToolsCommands::ShowListingPopup(int side, const QPoint &globalPosition) {
-    const MainMenuBar &m = *m_window->menus;
+    const MainMenuBar &m = m_menus;
     // The previous popup goes first: a right-click never leaves two of them alive.
     oContextMenu.reset();
-    oContextMenu = ::ShowListingPopup(
-        m_window->lvwFiles[size_t(side)], side, !m.mnuToolsDiff->data().toString().isEmpty(),
-        m.mnuBadItemPopup, m.mnuTools, globalPosition, [this](const QString &, int itemData) {
-            // Run once the popup has closed and its stack has unwound, so that
-            // the review dialog or a message box is not opened from inside the
-            // menu's own event loop.
-            QTimer::singleShot(0, this,
-                               [this, itemData] { oContextMenu_MenuItemInvoked(itemData); });
-        });
+    oContextMenu =
+        ::ShowListingPopup(m_lists[size_t(side)], side, !m_diffProgram.isEmpty(), m.mnuBadItemPopup,
+                           m.mnuTools, globalPosition, [this](const QString &, int itemData) {
+                               // Run once the popup has closed and its stack has unwound, so that
+                               // the review dialog or a message box is not opened from inside the
+                               // menu's own event loop.
+                               QTimer::singleShot(0, this, [this, itemData] {
+                                   oContextMenu_MenuItemInvoked(itemData);
+                               });
+                           });
 }
 
 void ToolsCommands::oContextMenu_MenuItemInvoked(int itemData) {
     mnuTools_Click();
-    const MainMenuBar &m = *m_window->menus;
+    const MainMenuBar &m = m_menus;
     switch (itemData) {
     case ListingPopupItem::OpenContainingFolder:
         if (m.mnuToolsOpenContainingFolder->isEnabled())

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
+#include <array>
 #include <memory>
 
 class ComparisonFileCollection;
+class ListView;
+class MainMenuBar;
 class QPoint;
 class ShellContextMenu;
 class frmMain;
@@ -16,25 +20,31 @@ class frmMain;
  *
  * The Tools items act on the listing that has the focus. Their enabled states, and the command
  * of Open Containing Folder, are computed whenever the menu opens and again before a popup's
- * own item runs, so that a command never acts on a selection it was not enabled for.
+ * own item runs, so that a command never acts on a selection it was not enabled for. The diff
+ * program in use is kept here, read from the settings (LoadDiffProgram()) and changed by the
+ * Select Diff Program dialog.
  */
 class ToolsCommands : public QObject {
     Q_OBJECT
 
 public:
-    /** Connects the Tools and File items of \a window's menus and both of its listings. */
-    explicit ToolsCommands(frmMain *window);
+    /** Connects the Tools and File items of \a menus and both \a lists of \a window. */
+    ToolsCommands(frmMain *window, const MainMenuBar &menus,
+                  const std::array<ListView *, 2> &lists);
     ~ToolsCommands() override;
 
+    /** Reads the diff program in use from the settings (see ::LoadDiffProgram()). */
+    void LoadDiffProgram();
+
     /**
-     * Computes the four Tools items' enabled states for the focused listing and stores Open
-     * Containing Folder's command in its item's data. While a compare runs the two copy items
+     * Computes the four Tools items' enabled states for the focused listing and keeps Open
+     * Containing Folder's command for it. While a compare runs the two copy items
      * stay disabled: a copy would change a tree the run is reading, from a listing that is
      * not complete yet.
      */
     void mnuTools_Click();
 
-    /** Opens the file manager on the stored command's item; nothing when it is empty. */
+    /** Opens the file manager on the kept command's item; nothing when it is empty. */
     void mnuToolsOpenContainingFolder_Click();
     /** Starts the diff program on the focused listing's selected row and its counterpart. */
     void mnuToolsDiff_Click();
@@ -61,9 +71,15 @@ public:
     void oContextMenu_MenuItemInvoked(int itemData);
 
 private:
-    const ComparisonFileCollection &collection(int side) const;
+    const ComparisonFileCollection &Collection(int side) const;
 
     frmMain *m_window;
+    const MainMenuBar &m_menus;
+    std::array<ListView *, 2> m_lists;
+    /** The diff program in use; "" when none is chosen or it no longer exists. */
+    QString m_diffProgram;
+    /** Open Containing Folder's command for the selection of m_side ("" to do nothing). */
+    QString m_folderCommand;
     /** The listing the Tools state was last computed for (-1: none had the focus). */
     int m_side = -1;
     /** The popup of the last right-click, kept until the next one. */

@@ -12,7 +12,6 @@
 #include "engine/TypeNameCache.h"
 #include "settings/Options.h"
 #include "tools/ComparisonsCombo.h"
-#include "tools/DiffProgram.h"
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
 #include "tools/frmFilters.h"
@@ -84,13 +83,13 @@ frmMain::frmMain(QWidget *parent)
     setMinimumSize(440, 320);
     setAcceptDrops(true);
 
-    menus = std::make_unique<MainMenuBar>(menuBar());
+    m_menus = std::make_unique<MainMenuBar>(menuBar());
     auto *central = new QWidget(this);
     auto *column = new QVBoxLayout(central);
     column->setContentsMargins(6, 6, 6, 0);
     column->setSpacing(6);
-    buildCompareBar();
-    buildPanes();
+    BuildCompareBar();
+    BuildPanes();
     column->addWidget(edgeCompare);
     column->addWidget(picMain, 1);
     setCentralWidget(central);
@@ -121,7 +120,7 @@ frmMain::frmMain(QWidget *parent)
     for (QShortcut *key : {m_enter, m_keypadEnter, m_escape})
         connect(key, &QShortcut::activated, cmdCompare, &QPushButton::click);
     connect(cmdCompare, &QPushButton::clicked, this, &frmMain::cmdCompare_Click);
-    connectMenus();
+    ConnectMenus();
 
     // The placement is written once a move or resize has come to rest, not for every step.
     m_placementSaver.setSingleShot(true);
@@ -135,7 +134,7 @@ frmMain::frmMain(QWidget *parent)
 
 frmMain::~frmMain() = default;
 
-void frmMain::buildCompareBar() {
+void frmMain::BuildCompareBar() {
     edgeCompare = new QFrame(this);
     edgeCompare->setObjectName(QStringLiteral("edgeCompare"));
     // One etched line: the bar reads as a group without a heavy bevel.
@@ -185,7 +184,7 @@ void frmMain::buildCompareBar() {
     grid->setColumnStretch(1, 1);
 }
 
-void frmMain::buildPanes() {
+void frmMain::BuildPanes() {
     picMain = new QSplitter(this);
     picMain->setObjectName(QStringLiteral("picMain"));
     picMain->setHandleWidth(6);
@@ -227,8 +226,8 @@ void frmMain::buildPanes() {
     m_columnPopup = new ColumnPopup(m_linked, this);
 }
 
-void frmMain::connectMenus() {
-    MainMenuBar &m = *menus;
+void frmMain::ConnectMenus() {
+    MainMenuBar &m = *m_menus;
     for (int i = 0; i < 2; ++i)
         connect(m.mnuFileSelectPath[i], &QAction::triggered, this,
                 [this, i] { m_folders[i]->Browse(); });
@@ -246,11 +245,17 @@ void frmMain::connectMenus() {
     });
 
     m_edit = std::make_unique<EditCommands>(m, lvwFiles, this);
-    m_tools = std::make_unique<ToolsCommands>(this);
+    m_tools = std::make_unique<ToolsCommands>(this, m, lvwFiles);
 
-    for (QAction *item :
-         {m.mnuViewLink, m.mnuViewMissing, m.mnuViewFullPath, m.mnuViewAllFiles, m.mnuViewBold})
-        connect(item, &QAction::triggered, this, [this, item] { ToggleViewOption(item); });
+    using View = Options::ViewOptions;
+    for (const auto &[item, option] : {std::pair{m.mnuViewLink, &View::linkListings},
+                                       {m.mnuViewMissing, &View::useMissingPlaceholders},
+                                       {m.mnuViewFullPath, &View::fullPath},
+                                       {m.mnuViewAllFiles, &View::allFiles},
+                                       {m.mnuViewBold, &View::boldDifferences}}) {
+        connect(item, &QAction::triggered, this,
+                [this, option = option](bool on) { ToggleViewOption(option, on); });
+    }
     for (int i = 0; i < 2; ++i) {
         connect(m.mnuViewOrientation[i], &QAction::triggered, this, [this, i] {
             Options::setOrientation(i + 1);
@@ -269,12 +274,12 @@ void frmMain::connectMenus() {
     });
 
     connect(m.mnuHelpAbout, &QAction::triggered, this,
-            [this] { frmAbout::ShowAbout(this, menus->mnuViewAlwaysOnTop->isChecked()); });
+            [this] { frmAbout::ShowAbout(this, m_alwaysOnTop); });
 }
 
 void frmMain::ApplyCaseRule(CaseRule rule) {
     m_caseRule = rule;
-    menus->mnuViewCase[std::size_t(rule)]->setChecked(true);
+    m_menus->mnuViewCase[std::size_t(rule)]->setChecked(true);
 }
 
 void frmMain::InitializeDisplay() {
@@ -284,17 +289,17 @@ void frmMain::InitializeDisplay() {
     m_folders[1]->Fill(false);
     ApplyOrientation(Options::orientation());
     ApplyAlwaysOnTop(Options::alwaysOnTop());
-    menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
-    menus->mnuFileIgnoreTimeShift->setChecked(Options::ignoreTimeShift());
+    m_menus->mnuFileIncludeSlack->setChecked(Options::includeSlack());
+    m_menus->mnuFileIgnoreTimeShift->setChecked(Options::ignoreTimeShift());
     StatusBar1->setFiltered(frmFilters::StoredFilter() != nullptr);
     ApplyCaseRule(caseRuleFromWord(Options::letterCase()).value_or(CaseRule::Automatic));
-    LoadDiffProgram(menus->mnuToolsDiff);
+    m_tools->LoadDiffProgram();
     ApplyViewOptions();
     ColumnLayout::LoadLayout(lvwFiles[0], false, false);
     ColumnLayout::LoadLayout(lvwFiles[1], true, false);
-    if (menus->mnuViewLink->isChecked())
+    if (m_view.linkListings)
         ColumnLayout::MatchColumns(lvwFiles[0], lvwFiles[1]);
-    m_linked->setLinked(menus->mnuViewLink->isChecked());
+    m_linked->SetLinked(m_view.linkListings);
     cmdCompare->setText(compareButtonCaption);
     cmdCompare->setDefault(true);
     UpdateStatus(QStringLiteral("Ready"), false, -1, false);
@@ -341,7 +346,7 @@ void frmMain::UpdateStatus(const QString &statusText, bool isProgressMessage,
 
 void frmMain::ApplyOrientation(int orientation) {
     const int index = orientation == Options::HorizontalOrientation ? 0 : 1;
-    menus->mnuViewOrientation[index]->setChecked(true);
+    m_menus->mnuViewOrientation[index]->setChecked(true);
     // The sizes are handed back so that the first pane keeps its share in the new direction.
     const QList<int> sizes = picMain->sizes();
     picMain->setOrientation(index == 0 ? Qt::Vertical : Qt::Horizontal);
@@ -349,13 +354,14 @@ void frmMain::ApplyOrientation(int orientation) {
 }
 
 void frmMain::ApplyAlwaysOnTop(bool on) {
-    menus->mnuViewAlwaysOnTop->setChecked(on);
+    m_alwaysOnTop = on;
+    m_menus->mnuViewAlwaysOnTop->setChecked(on);
     SetTopmost(this, on);
 }
 
 void frmMain::ApplyViewOptions() {
-    const Options::ViewOptions view = Options::viewOptions();
-    const MainMenuBar &m = *menus;
+    const Options::ViewOptions view = m_view = Options::viewOptions();
+    const MainMenuBar &m = *m_menus;
     m.mnuViewLink->setChecked(view.linkListings);
     m.mnuViewMissing->setChecked(view.useMissingPlaceholders);
     m.mnuViewFullPath->setChecked(view.fullPath);
@@ -368,25 +374,21 @@ void frmMain::ApplyViewOptions() {
         list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
 }
 
-void frmMain::ToggleViewOption(QAction *item) {
-    // The item has already inverted its own check; all five are stored together.
-    const MainMenuBar &m = *menus;
-    Options::ViewOptions view;
-    view.linkListings = m.mnuViewLink->isChecked();
-    view.useMissingPlaceholders = m.mnuViewMissing->isChecked();
-    view.fullPath = m.mnuViewFullPath->isChecked();
-    view.allFiles = m.mnuViewAllFiles->isChecked();
-    view.boldDifferences = m.mnuViewBold->isChecked();
+void frmMain::ToggleViewOption(bool Options::ViewOptions::*option, bool on) {
+    // All five are stored together.
+    m_view.*option = on;
+    const Options::ViewOptions view = m_view;
     Options::setViewOptions(view);
 
-    if (item == m.mnuViewLink) {
+    using View = Options::ViewOptions;
+    if (option == &View::linkListings) {
         m_linked->SwitchLinking(view.linkListings);
         // Placeholder rows stand for the other side's files, so they are decided anew.
         if (view.useMissingPlaceholders)
             RefreshFileListings();
-    } else if (item == m.mnuViewMissing || item == m.mnuViewAllFiles)
+    } else if (option == &View::useMissingPlaceholders || option == &View::allFiles)
         RefreshFileListings();
-    else if (item == m.mnuViewFullPath) {
+    else if (option == &View::fullPath) {
         UpdateListView(0);
         UpdateListView(1);
     }
@@ -428,9 +430,9 @@ void frmMain::ResetOptions() {
     Options::setViewOptions(view);
     ApplyViewOptions();
     Options::setIncludeSlack(true);
-    menus->mnuFileIncludeSlack->setChecked(true);
+    m_menus->mnuFileIncludeSlack->setChecked(true);
     Options::setIgnoreTimeShift(false);
-    menus->mnuFileIgnoreTimeShift->setChecked(false);
+    m_menus->mnuFileIgnoreTimeShift->setChecked(false);
     Options::setLetterCase(caseRuleWord(CaseRule::Automatic));
     ApplyCaseRule(CaseRule::Automatic);
 
@@ -463,7 +465,7 @@ bool frmMain::IsBusy() const {
 
 void frmMain::SetCompareMode(bool comparing) {
     const bool e = !comparing;
-    MainMenuBar &m = *menus;
+    MainMenuBar &m = *m_menus;
     for (int i = 0; i < 2; ++i) {
         lblSelectPath[i]->setEnabled(e);
         cboSelectPath[i]->setEnabled(e);
@@ -476,6 +478,7 @@ void frmMain::SetCompareMode(bool comparing) {
     m.mnuFileCompare->setText(e ? MainMenuBar::compareCaption() : MainMenuBar::cancelCaption());
     m.showCompareKeyHint(e);
     m_escape->setEnabled(comparing);
+    m_cancelling = false;
     cmdCompare->setEnabled(true);
     m.mnuFileClear->setEnabled(e);
     m.mnuFileOptions->setEnabled(e);
@@ -490,11 +493,12 @@ void frmMain::SetCompareMode(bool comparing) {
 
 void frmMain::cmdCompare_Click() {
     if (IsComparing()) {
+        m_cancelling = true;
         cmdCompare->setEnabled(false);
         m_session.cancel();
         return;
     }
-    if (!cmdCompare->isEnabled())
+    if (m_cancelling)
         return;
 
     if (!FolderExists(cboSelectPath[0]->currentText())) {
@@ -542,7 +546,7 @@ void frmMain::cmdCompare_Click() {
         lblPath[1]->setText(QStringLiteral("Files from ") + colDestFiles->RootFolder());
     }
     SetCompareMode(false);
-    if (!cancelled && menus->mnuViewLink->isChecked())
+    if (!cancelled && m_view.linkListings)
         ResortLinkedLists();
     unsetCursor();
     if (m_problems)
@@ -626,10 +630,14 @@ void frmMain::ResortLinkedLists() {
 
 ResultListing::ViewState frmMain::CurrentViewState() const {
     ResultListing::ViewState view;
-    view.allFiles = menus->mnuViewAllFiles->isChecked();
-    view.missingPlaceholders = menus->mnuViewMissing->isChecked();
-    view.fullPath = menus->mnuViewFullPath->isChecked();
+    view.allFiles = m_view.allFiles;
+    view.missingPlaceholders = m_view.useMissingPlaceholders;
+    view.fullPath = m_view.fullPath;
     return view;
+}
+
+const ComparisonFileCollection *frmMain::Files(int side) const {
+    return (side == 0 ? colSourceFiles : colDestFiles).get();
 }
 
 int frmMain::ProblemCount() const {
@@ -650,7 +658,7 @@ void frmMain::ShowProblems() {
         return;
     if (!m_problems) {
         m_problems = new frmProblems(this);
-        SetTopmost(m_problems, menus->mnuViewAlwaysOnTop->isChecked());
+        SetTopmost(m_problems, m_alwaysOnTop);
         CenterOverWindow(m_problems, this);
     }
     m_problems->SetProblems(m_session.problemsOf(0), m_session.problemsOf(1));
@@ -676,7 +684,7 @@ void frmMain::RefreshFileListings() {
 }
 
 void frmMain::UpdateListView(int side) {
-    m_listing->UpdateListView(side, menus->mnuViewFullPath->isChecked());
+    m_listing->UpdateListView(side, m_view.fullPath);
 }
 
 void frmMain::closeEvent(QCloseEvent *event) {
@@ -709,7 +717,7 @@ void frmMain::resizeEvent(QResizeEvent *event) {
         m_placementSaver.start();
 }
 
-int frmMain::sideAt(const QPoint &pos) const {
+int frmMain::SideAt(const QPoint &pos) const {
     const QWidget *target = childAt(pos);
     for (const QWidget *w : {static_cast<const QWidget *>(lblSelectPath[1]),
                              static_cast<const QWidget *>(cboSelectPath[1]),
@@ -742,6 +750,6 @@ void frmMain::dropEvent(QDropEvent *event) {
         SelectFolder(0, folders[0]);
         SelectFolder(1, folders[1]);
     } else {
-        SelectFolder(sideAt(event->position().toPoint()), folders[0]);
+        SelectFolder(SideAt(event->position().toPoint()), folders[0]);
     }
 }

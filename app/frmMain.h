@@ -8,6 +8,7 @@
 #include "engine/CaseRule.h"
 #include "engine/CompareSession.h"
 #include "engine/ComparisonFile.h"
+#include "settings/Options.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -140,6 +141,18 @@ public:
     void ShowProblems();
     ///@}
 
+    /** The collection of \a side (0 source, 1 destination) of the last run, or null. */
+    const ComparisonFileCollection *Files(int side) const;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
     std::array<QLabel *, 2> lblSelectPath{};
     std::array<QComboBox *, 2> cboSelectPath{};
     QLabel *lblComparisons = nullptr;
@@ -154,7 +167,7 @@ public:
     /** The file icons shown by both lists. */
     ImageList *ImageList1 = nullptr;
     StatusLine *StatusBar1 = nullptr;
-    std::unique_ptr<MainMenuBar> menus;
+    std::unique_ptr<MainMenuBar> m_menus;
 
     /** The source side of the last run; replaced at the start of every run attempt. */
     std::shared_ptr<ComparisonFileCollection> colSourceFiles;
@@ -163,21 +176,13 @@ public:
     /** The engine of the last run; released when a run ends cancelled. */
     std::shared_ptr<Pairscope> oPairscope;
 
-protected:
-    void closeEvent(QCloseEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    void dragEnterEvent(QDragEnterEvent *event) override;
-    void dragMoveEvent(QDragMoveEvent *event) override;
-    void dropEvent(QDropEvent *event) override;
-
-private:
-    void buildCompareBar();
-    void buildPanes();
-    void connectMenus();
+    void BuildCompareBar();
+    void BuildPanes();
+    void ConnectMenus();
     void SavePosition();
-    int sideAt(const QPoint &pos) const;
-    void ToggleViewOption(QAction *item);
+    int SideAt(const QPoint &pos) const;
+    /** Stores the View options after \a option (a member of m_view) was set to \a on. */
+    void ToggleViewOption(bool Options::ViewOptions::*option, bool on);
     /** Pairs the next compare's names by \a rule and checks its View menu item. */
     void ApplyCaseRule(CaseRule rule);
     void ClearDisplay();
@@ -203,6 +208,11 @@ private:
     QShortcut *m_keypadEnter = nullptr;
     QShortcut *m_escape = nullptr;
     CaseRule m_caseRule = CaseRule::Automatic;
+    /** The five View options as their items show them. */
+    Options::ViewOptions m_view{false, false, false, false, false};
+    bool m_alwaysOnTop = false;
+    /** Set from Cancel until the cancelled run has unwound: no new run starts meanwhile. */
+    bool m_cancelling = false;
     CompareSession m_session;
     /** Set when the window was asked to close during a run: it closes once the run unwinds. */
     bool m_closeRequested = false;

@@ -91,6 +91,14 @@ if [ "$only" != large ]; then
     "read-floor-crc=read-floor crc SRC DST" \
     "ps-size-modified=$ps -c size,modified SRC DST" \
     "ps-crc=$ps -c crc SRC DST"
+  # Cold: the page cache dropped before every run, as after a reboot or for trees larger than
+  # the memory. The disk then serves what is read, and how many requests are in flight counts.
+  if [ -w /proc/sys/vm/drop_caches ]; then
+    python3 "$root/bench/timeit.py" -n "$runs" --prewarm "sync; echo 3 >/proc/sys/vm/drop_caches" \
+      --ratio ps-crc/diff-rq "$scratch/small" "diff-rq=diff -rq SRC DST" "ps-crc=$ps -c crc SRC DST"
+  else
+    echo "cold rounds skipped: dropping the page cache needs root"
+  fi
   peak_memory "$scratch/small" size,modified
   peak_memory "$scratch/small" crc
 fi

@@ -100,25 +100,8 @@ public:
     /** Same, from properties already read (\a stat must describe this record's file). */
     void UpdateDetails(const FileStat &stat);
 
-    /** The text rows are sorted by on a column of type \a SortKey (ColumnType); "" outside 1..9. */
-    QString SortString(int SortKey) const;
-    /** The display text of a column of type \a columnType; "" outside 1..9. */
-    QString ColumnString(int columnType, bool ShowFullPath) const;
-
-    /** "" for no date, else the locale's short date, a blank and its long time. */
-    static QString DateString(const FileTime &date);
     /** "RHSAL" letters of the set bits, all lower case when the compressed bit is set. */
     static QString AttributeString(int attributes);
-    /**
-     * The file type and permissions of \a mode as a listing writes them ("-rw-r--r--",
-     * "lrwxrwxrwx", "prw-------"); "" for 0, a mode never read.
-     */
-    static QString PermissionString(quint32 mode);
-    /**
-     * The Attributes column: the letters, a blank, then PermissionString() of \a mode
-     * ("R -r--r--r--"); either part alone when the other is empty.
-     */
-    static QString AttributesText(int attributes, quint32 mode);
     /** The words for a difference code; "" for codes without text or outside -1..14. */
     static QString DifferenceText(int code);
 

@@ -291,7 +291,7 @@ ComparisonFilePtr ComparisonFileCollection::AddMissingFile(const ::FileObject &f
     record->UpdateDetails(stat);
 
     const FolderNode &folder = *file.folder();
-    const bool underOtherRoot = AddBackslash(folder.rootPath()) == AddBackslash(otherRoot);
+    const bool underOtherRoot = AddTrailingSlash(folder.rootPath()) == AddTrailingSlash(otherRoot);
     if (underOtherRoot) {
         record->setLocation(placeholderFolder(folder.relativeNativePath()), file.nativeName());
     } else {

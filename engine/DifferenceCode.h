@@ -24,16 +24,3 @@ inline constexpr int SourceUnreadable = 13;
 /** The destination's checksum could not be read. */
 inline constexpr int DestinationUnreadable = 14;
 } // namespace DifferenceCode
-
-/** The column types of the listings; a list column's key is "#" followed by the type. */
-namespace ColumnType {
-inline constexpr int Name = 1;
-inline constexpr int InFolder = 2;
-inline constexpr int Size = 3;
-inline constexpr int Type = 4;
-inline constexpr int DateModified = 5;
-inline constexpr int DateCreated = 6;
-inline constexpr int DateAccessed = 7;
-inline constexpr int Attributes = 8;
-inline constexpr int Difference = 9;
-} // namespace ColumnType

@@ -52,19 +52,19 @@ bool IsValidUtf8(const QByteArray &text) {
 
 QString TranslatePath(const QString &path, const QString &fromRoot, const QString &toRoot,
                       bool lowerCase) {
-    const QString from = AddBackslash(fromRoot);
+    const QString from = AddTrailingSlash(fromRoot);
     QString result = path;
     const qsizetype at = result.indexOf(from, 0, Qt::CaseInsensitive);
     if (at >= 0)
-        result.replace(at, from.size(), AddBackslash(toRoot));
+        result.replace(at, from.size(), AddTrailingSlash(toRoot));
     return lowerCase ? result.toLower() : result;
 }
 
-QString AddBackslash(const QString &path) {
+QString AddTrailingSlash(const QString &path) {
     return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
 }
 
-QString RemoveBackslash(const QString &path) {
+QString RemoveTrailingSlash(const QString &path) {
     return path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
 }
 

@@ -14,9 +14,9 @@ QString TranslatePath(const QString &path, const QString &fromRoot, const QStrin
                       bool lowerCase);
 
 /** \a path with a "/" appended when it does not already end in one. */
-QString AddBackslash(const QString &path);
+QString AddTrailingSlash(const QString &path);
 /** \a path without one final "/". */
-QString RemoveBackslash(const QString &path);
+QString RemoveTrailingSlash(const QString &path);
 
 /** True when \a file is not null and names an existing file (checked with one statx). */
 bool IsValidFileObject(const ::FileObject &file);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -52,8 +53,8 @@ ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize,
     , m_options(options)
     , m_chunkSize(chunkSize)
     , m_callerCrc(callerCrc)
-    , m_workerCount(std::max(workers, 0)) {
-    for (int i = 0; i < m_workerCount; ++i)
+    , m_workerCount(std::clamp(workers, 0, maximumWorkers)) {
+    for (int i = 0; i < workerCount(); ++i)
         m_threads.emplace_back([this] { work(); });
 }
 
@@ -97,6 +98,14 @@ void ReadAhead::add() {
 }
 
 void ReadAhead::publish() {
+    // Without workers the caller reads alone, as it was asked to. Doubling reaches a full
+    // disk queue within a few batches.
+    if (m_diskBound.exchange(false, std::memory_order_relaxed) && workerCount() > 0) {
+        const int more = std::min(workerCount(), maximumWorkers - workerCount());
+        for (int i = 0; i < more; ++i)
+            m_threads.emplace_back([this] { work(); });
+        m_workerCount.fetch_add(more, std::memory_order_relaxed);
+    }
     qint64 added;
     bool wake;
     {
@@ -189,16 +198,28 @@ void ReadAhead::work() {
         // A share of what is waiting, so that the other workers get some too.
         const qint64 begin = m_claimed;
         const qint64 count =
-            std::clamp<qint64>((m_published - begin) / m_workerCount, 1, maximumClaim);
+            std::clamp<qint64>((m_published - begin) / workerCount(), 1, maximumClaim);
         m_claimed = begin + count;
         lock.unlock();
-        for (qint64 sequence = begin; sequence < begin + count; ++sequence) {
-            Job &job = slot(sequence);
-            process(job, crc);
-            finish(job);
-        }
+        if (runClaimed(begin, count, crc))
+            m_diskBound.store(true, std::memory_order_relaxed);
         lock.lock();
     }
+}
+
+bool ReadAhead::runClaimed(qint64 begin, qint64 count, CRC32Object &crc) {
+    // The thread's block input counts what the page cache could not serve: none on a warm
+    // cache, whatever else the machine is doing.
+    rusage before{};
+    ::getrusage(RUSAGE_THREAD, &before);
+    for (qint64 sequence = begin; sequence < begin + count; ++sequence) {
+        Job &job = slot(sequence);
+        process(job, crc);
+        finish(job);
+    }
+    rusage after{};
+    ::getrusage(RUSAGE_THREAD, &after);
+    return after.ru_inblock > before.ru_inblock;
 }
 
 void ReadAhead::finish(Job &job) {

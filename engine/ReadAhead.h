@@ -22,9 +22,17 @@
  * lock, and a worker claims several at a time, so that neither side takes a lock or wakes a
  * thread per file. While the caller waits for a job, it runs jobs that no worker has claimed
  * yet (the one it waits for, if no worker has reached it) instead of sleeping.
+ *
+ * A disk that has to fetch what is read serves many requests at once far faster than one at a
+ * time, so when the workers' jobs have to read the disk, more workers join them (up to
+ * maximumWorkers): on a cold cache, a thread a request in flight. On a warm cache they stay as
+ * many as the processors.
  */
 class ReadAhead {
 public:
+    /** The most workers there will be: enough requests in flight to keep a disk's queue full. */
+    static constexpr int maximumWorkers = 16;
+
     /**
      * A descriptor of a folder, opened once for all the jobs in it, so that a stat or open
      * resolves one name instead of a whole path. Only the caller counts its users.
@@ -90,8 +98,13 @@ public:
     Job &next();
     /** Counts the job filled in next(); it waits for publish(). */
     void add();
-    /** Hands every added job to the workers at once, waking those asleep. */
+    /**
+     * Hands every added job to the workers at once, waking those asleep; adds a worker when
+     * the workers have been waiting on the disk.
+     */
     void publish();
+    /** The workers running now. */
+    int workerCount() const { return m_workerCount.load(std::memory_order_relaxed); }
 
     /** The oldest job not yet released, or null when none is queued. */
     Job *front();
@@ -109,6 +122,8 @@ public:
 private:
     Job &slot(qint64 sequence) { return m_ring[std::size_t(sequence % qint64(m_ring.size()))]; }
     void work();
+    /** Runs the claimed jobs from \a begin on; true when some of them had to read the disk. */
+    bool runClaimed(qint64 begin, qint64 count, CRC32Object &crc);
     void process(Job &job, CRC32Object &crc);
     /** A use of the descriptor of \a folder, opened when it differs from the last one. */
     FolderFd *acquireFolder(int side, const FolderRef &folder);
@@ -120,7 +135,9 @@ private:
     PairTestOptions m_options;
     int m_chunkSize;
     CRC32Object &m_callerCrc;
-    const int m_workerCount;
+    std::atomic<int> m_workerCount;
+    /** Set by a worker whose last jobs read the disk; cleared by the caller. */
+    std::atomic<bool> m_diskBound{false};
     bool m_checksumsAlone = false;
     /** The descriptor of the last folder of each side, kept for the jobs that follow. */
     FolderFd *m_lastFolderFd[2] = {nullptr, nullptr};

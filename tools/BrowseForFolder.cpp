@@ -2,11 +2,17 @@
 
 #include "GeneralHelpers.h"
 
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -27,21 +33,32 @@ bool isInside(const QString &path, const QString &root) {
 }
 
 // The folder dialog, kept inside its root: navigating above it leads back to the root, and
-// a folder typed outside it is not accepted.
+// a folder typed outside it is not accepted. Its "Computer" place lists the file systems but
+// is no folder itself, so Choose is off there until one of them is picked.
 class FolderDialog : public QFileDialog {
 public:
     FolderDialog(QWidget *owner, const QString &root)
         : QFileDialog(owner)
         , m_root(root) {
-        if (m_root.isEmpty())
-            return;
+        setOption(QFileDialog::DontUseNativeDialog);
+        setFileMode(QFileDialog::Directory);
         connect(this, &QFileDialog::directoryEntered, this, [this](const QString &folder) {
-            if (!isInside(folder, m_root))
+            if (!m_root.isEmpty() && !isInside(folder, m_root))
                 setDirectory(m_root);
+            updateChoose();
         });
+        if (auto *buttons = findChild<QDialogButtonBox *>())
+            m_choose = buttons->button(QDialogButtonBox::Open);
+        // The dialog enables its button whenever the typed text changes: undo that here.
+        if (m_choose)
+            m_choose->installEventFilter(this);
+        if (auto *typed = findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+            connect(typed, &QLineEdit::textChanged, this, &FolderDialog::updateChoose);
     }
 
     void accept() override {
+        if (!canChoose())
+            return;
         const QStringList chosen = selectedFiles();
         if (!m_root.isEmpty() && (chosen.isEmpty() || !isInside(chosen.first(), m_root))) {
             setDirectory(m_root);
@@ -51,8 +68,27 @@ public:
         QFileDialog::accept();
     }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (watched == m_choose && event->type() == QEvent::EnabledChange)
+            updateChoose();
+        return QFileDialog::eventFilter(watched, event);
+    }
+
 private:
+    bool canChoose() const {
+        const auto *files = findChild<QFileSystemModel *>();
+        const auto *typed = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        return !files || !files->rootPath().isEmpty() || (typed && !typed->text().isEmpty());
+    }
+
+    void updateChoose() {
+        if (m_choose && m_choose->isEnabled() && !canChoose())
+            m_choose->setEnabled(false);
+    }
+
     QString m_root;
+    QPointer<QPushButton> m_choose;
 };
 
 // The widget dialog has no place for an instruction: move its rows down by one and put the
@@ -86,9 +122,7 @@ void addPrompt(QFileDialog &dialog, const QString &prompt) {
 bool BrowseForFolder::Browse() {
     m_cancelled = true;
     const QString root = existingFolder(RootFolder);
-    FolderDialog dialog(hWndOwner, root);
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setFileMode(QFileDialog::Directory);
+    FolderDialog dialog(Owner, root);
     dialog.setOption(QFileDialog::ShowDirsOnly, (Flags & IncludeFiles) == 0);
     dialog.setOption(QFileDialog::ReadOnly,
                      (Flags & NewDialogStyle) == 0 || (Flags & NoNewFolderButton) != 0);
@@ -107,9 +141,9 @@ bool BrowseForFolder::Browse() {
         dialog.setDirectory(preselected);
 
     ApplyMessageFont(&dialog);
-    if (hWndOwner) {
-        CenterOverWindow(&dialog, hWndOwner);
-        SetTopmost(&dialog, IsTopmost(hWndOwner));
+    if (Owner) {
+        CenterOverWindow(&dialog, Owner);
+        SetTopmost(&dialog, IsTopmost(Owner));
     }
     if (dialog.exec() != QDialog::Accepted)
         return false;

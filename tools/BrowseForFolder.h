@@ -44,7 +44,7 @@ public:
     int Flags =
         ReturnOnlyFileSystemFolders | ReturnFileSystemAncestors | NewDialogStyle | UsageHint;
     /** The window the browser is shown over. */
-    QWidget *hWndOwner = nullptr;
+    QWidget *Owner = nullptr;
     /** Text of the OK button when not empty. */
     QString OKText;
     /** When not empty, the browser shows nothing above this folder. */

@@ -1,6 +1,7 @@
 #include "ComparisonsCombo.h"
 
 #include "GeneralHelpers.h"
+#include "PopupKeys.h"
 #include "frmComparisons.h"
 
 #include "engine/ComparisonSet.h"
@@ -20,6 +21,7 @@ ComparisonsCombo::ComparisonsCombo(QComboBox *combo)
     : QObject(combo)
     , cboComparisons(combo) {
     cboComparisons->setEditable(false);
+    KeepKeysInPopup(cboComparisons);
     connect(cboComparisons, &QComboBox::currentIndexChanged, this,
             &ComparisonsCombo::cboComparisons_CurrentIndexChanged);
 }

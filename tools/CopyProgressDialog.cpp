@@ -166,7 +166,7 @@ bool CopyProgressDialog::progress(const CopyProgress &progress) {
     // Painting every chunk would cost more than copying it: at most every 30 ms, and always
     // when a new file starts.
     if (progress.current != m_shownItem || m_sincePaint.hasExpired(30)) {
-        showProgress(progress);
+        ShowProgress(progress);
         m_sincePaint.restart();
     }
     if (m_sinceEvents.hasExpired(10)) {
@@ -176,7 +176,7 @@ bool CopyProgressDialog::progress(const CopyProgress &progress) {
     return !wasCanceled();
 }
 
-void CopyProgressDialog::showProgress(const CopyProgress &progress) {
+void CopyProgressDialog::ShowProgress(const CopyProgress &progress) {
     const QLocale locale;
     m_shownItem = progress.current;
     int value = 1000;

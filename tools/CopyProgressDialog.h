@@ -39,7 +39,7 @@ public:
     bool progress(const CopyProgress &progress) override;
 
 private:
-    void showProgress(const CopyProgress &progress);
+    void ShowProgress(const CopyProgress &progress);
     ReplaceAnswer ask(QMessageBox::Icon icon, const QString &text,
                       QMessageBox::StandardButtons buttons,
                       QMessageBox::StandardButton defaultButton);

@@ -6,7 +6,6 @@
 #include "tools/frmSelectDiff.h"
 #include "views/ListView.h"
 
-#include <QAction>
 #include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -54,23 +53,21 @@ QString DiffProgramProblem(const QString &program) {
     return QStringLiteral("“%1” is not marked as executable.").arg(program);
 }
 
-void LoadDiffProgram(QAction *mnuToolsDiff) {
-    if (!mnuToolsDiff)
-        return;
+QString LoadDiffProgram() {
     const QString path = Options::diffEXE();
-    mnuToolsDiff->setData(IsDiffProgram(path) ? path : QString());
+    return IsDiffProgram(path) ? path : QString();
 }
 
-void SelectDiffProgram(QWidget *owner, QAction *mnuToolsDiff) {
+QString SelectDiffProgram(QWidget *owner, const QString &program) {
     frmSelectDiff form(owner);
     form.ShowFound(FindDiffPrograms());
     // The dialog shows the program in use, not the saved text: a saved name that no longer
     // exists opens as an empty box.
-    form.txtDiff->setText(mnuToolsDiff ? mnuToolsDiff->data().toString() : QString());
+    form.txtDiff->setText(program);
     if (!form.ShowOver(owner))
-        return;
+        return program;
     Options::setDiffEXE(form.txtDiff->text());
-    LoadDiffProgram(mnuToolsDiff);
+    return LoadDiffProgram();
 }
 
 DiffPair DiffPaths(const ComparisonFile &file, int side, const ComparisonFileCollection &source,

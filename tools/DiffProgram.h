@@ -6,7 +6,6 @@
 class ComparisonFile;
 class ComparisonFileCollection;
 class ListView;
-class QAction;
 class QWidget;
 
 /**
@@ -27,17 +26,17 @@ bool IsDiffProgram(const QString &program);
 QString DiffProgramProblem(const QString &program);
 
 /**
- * Reads "DiffEXE" into the Tag (the data) of \a mnuToolsDiff as a QString: the text as saved
- * when it names a program, else "" (which leaves Examine Differences disabled).
+ * The diff program in use, read from "DiffEXE": the text as saved when it names a program,
+ * else "" (which leaves Examine Differences disabled).
  */
-void LoadDiffProgram(QAction *mnuToolsDiff);
+QString LoadDiffProgram();
 
 /**
- * Runs the diff program dialog over \a owner, starting from the Tag of \a mnuToolsDiff and
- * offering the diff programs found on this computer; on OK stores the text as typed and
- * reloads the Tag.
+ * Runs the diff program dialog over \a owner, starting from \a program (the one in use) and
+ * offering the diff programs found on this computer; on OK stores the text as typed. Returns
+ * the program in use afterwards: LoadDiffProgram() after OK, \a program after Cancel.
  */
-void SelectDiffProgram(QWidget *owner, QAction *mnuToolsDiff);
+QString SelectDiffProgram(QWidget *owner, const QString &program);
 
 /** The two files handed to the diff program, as real paths. */
 struct DiffPair {

@@ -3,6 +3,7 @@
 #include "BrowseForFolder.h"
 #include "GeneralHelpers.h"
 #include "PathDropFilter.h"
+#include "PopupKeys.h"
 #include "frmEnterFolder.h"
 
 #include <QComboBox>
@@ -24,6 +25,7 @@ FolderCombo::FolderCombo(QComboBox *combo, RecentLists::Side side)
     cboSelectPath->setEditable(true);
     // A typed path is used as it stands; it joins the list only once it is chosen.
     cboSelectPath->setInsertPolicy(QComboBox::NoInsert);
+    KeepKeysInPopup(cboSelectPath);
     connect(cboSelectPath, &QComboBox::currentIndexChanged, this,
             &FolderCombo::cboSelectPath_CurrentIndexChanged);
     connect(cboSelectPath->lineEdit(), &QLineEdit::textEdited, this,
@@ -81,7 +83,7 @@ bool FolderCombo::Browse() {
     BrowseForFolder browser;
     browser.DialogTitle = DialogTitle();
     browser.Prompt = Prompt();
-    browser.hWndOwner = cboSelectPath->window();
+    browser.Owner = cboSelectPath->window();
     browser.SelectedFolder = m_path;
     return browser.Browse() && SetPath(browser.SelectedFolder);
 }

@@ -70,7 +70,7 @@ ShowListingPopup(ListView *listing, int side, bool diffProgramSet, QMenu *mnuBad
     AddListingItems(*menu, side, diffProgramSet);
     for (const QByteArray &file : selection.files)
         menu->AddFile(file);
-    menu->setUseShellDefault(true);
+    menu->SetUseShellDefault(true);
     if (onItem)
         QObject::connect(menu.get(), &ShellContextMenu::MenuItemInvoked, menu.get(), onItem);
     menu->PopupMenu(listing, globalPosition.x(), globalPosition.y());

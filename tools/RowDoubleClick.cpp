@@ -5,13 +5,12 @@
 #include "tools/DiffProgram.h"
 #include "views/ListView.h"
 
-#include <QAction>
 #include <QMessageBox>
 
-void RowDoubleClick(QWidget *owner, QAction *mnuToolsDiff, const ListView *listing, int side,
+void RowDoubleClick(QWidget *owner, QString &diffProgram, const ListView *listing, int side,
                     const ComparisonFileCollection &source,
                     const ComparisonFileCollection &destination) {
-    if (!mnuToolsDiff || !listing || (side != 0 && side != 1))
+    if (!listing || (side != 0 && side != 1))
         return;
     const ComparisonFileCollection &own = side == 0 ? source : destination;
     const ComparisonFilePtr file = listing->selectedRecord();
@@ -22,10 +21,9 @@ void RowDoubleClick(QWidget *owner, QAction *mnuToolsDiff, const ListView *listi
     const bool here = file->HasFileObject();
     const bool there = counterpart && counterpart->HasFileObject();
     if (here && there) {
-        if (mnuToolsDiff->data().toString().isEmpty())
-            SelectDiffProgram(owner, mnuToolsDiff);
-        ExamineDifferences(owner, mnuToolsDiff->data().toString(), listing, side, source,
-                           destination);
+        if (diffProgram.isEmpty())
+            diffProgram = SelectDiffProgram(owner, diffProgram);
+        ExamineDifferences(owner, diffProgram, listing, side, source, destination);
         return;
     }
     if (!here && !there)

@@ -57,7 +57,7 @@ QMenu *ShellContextMenu::BuildMenu(QWidget *owner) {
     }
     if (!m_items.isEmpty() && !(m_items.last().type & MFT_SEPARATOR))
         menu->addSeparator();
-    addDesktopActions(menu, owner);
+    AddDesktopActions(menu, owner);
     // The desktop's default (Open) is bold only when the caller allows it and has no default
     // of its own.
     if (ownDefault)
@@ -67,7 +67,7 @@ QMenu *ShellContextMenu::BuildMenu(QWidget *owner) {
     return menu;
 }
 
-void ShellContextMenu::addDesktopActions(QMenu *menu, QWidget *owner) {
+void ShellContextMenu::AddDesktopActions(QMenu *menu, QWidget *owner) {
     const QList<QByteArray> files = m_files;
     QPointer<QWidget> parent = owner;
 

@@ -31,7 +31,7 @@ public:
 
     /** Whether the desktop's default action (Open) may be shown as the menu's default. */
     bool UseShellDefault() const { return m_useShellDefault; }
-    void setUseShellDefault(bool on) { m_useShellDefault = on; }
+    void SetUseShellDefault(bool on) { m_useShellDefault = on; }
 
     /** Adds a file (native path) to act on; a path added before is ignored. */
     void AddFile(const QByteArray &FileOrFolder);
@@ -70,7 +70,7 @@ private:
         int state = MFS_ENABLED;
         int data = 0;
     };
-    void addDesktopActions(QMenu *menu, QWidget *owner);
+    void AddDesktopActions(QMenu *menu, QWidget *owner);
 
     QList<QByteArray> m_files;
     QList<Item> m_items;

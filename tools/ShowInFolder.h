@@ -22,7 +22,7 @@ using FolderOpener = std::function<void(const QUrl &folder)>;
 QString FileUri(const QByteArray &nativePath);
 
 /**
- * The command for the Tools menu item's Tag: the file URI of \a nativePath when something
+ * The command Open Containing Folder carries out: the file URI of \a nativePath when something
  * exists there (a file, link or folder), else "" (the command then does nothing).
  */
 QString Command(const QByteArray &nativePath);

@@ -6,7 +6,6 @@
 #include "tools/CopyProgressDialog.h"
 #include "tools/SafeFileCopy.h"
 #include "tools/frmSynchronizer.h"
-#include "views/AddToListview.h"
 #include "views/FileIconCache.h"
 #include "views/ImageList.h"
 #include "views/ListView.h"
@@ -82,12 +81,12 @@ void ShowSynchronizer(QWidget *owner, SyncDirection direction, ListView *fromLis
         } else {
             action = QStringLiteral("Not copied: ") + look.errorString();
         }
-        QTreeWidgetItem *row = form->AddRow(file->Name(), RemoveBackslash(file->ParentFolder()),
+        QTreeWidgetItem *row = form->AddRow(file->Name(), RemoveTrailingSlash(file->ParentFolder()),
                                             copyItem, SyncOperationCode);
         row->setText(frmSynchronizer::ActionColumn, action);
         row->setText(frmSynchronizer::DestinationColumn, DisplayFromNative(copyItem.target));
         // The listings' icon rule: one image per type, one per "exe" or "ico" file.
-        const QString key = RecordIconKey(*file);
+        const QString key = FileIconCache::RecordIconKey(*file);
         FileIconCache::AddFileIcon(form->ImageList1, file->NativePath(), key);
         row->setIcon(frmSynchronizer::NameColumn,
                      form->ImageList1->Icon(

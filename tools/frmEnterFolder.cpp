@@ -57,7 +57,7 @@ void frmEnterFolder::SetFolder(const QString &folder, const QStringList &recent)
 
 void frmEnterFolder::Browse() {
     BrowseForFolder browser;
-    browser.hWndOwner = this;
+    browser.Owner = this;
     browser.DialogTitle = BrowseTitle;
     browser.Prompt = BrowsePrompt;
     browser.SelectedFolder = Folder();

@@ -12,10 +12,3 @@ class ListView;
  * loaded first. Returns the zero-based row.
  */
 int AddToListview(const ComparisonFilePtr &record, ListView *list, ImageList *images);
-
-/**
- * The icon key of \a record's file (see IconKey): taken from the record's details where
- * they answer it, so that listing a row costs no look-up on disk; a placeholder (its file
- * does not exist on this side) gets its type name as it stands.
- */
-QString RecordIconKey(const ComparisonFile &record);

@@ -13,7 +13,7 @@ ColumnPopup::ColumnPopup(LinkedListings *listings, QWidget *parent)
     , m_listings(listings)
     , m_menu(new QMenu(parent)) {
     const auto apply = [this] {
-        changeLists([this](int side) { ApplyColumnMenu(m_listings->list(side)); });
+        ChangeLists([this](int side) { ApplyColumnMenu(m_listings->list(side)); });
     };
     for (int type = 1; type <= ColumnTypeCount; ++type) {
         QAction *action = m_menu->addAction(ColumnCaption(type));
@@ -29,15 +29,15 @@ ColumnPopup::ColumnPopup(LinkedListings *listings, QWidget *parent)
     m_menu->addSeparator();
     m_resetLayout = m_menu->addAction(tr("&Reset Layout"));
     connect(m_showAll, &QAction::triggered, this, [this, apply] {
-        setOptionalChecks(true);
+        SetOptionalChecks(true);
         apply();
     });
     connect(m_hideAll, &QAction::triggered, this, [this, apply] {
-        setOptionalChecks(false);
+        SetOptionalChecks(false);
         apply();
     });
     connect(m_resetLayout, &QAction::triggered, this, [this] {
-        changeLists([this](int side) {
+        ChangeLists([this](int side) {
             ColumnLayout::LoadLayout(m_listings->list(side), side == 1, true);
         });
     });
@@ -49,18 +49,18 @@ ColumnPopup::ColumnPopup(LinkedListings *listings, QWidget *parent)
     }
 }
 
-QAction *ColumnPopup::columnAction(int type) const {
+QAction *ColumnPopup::ColumnAction(int type) const {
     return type >= 1 && type <= ColumnTypeCount ? m_columns[size_t(type - 1)] : nullptr;
 }
 
 void ColumnPopup::SyncColumnMenu(const ListView *list) {
     for (int type = 1; type <= ColumnTypeCount; ++type)
-        columnAction(type)->setChecked(!list->isColumnHidden(FileListModel::columnOf(type)));
+        ColumnAction(type)->setChecked(!list->isColumnHidden(FileListModel::columnOf(type)));
 }
 
 void ColumnPopup::ApplyColumnMenu(ListView *list) {
     for (int type = 1; type <= ColumnTypeCount; ++type) {
-        if (columnAction(type)->isChecked())
+        if (ColumnAction(type)->isChecked())
             ColumnLayout::ShowColumn(list, type, ColumnLayout::DefaultWidth(list, type));
         else
             list->setColumnHidden(FileListModel::columnOf(type), true);
@@ -73,13 +73,13 @@ void ColumnPopup::Open(ListView *list, const QPoint &position) {
     m_menu->popup(position);
 }
 
-void ColumnPopup::setOptionalChecks(bool checked) {
+void ColumnPopup::SetOptionalChecks(bool checked) {
     // Item 1, "Name", is never touched.
     for (int type = 2; type <= ColumnTypeCount; ++type)
-        columnAction(type)->setChecked(checked);
+        ColumnAction(type)->setChecked(checked);
 }
 
-void ColumnPopup::changeLists(const std::function<void(int side)> &change) {
+void ColumnPopup::ChangeLists(const std::function<void(int side)> &change) {
     // Linked lists change together; otherwise only the list the menu was opened on.
     for (int side = 0; side < 2; ++side) {
         if (m_listings->isLinked() || m_tag == m_listings->list(side))

@@ -29,7 +29,7 @@ public:
     /** The menu (mnuColumnPopup). */
     QMenu *menu() const { return m_menu; }
     /** The check item of column type \a type (1..9); null outside. */
-    QAction *columnAction(int type) const;
+    QAction *ColumnAction(int type) const;
     QAction *showAllAction() const { return m_showAll; }
     QAction *hideAllAction() const { return m_hideAll; }
     QAction *resetLayoutAction() const { return m_resetLayout; }
@@ -42,8 +42,8 @@ public:
     void Open(ListView *list, const QPoint &position);
 
 private:
-    void changeLists(const std::function<void(int side)> &change);
-    void setOptionalChecks(bool checked);
+    void ChangeLists(const std::function<void(int side)> &change);
+    void SetOptionalChecks(bool checked);
 
     LinkedListings *m_listings;
     QMenu *m_menu;

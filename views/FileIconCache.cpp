@@ -1,6 +1,6 @@
 #include "views/FileIconCache.h"
 
-#include "engine/IconKey.h"
+#include "engine/FileObject.h"
 #include "engine/PathHelpers.h"
 #include "views/ImageList.h"
 
@@ -8,6 +8,7 @@
 #include <QMimeDatabase>
 #include <QPixmap>
 
+#include <functional>
 #include <sys/stat.h>
 
 namespace FileIconCache {
@@ -46,7 +47,38 @@ QIcon typeIcon(const QString &fileName, mode_t mode) {
     return icon;
 }
 
+/**
+ * The key of an existing file that is not a folder: files that carry their own icon ("exe",
+ * "ico") are keyed by their lower-cased path, all others by their lower-cased type name.
+ */
+QString fileKey(const QString &path, const QString &name, const std::function<QString()> &type) {
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    const QStringView extension = dot < 0 ? QStringView() : QStringView(name).mid(dot + 1);
+    if (extension.compare(QLatin1String("exe"), Qt::CaseInsensitive) == 0 ||
+        extension.compare(QLatin1String("ico"), Qt::CaseInsensitive) == 0)
+        return path.toLower();
+    return type().toLower();
+}
+
 } // namespace
+
+QString IconKey(const QByteArray &nativePath, const QString &fallback) {
+    // A link to a folder is a link here, never a folder: the walk lists it as a file.
+    const FileStat stat = FileStat::read(nativePath);
+    if (!stat.isValid())
+        return fallback;
+    if ((stat.mode & S_IFMT) == S_IFDIR)
+        return QStringLiteral(":");
+    const QString path = DisplayFromNative(nativePath);
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    return fileKey(path, name, [&] { return FileObject::typeName(name, stat.mode); });
+}
+
+QString RecordIconKey(const ComparisonFile &record) {
+    if (!record.HasFileObject() || record.Kind() == FileKind::Missing)
+        return record.TypeString();
+    return fileKey(record.Path(), record.Name(), [&record] { return record.TypeString(); });
+}
 
 QIcon GetFileIconPicture(const QByteArray &nativePath) {
     struct stat info {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/ComparisonFile.h"
+
 #include <QByteArray>
 #include <QIcon>
 #include <QString>
@@ -12,6 +14,21 @@ class ImageList;
  * the "exe" and "ico" files that carry their own; ":" for a folder).
  */
 namespace FileIconCache {
+
+/**
+ * The key under which a file's icon is cached: ":" for an existing folder; for an existing
+ * file the lower-cased type name, so that all files of one type share one icon, except "exe"
+ * and "ico" files, which are keyed by their full lower-cased path; \a fallback when the path
+ * does not exist. Symbolic links are judged as themselves, not by their target.
+ */
+QString IconKey(const QByteArray &nativePath, const QString &fallback);
+
+/**
+ * The icon key of \a record's file (see IconKey()): taken from the record's details where
+ * they answer it, so that listing a row costs no look-up on disk; a placeholder (its file does
+ * not exist on this side) gets its type name as it stands.
+ */
+QString RecordIconKey(const ComparisonFile &record);
 
 /**
  * Makes sure \a images holds the icon of the file at \a nativePath: computes its key and,

@@ -3,6 +3,7 @@
 #include "engine/DifferenceCode.h"
 #include "views/ImageList.h"
 #include "views/ListColumns.h"
+#include "views/RecordText.h"
 #include "views/TextCollation.h"
 
 #include <algorithm>
@@ -31,7 +32,8 @@ int FileListModel::columnCount(const QModelIndex &parent) const {
 
 QString FileListModel::text(int row, int type) const {
     const ComparisonFile &file = *record(row);
-    return type == ColumnType::Name ? file.Name() : file.ColumnString(type, m_fullPath);
+    return type == ColumnType::Name ? file.Name()
+                                    : RecordText::ColumnString(file, type, m_fullPath);
 }
 
 QVariant FileListModel::data(const QModelIndex &index, int role) const {

@@ -70,41 +70,41 @@ LinkedListings::LinkedListings(ListView *source, ListView *destination, Collecti
     }
 }
 
-void LinkedListings::setLinked(bool linked) {
+void LinkedListings::SetLinked(bool linked) {
     m_linked = linked;
     if (linked)
         m_scrollTimer.start();
 }
 
-const ComparisonFileCollection *LinkedListings::collection(int side) const {
+const ComparisonFileCollection *LinkedListings::Collection(int side) const {
     return m_collections ? m_collections(side) : nullptr;
 }
 
 void LinkedListings::SwitchLinking(bool linked) {
-    setLinked(linked);
+    SetLinked(linked);
     if (!linked)
         return;
     ListView *source = m_lists[0];
     ColumnLayout::MatchColumns(source, m_lists[1]);
     MirrorSelection(0);
     const bool ascending = source->sortOrder() == Qt::AscendingOrder;
-    if (!SortListView(m_lists[1], collection(1), source->shownType(source->sortKey()), ascending))
+    if (!SortListView(m_lists[1], Collection(1), source->shownType(source->sortKey()), ascending))
         ColumnClick(0, source->shownType(1));
 }
 
 void LinkedListings::ColumnClick(int side, int type) {
     const ListView *list = m_lists[size_t(side)];
     const bool ascending = type != list->sortType() || list->sortOrder() == Qt::DescendingOrder;
-    SortListView(m_lists[size_t(side)], collection(0), type, ascending);
+    SortListView(m_lists[size_t(side)], Collection(0), type, ascending);
     if (m_linked)
-        SortListView(m_lists[size_t(1 - side)], collection(1), type, ascending);
+        SortListView(m_lists[size_t(1 - side)], Collection(1), type, ascending);
 }
 
-const std::vector<int> &LinkedListings::counterparts(int fromSide) {
+const std::vector<int> &LinkedListings::Counterparts(int fromSide) {
     const FileListModel *from = m_lists[size_t(fromSide)]->files();
     const FileListModel *to = m_lists[size_t(1 - fromSide)]->files();
-    const ComparisonFileCollection *fromFiles = collection(fromSide);
-    const ComparisonFileCollection *toFiles = collection(1 - fromSide);
+    const ComparisonFileCollection *fromFiles = Collection(fromSide);
+    const ComparisonFileCollection *toFiles = Collection(1 - fromSide);
     CounterpartCache &cache = m_counterparts[size_t(fromSide)];
     // A pairing holds until rows come, go or move in either list, or either collection changes.
     const quint64 generations[2] = {fromFiles ? fromFiles->generation() : 0,
@@ -132,7 +132,7 @@ void LinkedListings::MirrorSelection(int modelSide) {
     const int followerSide = 1 - modelSide;
     m_mirroring = true;
     const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
-    const std::vector<int> &counterpart = counterparts(followerSide);
+    const std::vector<int> &counterpart = Counterparts(followerSide);
     std::vector<bool> wanted(counterpart.size(), false);
     for (size_t i = 0; i < counterpart.size(); ++i) {
         const int row = counterpart[i];

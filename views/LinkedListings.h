@@ -35,7 +35,7 @@ public:
      * Sets the link state without the switching procedure (at start-up, after the window has
      * matched the columns); starts the scroll follower when on.
      */
-    void setLinked(bool linked);
+    void SetLinked(bool linked);
 
     /**
      * The switching procedure, after the option has been stored. Switching on copies the
@@ -81,8 +81,8 @@ public:
     QTimer &scrollTimer() { return m_scrollTimer; }
 
 private:
-    const ComparisonFileCollection *collection(int side) const;
-    const std::vector<int> &counterparts(int fromSide);
+    const ComparisonFileCollection *Collection(int side) const;
+    const std::vector<int> &Counterparts(int fromSide);
 
     std::array<ListView *, 2> m_lists;
     Collections m_collections;

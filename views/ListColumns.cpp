@@ -1,7 +1,5 @@
 #include "views/ListColumns.h"
 
-#include "engine/DifferenceCode.h"
-
 #include <array>
 
 namespace {

@@ -18,5 +18,18 @@ int DefaultColumnPosition(int type);
 /** Sizes are right-aligned, everything else left-aligned. */
 Qt::Alignment ColumnAlignment(int type);
 
+/** The column types of the listings; a list column's key is "#" followed by the type. */
+namespace ColumnType {
+inline constexpr int Name = 1;
+inline constexpr int InFolder = 2;
+inline constexpr int Size = 3;
+inline constexpr int Type = 4;
+inline constexpr int DateModified = 5;
+inline constexpr int DateCreated = 6;
+inline constexpr int DateAccessed = 7;
+inline constexpr int Attributes = 8;
+inline constexpr int Difference = 9;
+} // namespace ColumnType
+
 /** The number of column types. */
 inline constexpr int ColumnTypeCount = 9;

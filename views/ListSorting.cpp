@@ -4,6 +4,7 @@
 #include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
+#include "views/RecordText.h"
 
 #include <QHeaderView>
 
@@ -27,7 +28,7 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection, in
             record = files->record(row)->RootPath() == root
                          ? files->record(row)
                          : collection->Item(files->record(row)->Key());
-        keys[size_t(row)] = record ? record->SortString(type) : files->text(row, type);
+        keys[size_t(row)] = record ? RecordText::SortString(*record, type) : files->text(row, type);
     }
     files->sortByKeys(keys, order);
     return true;

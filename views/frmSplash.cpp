@@ -37,7 +37,7 @@ frmSplash::frmSplash(QWidget *parent)
         move(area.left() + (area.width() - width()) / 2,
              area.top() + (area.height() - height()) / 2);
     }
-    applyAlpha();
+    ApplyAlpha();
 }
 
 void frmSplash::FadeIn() {
@@ -55,7 +55,7 @@ void frmSplash::tmrIn_Timer() {
         m_alpha = 255;
         tmrIn->stop();
     }
-    applyAlpha();
+    ApplyAlpha();
 }
 
 void frmSplash::tmrOut_Timer() {
@@ -68,7 +68,7 @@ void frmSplash::tmrOut_Timer() {
         return;
     }
     m_alpha -= 32;
-    applyAlpha();
+    ApplyAlpha();
 }
 
 void frmSplash::paintEvent(QPaintEvent *) {
@@ -78,7 +78,7 @@ void frmSplash::paintEvent(QPaintEvent *) {
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
-void frmSplash::applyAlpha() {
+void frmSplash::ApplyAlpha() {
     setWindowOpacity(m_alpha / 255.0);
     Q_EMIT AlphaChanged(m_alpha);
 }

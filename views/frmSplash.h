@@ -53,7 +53,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void applyAlpha();
+    void ApplyAlpha();
 
     quint8 m_alpha = 0;
 };

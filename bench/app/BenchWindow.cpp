@@ -22,19 +22,24 @@ BenchWindow::BenchWindow(const Setup &setup, const QString &source, const QStrin
     m_window->resize(setup.size);
     m_window->show();
     m_window->activateWindow();
-    const int entry = m_window->cboComparisons->findData(setup.comparisons);
+    auto *comparisons = m_window->findChild<QComboBox *>(QStringLiteral("cboComparisons"));
+    const int entry = comparisons->findData(setup.comparisons);
     m_ready = entry >= 0;
     if (m_ready)
-        m_window->cboComparisons->setCurrentIndex(entry);
-    m_window->cboSelectPath[0]->setEditText(source);
-    m_window->cboSelectPath[1]->setEditText(destination);
+        comparisons->setCurrentIndex(entry);
+    m_window->findChild<QComboBox *>(QStringLiteral("cboSelectPath0"))->setEditText(source);
+    m_window->findChild<QComboBox *>(QStringLiteral("cboSelectPath1"))->setEditText(destination);
     settle(*m_window);
 }
 
 BenchWindow::~BenchWindow() = default;
 
 ListView *BenchWindow::list(int side) const {
-    return m_window->lvwFiles[size_t(side)];
+    return m_window->findChild<ListView *>(QStringLiteral("lvwFiles%1").arg(side));
+}
+
+QPushButton *BenchWindow::compareButton(const frmMain &window) {
+    return window.findChild<QPushButton *>(QStringLiteral("cmdCompare"));
 }
 
 qint64 BenchWindow::now() {
@@ -49,7 +54,7 @@ qint64 BenchWindow::now() {
 double BenchWindow::compare() {
     const qint64 start = now();
     // A real click: press and release on the button, as the mouse gives them.
-    QTest::mouseClick(m_window->cmdCompare, Qt::LeftButton);
+    QTest::mouseClick(compareButton(*m_window), Qt::LeftButton);
     return double(now() - start) / 1e9;
 }
 
@@ -58,7 +63,7 @@ double BenchWindow::settle(frmMain &window) {
     // Rows added by the command wait for the model's next batch; they are handed to the view
     // here so that the paint below shows them.
     QApplication::processEvents();
-    for (ListView *list : window.lvwFiles)
+    for (ListView *list : window.findChildren<ListView *>())
         list->files()->flush();
     QApplication::processEvents();
     window.repaint();
@@ -84,5 +89,5 @@ void BenchWindow::clickHeader(int side, int type) {
 }
 
 QString BenchWindow::statusText() const {
-    return m_window->StatusBar1->shownText().mid(2);
+    return m_window->findChild<StatusLine *>(QStringLiteral("StatusBar1"))->shownText().mid(2);
 }

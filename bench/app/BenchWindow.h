@@ -9,6 +9,7 @@
 
 class frmMain;
 class ListView;
+class QPushButton;
 
 /**
  * The real main window as a user meets it, with View options and a comparison set of the
@@ -52,6 +53,8 @@ public:
         command();
         return double(now() - start) / 1e9 + settle(*m_window);
     }
+    /** The window's Compare button. */
+    static QPushButton *compareButton(const frmMain &window);
     /** The monotonic clock all readings use, in ns. */
     static qint64 now();
 

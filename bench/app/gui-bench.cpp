@@ -29,7 +29,6 @@
 
 #include "app/StatusText.h"
 #include "app/frmMain.h"
-#include "engine/DifferenceCode.h"
 #include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
@@ -160,7 +159,7 @@ int compareMode(const Arguments &arguments) {
     if (!bench.isReady())
         return usage();
     LivenessProbe probe(statusTextOf(bench.window()));
-    for (ListView *list : bench.window().lvwFiles)
+    for (ListView *list : {bench.list(0), bench.list(1)})
         probe.watchPaints(list->viewport());
     const double threadBefore = cpuSeconds(RUSAGE_THREAD);
     const double processBefore = cpuSeconds(RUSAGE_SELF);
@@ -202,7 +201,9 @@ int listingsMode(Arguments arguments) {
                     bench.list(0)->sortType() == type && bench.list(1)->sortType() == type);
     }
 
-    QAction *allFiles = bench.window().menus->mnuViewAllFiles;
+    QAction *allFiles = nullptr;
+    for (QAction *item : bench.window().findChildren<QAction *>())
+        allFiles = item->text() == QLatin1String("Show A&ll Files") ? item : allFiles;
     std::vector<double> off;
     std::vector<double> on;
     int rowsOff = 0;
@@ -236,14 +237,14 @@ int cancelMode(Arguments arguments) {
             std::this_thread::sleep_for(std::chrono::milliseconds(after));
             posted = BenchWindow::now();
             QMetaObject::invokeMethod(
-                window.cmdCompare,
+                BenchWindow::compareButton(window),
                 [&] {
                     taken = BenchWindow::now();
                     phase = bench.statusText();
                     if (arguments.key)
                         QTest::keyClick(&window, Qt::Key_Escape);
                     else
-                        QTest::mouseClick(window.cmdCompare, Qt::LeftButton);
+                        QTest::mouseClick(BenchWindow::compareButton(window), Qt::LeftButton);
                 },
                 Qt::QueuedConnection);
         });

@@ -16,7 +16,6 @@
 // row re-listed, as a change of the View options does). Not a test: figures depend on the
 // machine and on what else it does.
 #include "engine/ComparisonFileCollection.h"
-#include "engine/DifferenceCode.h"
 #include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
@@ -24,6 +23,7 @@
 #include "views/LinkedListings.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
+#include "views/RecordText.h"
 
 #include <QApplication>
 #include <QDir>
@@ -154,7 +154,7 @@ int main(int argc, char **argv) {
     LinkedListings listings(lists[0], lists[1], [&files](int side) { return &files[side]; });
     for (int side = 0; side < 2; ++side)
         ColumnLayout::LoadLayout(lists[side], side == 1, true);
-    listings.setLinked(true);
+    listings.SetLinked(true);
     window.show();
     lists[0]->setFocus();
 
@@ -193,9 +193,9 @@ int main(int argc, char **argv) {
     const int name = ColumnType::Name;
     const int size = ColumnType::Size;
     const int modified = ColumnType::DateModified;
-    listings.setLinked(false);
+    listings.SetLinked(false);
     listings.ColumnClick(1, size);
-    listings.setLinked(true);
+    listings.SetLinked(true);
     std::vector<bool> half(size_t(rows), false);
     std::fill(half.begin(), half.begin() + rows / 2, true);
     time(
@@ -240,7 +240,7 @@ int main(int argc, char **argv) {
             sortKeys.constData(), 1, none,
             [&] {
                 for (const ComparisonFilePtr &record : found)
-                    (void)record->SortString(type);
+                    (void)RecordText::SortString(*record, type);
             },
             window);
         const QByteArray texts =
@@ -249,7 +249,7 @@ int main(int argc, char **argv) {
             texts.constData(), 1, none,
             [&] {
                 for (const ComparisonFilePtr &record : found)
-                    (void)record->ColumnString(type, false);
+                    (void)RecordText::ColumnString(*record, type, false);
             },
             window);
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/MainMenuBar.h"
 #include "app/StatusLine.h"
 #include "app/frmMain.h"
 #include "views/FileListModel.h"
@@ -20,15 +19,25 @@ struct ComparedWindow {
         window.InitializeDisplay();
         window.resize(900, 600);
         window.show();
-        for (int side = 0; side < 2; ++side) {
+        for (int side = 0; side < 2; ++side)
             if (!roots[side].isEmpty())
-                window.cboSelectPath[size_t(side)]->setEditText(roots[side]);
-        }
+                folder(side)->setEditText(roots[side]);
     }
 
-    void compare() { window.cmdCompare->click(); } // to its end
-    QString status() const { return window.StatusBar1->shownText(); }
-    ListView *list(int side) const { return window.lvwFiles[size_t(side)]; }
+    void compare() { find<QPushButton>("cmdCompare")->click(); } // to its end
+    QString status() const { return statusLine()->shownText(); }
+    ListView *list(int side) const { return find<ListView>("lvwFiles" + QString::number(side)); }
+    QComboBox *folder(int side) { return find<QComboBox>("cboSelectPath" + QString::number(side)); }
+    StatusLine *statusLine() const { return find<StatusLine>("StatusBar1"); }
+    template <typename T> T *find(const QString &name) const { return window.findChild<T *>(name); }
+
+    /** The menu item captioned \a caption, found as the user finds it. */
+    QAction *item(const QString &caption) const {
+        for (QAction *item : window.findChildren<QAction *>())
+            if (item->text() == caption)
+                return item;
+        return nullptr;
+    }
 
     bool focus(QWidget *widget) {
         window.activateWindow();

@@ -63,8 +63,8 @@ void tst_CompareRun::progressTexts() {
     w.window.oPairscope_CompareProgress(pass, current, total);
     QTest::qWait(StatusLine::paintIntervalMs * 2);
     QTEST(w.status(), "text");
-    const QProgressBar *bar = w.window.StatusBar1->ProgressBar1();
-    QCOMPARE(bar->isVisibleTo(w.window.StatusBar1) ? bar->value() : -1, percentage);
+    const QProgressBar *bar = w.statusLine()->ProgressBar1();
+    QCOMPARE(bar->isVisibleTo(w.statusLine()) ? bar->value() : -1, percentage);
 }
 
 void tst_CompareRun::progressTextsThrottled_data() {
@@ -172,12 +172,12 @@ void tst_CompareRun::missingFolderRefused() {
     ComparedWindow w(QString(), tree.path("gone"));
     ModalWatcher watcher;
     w.compare(); // both missing: the source is named
-    w.window.cboSelectPath[0]->setEditText(tree.path("src"));
+    w.folder(0)->setEditText(tree.path("src"));
     w.compare();
     QCOMPARE(watcher.texts(), (QStringList{"Source path does not exist.  Cannot compare.",
                                            "Destination path does not exist.  Cannot compare."}));
     QCOMPARE(w.status(), QStringLiteral("  Ready"));
-    QVERIFY(!w.window.colSourceFiles);
+    QVERIFY(!w.window.Files(0));
 }
 
 void tst_CompareRun::cancelDuringSourceWalk_data() {
@@ -199,13 +199,13 @@ void tst_CompareRun::cancelDuringSourceWalk() {
     // then, to cancel from inside the walk at its 100th file.
     QTimer poll;
     connect(&poll, &QTimer::timeout, this, [&] {
-        if (ComparisonFileCollection *source = w.window.colSourceFiles.get()) {
+        if (const ComparisonFileCollection *source = w.window.Files(0)) {
             poll.stop();
             connect(source, &ComparisonFileCollection::FileAdded, this, [&w, byKeys](int count) {
                 if (count == 100 && byKeys)
                     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
                 else if (count == 100)
-                    w.window.cmdCompare->click();
+                    w.compare(); // Cancel
             });
         }
     });
@@ -219,10 +219,9 @@ void tst_CompareRun::cancelDuringSourceWalk() {
     }
 
     QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
-    QCOMPARE(w.window.colSourceFiles->Count(), 100);
-    QCOMPARE(w.window.colDestFiles->RootFolder(), QString()); // its walk never began
-    QVERIFY(!w.window.oPairscope);
-    QCOMPARE(w.window.cmdCompare->text(), QStringLiteral("&Compare"));
+    QCOMPARE(w.window.Files(0)->Count(), 100);
+    QCOMPARE(w.window.Files(1)->RootFolder(), QString()); // its walk never began
+    QCOMPARE(w.find<QPushButton>("cmdCompare")->text(), QStringLiteral("&Compare"));
     QVERIFY(!w.window.IsBusy());
 }
 
@@ -236,24 +235,23 @@ void tst_CompareRun::compareThenChangeTheView() {
                 tree.setTimes("dst/" + name, 1600000000));
     }
     ComparedWindow w(tree.path("src"), tree.path("dst"));
-    const MainMenuBar &m = *w.window.menus;
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    QVERIFY(!w.window.StatusBar1->textClickable());
-    QCOMPARE(w.window.lblPath[1]->text(), QStringLiteral("Files from ") + tree.path("dst"));
+    QVERIFY(!w.statusLine()->textClickable());
+    QCOMPARE(w.find<QLabel>("lblPath1")->text(), QStringLiteral("Files from ") + tree.path("dst"));
     QCOMPARE(w.rows(1), QStringList({"a", "c", "e"}));
 
     // Show All Files appends the identical pairs, the others stay; off again, exactly they go.
-    m.mnuViewAllFiles->trigger();
+    w.item("Show A&ll Files")->trigger();
     QCOMPARE(w.rows(0), QStringList({"a", "c", "e", "b", "d"}));
-    m.mnuViewAllFiles->trigger();
+    w.item("Show A&ll Files")->trigger();
     QCOMPARE(w.rows(1), QStringList({"a", "c", "e"}));
-    m.mnuViewFullPath->trigger();
+    w.item("Show &Full Path")->trigger();
     QCOMPARE(w.list(1)->files()->text(1, ColumnType::InFolder), tree.path("dst"));
     // Cleared, the lists are empty until a View toggle lists the last result again.
-    m.mnuFileClear->trigger();
+    w.item("C&lear Display")->trigger();
     QCOMPARE(w.list(0)->files()->count(), 0);
-    m.mnuViewAllFiles->trigger();
+    w.item("Show A&ll Files")->trigger();
     QCOMPARE(w.rows(1).size(), 5);
 }
 
@@ -276,7 +274,7 @@ void tst_CompareRun::storedFiltersApply() {
     QVERIFY(tree.write("src/hour.txt", "1") && tree.write("dst/hour.txt", "1"));
     QVERIFY(tree.setTimes("src/hour.txt", 1700000000) && tree.setTimes("dst/hour.txt", 1700003600));
     ComparedWindow w(tree.path("src"), tree.path("dst"));
-    QCOMPARE(w.window.StatusBar1->filtered(), !filters.isEmpty());
+    QCOMPARE(w.statusLine()->filtered(), !filters.isEmpty());
     w.compare();
     QTEST(w.rows(0), "rows");
 }
@@ -291,11 +289,21 @@ void tst_CompareRun::problemsOpenFromTheStatus() {
     QVERIFY(w.focus(w.list(0)));
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete.  1 item could not be compared."));
-    QVERIFY(w.window.StatusBar1->textClickable());
+    QVERIFY(w.statusLine()->textClickable());
     QVERIFY(!w.window.findChild<frmProblems *>());
 
-    const ComparisonFileCollection *run = w.window.colSourceFiles.get();
-    auto *text = w.window.StatusBar1->findChild<QWidget *>(QStringLiteral("StatusText"));
+    const ComparisonFileCollection *run = w.window.Files(0);
+    auto *text = w.statusLine()->findChild<QWidget *>(QStringLiteral("StatusText"));
+    // The link underlines its words, not the blanks that indent them.
+    const QImage look = text->grab().toImage();
+    int firstInk = look.width();
+    for (int y = 0; y < look.height(); ++y) {
+        for (int x = 0; x < firstInk; ++x) {
+            if (look.pixel(x, y) != look.pixel(0, 0))
+                firstInk = x;
+        }
+    }
+    QVERIFY(firstInk >= text->fontMetrics().horizontalAdvance(QStringLiteral("  ")));
     QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(20, text->height() / 2));
     auto *problems = w.window.findChild<frmProblems *>();
     QVERIFY(problems);
@@ -304,13 +312,13 @@ void tst_CompareRun::problemsOpenFromTheStatus() {
     const QStringList lines = problems->ProblemsText().trimmed().split(QLatin1Char('\n'));
     QCOMPARE(lines.size(), 1);
     QVERIFY2(lines[0].contains(tree.path("src")), qPrintable(lines[0]));
-    QCOMPARE(w.window.colSourceFiles.get(), run); // no new compare started
+    QCOMPARE(w.window.Files(0), run); // no new compare started
 
     // A new run without problems leaves a plain text.
     QVERIFY(QFile::remove(tree.path("src/A.txt")));
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    QVERIFY(!w.window.StatusBar1->textClickable());
+    QVERIFY(!w.statusLine()->textClickable());
 }
 
 void tst_CompareRun::restartWhenAFileVanishes() {
@@ -325,7 +333,7 @@ void tst_CompareRun::restartWhenAFileVanishes() {
     QList<const ComparisonFileCollection *> attempts;
     QTimer poll;
     connect(&poll, &QTimer::timeout, this, [&] {
-        ComparisonFileCollection *destination = w.window.colDestFiles.get();
+        const ComparisonFileCollection *destination = w.window.Files(1);
         if (!destination || attempts.contains(destination))
             return;
         attempts << destination;
@@ -339,7 +347,7 @@ void tst_CompareRun::restartWhenAFileVanishes() {
 
     QCOMPARE(attempts.size(), 2);
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    QCOMPARE(w.window.colSourceFiles->Count(), 1);
+    QCOMPARE(w.window.Files(0)->Count(), 1);
     QCOMPARE(w.rows(0), QStringList{"keep.txt"});
     QCOMPARE(w.rows(1), QStringList{"keep.txt"});
 }

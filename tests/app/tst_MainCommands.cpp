@@ -68,14 +68,13 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
     other->setSelectedRows({false, true});
     QVERIFY(w.focus(target));
     QWidget *keyTarget = QApplication::focusWidget();
-    const MainMenuBar &m = *w.window.menus;
-    QCOMPARE(m.mnuEditSelectAll->isEnabled(), focused != nullptr);
-    QVERIFY(!m.mnuEditClearSelections->isEnabled()); // the other list's selection does not count
+    QCOMPARE(w.item("Select &All")->isEnabled(), focused != nullptr);
+    QVERIFY(!w.item("&Clear Selections")->isEnabled()); // not for the other list's selection
 
     if (byKeyboard)
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier);
     else
-        m.mnuEditSelectAll->trigger();
+        w.item("Select &All")->trigger();
     QTEST(w.list(0)->selectedCount(), "selected0");
     QTEST(w.list(1)->selectedCount(), "selected1");
     if (auto *combo = qobject_cast<QComboBox *>(target)) {
@@ -84,11 +83,11 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
         QCOMPARE(combo->lineEdit()->selectedText(), QStringLiteral("typed"));
         return;
     }
-    QVERIFY(m.mnuEditClearSelections->isEnabled());
+    QVERIFY(w.item("&Clear Selections")->isEnabled());
     if (byKeyboard)
         QTest::keyClick(keyTarget, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
     else
-        m.mnuEditClearSelections->trigger();
+        w.item("&Clear Selections")->trigger();
     QCOMPARE(focused->selectedCount(), 0);
     QCOMPARE(other->selectedCount(), 1);
 }
@@ -108,10 +107,9 @@ void tst_MainCommands::resetOptions() {
     Options::setIncludeSlack(false);
     Options::setLetterCase(QStringLiteral("sensitive"));
     ComparedWindow w;
-    const MainMenuBar &m = *w.window.menus;
     QCOMPARE(w.list(0)->shownCount(), 7);
     QVERIFY(IsTopmost(&w.window));
-    QCOMPARE(w.window.picMain->orientation(), Qt::Vertical);
+    QCOMPARE(w.find<QSplitter>("picMain")->orientation(), Qt::Vertical);
     const QByteArray stored = m_profile.raw();
 
     bool yes = false; // the question is declined with Esc first
@@ -121,13 +119,13 @@ void tst_MainCommands::resetOptions() {
             yes ? box->button(QMessageBox::Yes)->click() : QTest::keyClick(box, Qt::Key_Escape);
         return box != nullptr;
     });
-    m.mnuFileOptions->trigger();
+    w.item("&Reset Options")->trigger();
     QCOMPARE(m_profile.raw(), stored);
-    QCOMPARE(w.window.cboSelectPath[0]->currentText(), tree.path("b"));
+    QCOMPARE(w.folder(0)->currentText(), tree.path("b"));
     yes = true;
-    m.mnuFileOptions->trigger();
+    w.item("&Reset Options")->trigger();
     for (int side = 0; side < 2; ++side) {
-        QCOMPARE(w.window.cboSelectPath[side]->count(), 2); // only Enter Manually and Browse
+        QCOMPARE(w.folder(side)->count(), 2); // only Enter Manually and Browse
         QVERIFY(RecentLists::loadFolders(RecentLists::Side(side)).folders.isEmpty());
     }
     QCOMPARE(RecentLists::loadSelections().values, QList<int>({3, 2, 0, 31}));
@@ -135,14 +133,14 @@ void tst_MainCommands::resetOptions() {
     QCOMPARE(w.list(1)->columnWidth(FileListModel::columnOf(1)),
              ColumnLayout::DefaultWidth(w.list(1), 1));
     QCOMPARE(Options::orientation(), Options::VerticalOrientation);
-    QCOMPARE(w.window.picMain->orientation(), Qt::Horizontal);
+    QCOMPARE(w.find<QSplitter>("picMain")->orientation(), Qt::Horizontal);
     QVERIFY(!Options::alwaysOnTop() && !IsTopmost(&w.window));
     QCOMPARE(Options::viewOptions(), Options::ViewOptions());
-    QVERIFY(m.mnuViewLink->isChecked() && !m.mnuViewFullPath->isChecked());
+    QVERIFY(w.item("&Link File Listings")->isChecked() && !w.item("Show &Full Path")->isChecked());
     QVERIFY(!w.list(0)->files()->boldDifferent());
-    QVERIFY(Options::includeSlack() && m.mnuFileIncludeSlack->isChecked());
+    QVERIFY(Options::includeSlack() && w.item("Include &2-Second Slack For Dates")->isChecked());
     QCOMPARE(Options::letterCase(), QStringLiteral("auto"));
-    QVERIFY(m.mnuViewCase[0]->isChecked());
+    QVERIFY(w.item("&As Each File System Does")->isChecked());
 
     // The layouts are written when the window closes.
     w.window.close();
@@ -171,10 +169,10 @@ void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
     w.compare();
     const int rows = placeholders ? 5 : 4;
     QCOMPARE(w.rows(0).size(), rows);
-    w.window.menus->mnuViewLink->trigger();
+    w.item("&Link File Listings")->trigger();
     // Cleared, the lists show whether switching linking on rebuilt them from the collections.
-    w.window.menus->mnuFileClear->trigger();
-    w.window.menus->mnuViewLink->trigger();
+    w.item("C&lear Display")->trigger();
+    w.item("&Link File Listings")->trigger();
     QCOMPARE(w.rows(0).size(), placeholders ? rows : 0);
     QCOMPARE(w.rows(1).size(), placeholders ? rows : 0);
 }
@@ -182,24 +180,19 @@ void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
 void tst_MainCommands::droppedFolders_data() {
     QTest::addColumn<QStringList>("dropped");
     QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("destination");
-    QTest::newRow("folder on the destination combo") << QStringList{"a"} << "cboSelectPath1"
-                                                     << ""
-                                                     << "a";
-    QTest::newRow("two folders fill both sides") << QStringList{"a", "b"} << "lvwFiles1"
-                                                 << "a"
-                                                 << "b";
-    QTest::newRow("a file is refused") << QStringList{"a/f.txt"} << "cboSelectPath0"
-                                       << ""
-                                       << "";
+    QTest::addColumn<QStringList>("folders"); // the source's and the destination's afterwards
+    QTest::newRow("on the destination box")
+        << QStringList{"a"} << "cboSelectPath1" << QStringList{"", "a"};
+    QTest::newRow("two folders fill both sides")
+        << QStringList{"a", "b"} << "lvwFiles1" << QStringList{"a", "b"};
+    QTest::newRow("a file is refused")
+        << QStringList{"a/f.txt"} << "cboSelectPath0" << QStringList{"", ""};
 }
 
 void tst_MainCommands::droppedFolders() {
     QFETCH(QStringList, dropped);
     QFETCH(QString, target);
-    QFETCH(QString, source);
-    QFETCH(QString, destination);
+    QFETCH(QStringList, folders);
     TestTree tree;
     QVERIFY(tree.write("a/f.txt", "x") && tree.mkdir("b"));
     ComparedWindow w;
@@ -212,12 +205,12 @@ void tst_MainCommands::droppedFolders() {
     const QPoint pos = over->mapTo(&w.window, over->rect().center());
     QDragEnterEvent enter(pos, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&w.window, &enter);
-    QCOMPARE(enter.isAccepted(), !source.isEmpty() || !destination.isEmpty());
+    QCOMPARE(enter.isAccepted(), folders != QStringList({"", ""}));
     QDropEvent drop(QPointF(pos), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&w.window, &drop);
-    QCOMPARE(w.window.cboSelectPath[0]->currentText(), source.isEmpty() ? "" : tree.path(source));
-    QCOMPARE(w.window.cboSelectPath[1]->currentText(),
-             destination.isEmpty() ? "" : tree.path(destination));
+    for (int side = 0; side < 2; ++side)
+        QCOMPARE(w.folder(side)->currentText(),
+                 folders[side].isEmpty() ? "" : tree.path(folders[side]));
 }
 
 QTEST_MAIN(tst_MainCommands)

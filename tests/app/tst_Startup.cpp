@@ -96,19 +96,19 @@ void tst_Startup::shiftSampling() {
     qint64 now = -1; // no reading yet: the splash fades in
     StartupEnvironment env = StartupEnvironment::system();
     env.clockMs = [&now] { return now = now < 0 ? 0 : now + 100; };
-    env.IsShiftDown = [&] {
+    env.isShiftDown = [&] {
         return now < 0 ? duringFadeIn : duringWait && now < Startup::minimumSplashMs;
     };
-    env.Sleep = [](int) {};
+    env.sleep = [](int) {};
     env.dataFolders = {m_profile.dataHome(), {}};
     QVERIFY(Options::setWindowRect({10, 20, 700, 500}));
 
     Startup startup(env);
     QPointer<frmMain> window = startup.Main({});
     QVERIFY(window);
-    QCOMPARE(startup.resetPosition(), duringFadeIn || duringWait);
+    QCOMPARE(startup.ResetPosition(), duringFadeIn || duringWait);
     QCOMPARE(window->geometry(),
-             startup.resetPosition()
+             startup.ResetPosition()
                  ? frmMain::DefaultPlacement(QGuiApplication::primaryScreen()->geometry())
                  : QRect(10, 20, 700, 500));
     QCOMPARE(now, qint64(Startup::minimumSplashMs)); // the wait ran until then, and no longer
@@ -173,7 +173,7 @@ void tst_Startup::desktopEntry() {
     QVERIFY(!systemEntry || tree.write("system" + name, "[Desktop Entry]\n"));
     const DataFolders folders{tree.path("user"), {tree.path("none"), tree.path("system")}};
 
-    QTEST(int(RegisterAppPath(tree.path(executable), folders)), "result");
+    QTEST(int(RegisterDesktopEntry(tree.path(executable), folders)), "result");
     QFile entry(tree.path("user" + name));
     if (userEntryAfter.isEmpty()) {
         QVERIFY(!entry.exists());
@@ -195,7 +195,7 @@ void tst_Startup::desktopEntry() {
         QCOMPARE(QProcess::execute(QStringLiteral("desktop-file-validate"), {entry.fileName()}), 0);
     // A folder that cannot be made is no error for start-up: the entry is simply not there.
     QVERIFY(tree.write("blocked", "a file, not a folder"));
-    QCOMPARE(RegisterAppPath(tree.path(executable), {tree.path("blocked/data"), {}}),
+    QCOMPARE(RegisterDesktopEntry(tree.path(executable), {tree.path("blocked/data"), {}}),
              Registration::Failed);
 }
 

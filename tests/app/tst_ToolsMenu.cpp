@@ -101,9 +101,9 @@ void tst_ToolsMenu::copyToDestinationEndToEnd() {
     // The placeholder of "Only Dest.txt" is selected too: it has no file to copy.
     pair.select(0, {"Report A.txt", "Sub Dir/New File.txt", "Only Dest.txt"});
     // Tools acts on the listing with the focus, and there is none in the folder box.
-    QVERIFY(pair.focus(pair.window.cboSelectPath[0]));
+    QVERIFY(pair.focus(pair.folder(0)));
     QMenu *menu = pair.openMenu(Qt::Key_T);
-    QVERIFY(!pair.window.menus->mnuToolsCopyToDest->isEnabled());
+    QVERIFY(!pair.item("Copy to &Destination...")->isEnabled());
     menu->close();
     QVERIFY(pair.focus(pair.list(0)));
     QStringList review;
@@ -196,7 +196,7 @@ void tst_ToolsMenu::examineOrOpen() {
     if (how < 2) {
         pair.select(side, {row});
         // The right-click gives the focus to the listing.
-        QVERIFY(pair.focus(how ? static_cast<QWidget *>(pair.window.cboSelectPath[0]) : list));
+        QVERIFY(pair.focus(how ? static_cast<QWidget *>(pair.folder(0)) : list));
         if (how == 0)
             QTest::keyClick(pair.openMenu(Qt::Key_T), Qt::Key_F);
         QContextMenuEvent click(QContextMenuEvent::Mouse, QPoint(20, 5),

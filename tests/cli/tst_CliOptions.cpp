@@ -125,9 +125,11 @@ void tst_CliOptions::escapesNames_data() {
     // A backslash is doubled for people too: this name and the Latin-1 byte below differ.
     QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
                                          << QByteArray("caf\\\\xe9") << "caf\\\\xe9" << true;
-    QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9") << QByteArray("caf\xc3\xa9")
-                           << QByteArray("caf\\xc3\\xa9") << QString::fromUtf8("caf\xc3\xa9")
-                           << true;
+    // Two-, three- and four-byte sequences.
+    QTest::newRow("UTF-8") << QByteArray("\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80")
+                           << QByteArray("\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80")
+                           << QByteArray("\\xc3\\xa9\\xe2\\x82\\xac\\xf0\\x9f\\x98\\x80")
+                           << QString::fromUtf8("\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80") << true;
     QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
                                   << QByteArray("caf\\xe9") << "caf\\xe9" << false;
     QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")

@@ -1,11 +1,17 @@
 #include "engine/CRC32Object.h"
+#include "engine/ComparisonSet.h"
+#include "engine/ReadAhead.h"
 #include "support/TestTree.h"
 
 #include <QRandomGenerator>
 #include <QTest>
+#include <QThread>
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace {
@@ -151,6 +157,66 @@ private Q_SLOTS:
             expected = CRC32Object::update(expected, zeros.constData(),
                                            std::size_t(std::min<qint64>(left, zeros.size())));
         QCOMPARE(whole.crc, expected);
+    }
+
+    void readAheadGrowsOnlyForTheDisk() {
+        // Files the page cache lost have to come from the disk, which serves many requests at
+        // once faster than one: more workers join. From the cache, they stay as they began.
+        TestTree tree;
+        QVERIFY(tree.mkdir("cold"));
+        struct statfs fs {};
+        if (::statfs(tree.nativePath("cold").constData(), &fs) != 0 || fs.f_type == TMPFS_MAGIC)
+            QSKIP("a file system in memory is never read from a disk");
+        const QByteArray data(64 * 1024, 'x');
+        QList<QByteArray> names;
+        for (int i = 0; i < 64; ++i) {
+            names << QByteArray::number(i);
+            QVERIFY(tree.write(QStringLiteral("cold/") + QString::number(i), data));
+        }
+        const FolderRef folder = FolderRef::make(tree.nativePath("cold"), 0, tree.root());
+        const auto workersAfterReading = [&] {
+            CRC32Object callerCrc;
+            PairTestOptions options;
+            options.bits = ComparisonBits::Checksums;
+            ReadAhead ahead(1, options, 4096, 64, callerCrc);
+            for (const QByteArray &name : names) {
+                ReadAhead::Job &job = ahead.next();
+                job.sourceFolder = job.destinationFolder = folder;
+                job.sourceName = job.destinationName = name;
+                ahead.add();
+            }
+            ahead.publish();
+            // The worker's turn first: the caller would take on the jobs nobody has claimed.
+            QThread::msleep(100);
+            for (int i = 0; i < names.size(); ++i) {
+                const ReadAhead::Job *job = ahead.waitFront([] { return true; });
+                if (!job || job->sourceChecksum.status != CRC32Object::Status::Ok)
+                    return -1;
+                ahead.release();
+                ahead.publish();
+            }
+            return ahead.workerCount();
+        };
+        for (const QByteArray &name : names) {
+            const int fd = ::open(tree.nativePath("cold/" + name).constData(), O_RDONLY);
+            QVERIFY(fd >= 0 && ::fdatasync(fd) == 0);
+            QCOMPARE(::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED), 0);
+            ::close(fd);
+        }
+        // Some file systems (overlays, network mounts) keep their pages whatever is advised.
+        const int fd = ::open(tree.nativePath("cold/0").constData(), O_RDONLY);
+        void *mapped = ::mmap(nullptr, std::size_t(data.size()), PROT_READ, MAP_SHARED, fd, 0);
+        unsigned char resident[16] = {};
+        const bool evicted = mapped != MAP_FAILED &&
+                             ::mincore(mapped, std::size_t(data.size()), resident) == 0 &&
+                             std::none_of(std::begin(resident), std::end(resident),
+                                          [](unsigned char page) { return page & 1; });
+        ::munmap(mapped, std::size_t(data.size()));
+        ::close(fd);
+        if (!evicted)
+            QSKIP("the page cache keeps these files");
+        QVERIFY(workersAfterReading() > 1);
+        QCOMPARE(workersAfterReading(), 1);
     }
 };
 

@@ -134,18 +134,12 @@ private Q_SLOTS:
         ComparisonFile record(FileObject::fromNativePath(tree.nativePath(".hidden.txt")));
         QCOMPARE(record.Size(), 0);
         record.UpdateDetails();
-        QCOMPARE(record.ColumnString(8, false), QStringLiteral("H -rw-r-----"));
+        QCOMPARE(ComparisonFile::AttributeString(record.Attributes()), QStringLiteral("H"));
+        QCOMPARE(record.Mode(), quint32(S_IFREG | 0640));
         // Details are read once: a vanished file keeps what was loaded.
         QVERIFY(QFile::remove(tree.path(QStringLiteral(".hidden.txt"))));
         record.UpdateDetails();
         QCOMPARE(record.Size(), 5);
-        // The root is matched without regard to case.
-        record.setParentFolder(tree.root().toUpper() + QStringLiteral("/Sub/deep/"));
-        QCOMPARE(record.ColumnString(2, false), QStringLiteral("Sub/deep"));
-        // Sizes past 32 bits sort by their value.
-        ComparisonFile big;
-        big.setSize(5368709120LL);
-        QVERIFY(record.SortString(3) < big.SortString(3));
     }
 };
 

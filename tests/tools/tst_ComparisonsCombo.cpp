@@ -4,12 +4,15 @@
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "tools/ComparisonsCombo.h"
+#include "tools/FolderCombo.h"
 #include "tools/frmComparisons.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListWidget>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -43,6 +46,8 @@ private Q_SLOTS:
     void cancelledDialogReturnsToPrevious();
     void confirmedDialogSelectsTheSet();
     void movingTheChecksumKeepsTheSelection();
+    void enterInTheDropDownOnlyPicks_data();
+    void enterInTheDropDownOnlyPicks();
 
 private:
     TestProfile m_profile;
@@ -179,3 +184,38 @@ void tst_ComparisonsCombo::movingTheChecksumKeepsTheSelection() {
 
 QTEST_MAIN(tst_ComparisonsCombo)
 #include "tst_ComparisonsCombo.moc"
+
+void tst_ComparisonsCombo::enterInTheDropDownOnlyPicks_data() {
+    QTest::addColumn<bool>("folders");
+    QTest::newRow("comparisons") << false;
+    QTest::newRow("folders") << true;
+}
+
+void tst_ComparisonsCombo::enterInTheDropDownOnlyPicks() {
+    QFETCH(bool, folders);
+    // The window's Enter starts a compare; the press that picks an entry must not.
+    QWidget window;
+    auto *combo = new QComboBox(&window);
+    if (folders) {
+        RecentLists::saveFolders(RecentLists::Side::Source, {"/a", "/b"}, 0);
+        (new FolderCombo(combo, RecentLists::Side::Source))->Fill(false);
+    } else {
+        (new ComparisonsCombo(combo))->Fill(false);
+    }
+    int compares = 0;
+    connect(new QShortcut(QKeySequence(Qt::Key_Return), &window), &QShortcut::activated,
+            [&compares] { ++compares; });
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    combo->setFocus();
+    combo->showPopup();
+    QTRY_VERIFY(combo->view()->isVisible());
+    QTest::keyClick(combo->view(), Qt::Key_Down);
+    QTest::keyClick(combo->view(), Qt::Key_Return);
+    QTRY_VERIFY(!combo->view()->isVisible());
+    QCOMPARE(combo->currentIndex(), 1);
+    QCOMPARE(compares, 0);
+    // Once it is closed, Enter is the window's again.
+    QTest::keyClick(combo, Qt::Key_Return);
+    QCOMPARE(compares, 1);
+}

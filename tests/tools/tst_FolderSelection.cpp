@@ -3,12 +3,16 @@
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
+#include "tools/BrowseForFolder.h"
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
 #include "tools/frmEnterFolder.h"
 
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -22,6 +26,7 @@ private Q_SLOTS:
     void init() { m_profile.clear(); }
     void recentRules();
     void cancelledBrowseShowsTypedPath();
+    void browserCannotChooseTheComputer();
     void enterManually();
     void drops();
 
@@ -85,6 +90,42 @@ void tst_FolderSelection::cancelledBrowseShowsTypedPath() {
     QCOMPARE(logic.Path(), typed);
     QCOMPARE(logic.Folders(),
              (QStringList{m_tree.path(QStringLiteral("a")), m_tree.path(QStringLiteral("b"))}));
+}
+
+void tst_FolderSelection::browserCannotChooseTheComputer() {
+    // "Computer" lists the file systems; choosing it would choose no folder at all.
+    QList<bool> chooseEnabled;
+    QStringList complaints;
+    ModalWatcher watcher([&](QWidget *shown) {
+        auto *dialog = qobject_cast<QFileDialog *>(shown);
+        if (!dialog)
+            return false;
+        auto *sidebar = dialog->findChild<QListView *>(QStringLiteral("sidebar"));
+        sidebar->setCurrentIndex(
+            sidebar->model()
+                ->match(sidebar->model()->index(0, 0), Qt::DisplayRole, "Computer")
+                .value(0));
+        QPushButton *choose =
+            dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
+        chooseEnabled << choose->isEnabled();
+        {
+            // Enter there must not be taken as a choice: it would complain of a missing folder.
+            const ModalWatcher boxes;
+            QMetaObject::invokeMethod(dialog, "accept");
+            complaints = boxes.texts();
+        }
+        // One of the file systems it lists can be chosen.
+        QTest::keyClicks(dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")), "/");
+        chooseEnabled << choose->isEnabled();
+        choose->click();
+        return true;
+    });
+    BrowseForFolder browser;
+    browser.SelectedFolder = m_tree.path(QStringLiteral("b"));
+    QVERIFY(browser.Browse());
+    QCOMPARE(chooseEnabled, (QList<bool>{false, true}));
+    QCOMPARE(complaints, QStringList());
+    QCOMPARE(browser.SelectedFolder, QStringLiteral("/"));
 }
 
 void tst_FolderSelection::enterManually() {

@@ -116,11 +116,13 @@ void tst_Synchronizer::reviewTellsWhatTheCopyWillDo() {
         action = action.arg(tree.path(QStringLiteral("dst")));
 
     QString shownAction;
+    QString shownCount;
     ModalWatcher watcher([&](QWidget *modal) {
         auto *form = qobject_cast<frmSynchronizer *>(modal);
         if (!form)
             return false;
         shownAction = form->lvwFiles->topLevelItem(0)->text(2);
+        shownCount = form->StatusText();
         form->chkPrompt->setChecked(false);
         (action.isEmpty() ? form->cmdCancel : form->cmdOK)->click();
         return true;
@@ -128,6 +130,7 @@ void tst_Synchronizer::reviewTellsWhatTheCopyWillDo() {
     review(&m_owner, tree.path(QStringLiteral("src")), tree.path(QStringLiteral("dst")),
            name.section(QLatin1Char('/'), -1));
     QVERIFY2(shownAction.startsWith(action), qPrintable(shownAction));
+    QCOMPARE(shownCount, QStringLiteral("  1 file to copy."));
     QCOMPARE(contents(tree.path(QStringLiteral("outside/a.txt"))), QByteArray("outside"));
     const QByteArray copied = contents(tree.path(QStringLiteral("dst/") + name));
     if (action.isEmpty()) {

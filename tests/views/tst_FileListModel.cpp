@@ -4,8 +4,10 @@
 #include "views/AddToListview.h"
 #include "views/ColumnLayout.h"
 #include "views/FileListModel.h"
+#include "views/ListColumns.h"
 #include "views/ListSorting.h"
 #include "views/ListView.h"
+#include "views/RecordText.h"
 
 #include <QAbstractItemModelTester>
 #include <QDateTime>
@@ -34,10 +36,9 @@ private:
     /** Lists the .bin files of \a side in \a view, in the collection's order. */
     void list(int side, ListView &view) {
         ColumnLayout::LoadLayout(&view, side == 1, true);
-        for (const ComparisonFilePtr &file : m_files[size_t(side)]) {
+        for (const ComparisonFilePtr &file : m_files[size_t(side)])
             if (file->Name().endsWith(QLatin1String(".bin")))
                 AddToListview(file, &view, nullptr);
-        }
         view.files()->flush();
     }
     static QStringList names(const ListView &view) {
@@ -111,6 +112,16 @@ void tst_FileListModel::listingAgainUpdatesTheRowInPlace() {
     QCOMPARE(names(view), (QStringList{"a.bin", "b.bin", "c.bin"}));
     QCOMPARE(view.files()->record(view.files()->rowOfKey(b->Key())), b);
     QCOMPARE(view.files()->text(1, ColumnType::Size), QStringLiteral("1,234 bytes"));
+    b->setAttributes(FileAttributes::Hidden);
+    b->setMode(0100640); // a regular file, rw-r-----
+    QCOMPARE(view.files()->text(1, ColumnType::Attributes), QStringLiteral("H -rw-r-----"));
+    // The root is matched without regard to case.
+    b->setParentFolder(m_trees[0].root().toUpper() + QStringLiteral("/Sub/deep/"));
+    QCOMPARE(view.files()->text(1, ColumnType::InFolder), QStringLiteral("Sub/deep"));
+    // Past a terabyte sizes still sort by value.
+    record("a.bin")->setSize(2'000'000'000'000);
+    b->setSize(999'999'999'999);
+    QVERIFY(RecordText::SortString(*b, 3) < RecordText::SortString(*record("a.bin"), 3));
     view.files()->flush();
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed[0][0].toModelIndex().row(), 1); // that row alone

@@ -79,10 +79,9 @@ struct Window {
     QStringList names(int side, bool selectedOnly = false) const {
         QStringList result;
         const std::vector<bool> selected = lists[side]->selectedRows();
-        for (int row = 0; row < lists[side]->files()->count(); ++row) {
+        for (int row = 0; row < lists[side]->files()->count(); ++row)
             if (!selectedOnly || selected[size_t(row)])
                 result << lists[side]->files()->text(row, ColumnType::Name);
-        }
         return result;
     }
 
@@ -180,9 +179,9 @@ void tst_Listings::popupCommands() {
     // A column shown again goes to the right end with its default width, not its last one.
     w.lists[1]->header()->resizeSection(FileListModel::columnOf(3), 40);
     w.popup->Open(w.lists[1], QPoint());
-    w.popup->columnAction(3)->trigger();
+    w.popup->ColumnAction(3)->trigger();
     w.popup->Open(w.lists[1], QPoint());
-    w.popup->columnAction(3)->trigger();
+    w.popup->ColumnAction(3)->trigger();
     QCOMPARE(layout(*w.lists[1]),
              scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #4 <150>, #5 <125>, #3 <75>")));
     // Reset Layout on the destination's header, unlinked: only that list gets the defaults.
@@ -191,9 +190,9 @@ void tst_Listings::popupCommands() {
     QCOMPARE(layout(*w.lists[1]), scaled(DefaultLayout));
     QCOMPARE(layout(*w.lists[0]), scaled(QStringLiteral("#1 <200>")));
     // Linked, a column shown from either header is shown in both.
-    w.listings->setLinked(true);
+    w.listings->SetLinked(true);
     w.popup->Open(w.lists[1], QPoint());
-    w.popup->columnAction(6)->trigger();
+    w.popup->ColumnAction(6)->trigger();
     QVERIFY(!w.lists[0]->isColumnHidden(FileListModel::columnOf(6)));
     w.popup->menu()->hide();
 }
@@ -225,7 +224,7 @@ void tst_Listings::selectionFollowsTheFile() {
     QFETCH(CaseRule, rule);
     // Differently ordered lists, each with a file the other side lacks.
     Window w({"a", "sub/b", "c", "only0"}, {"c", "only1", "SUB/B", "a"}, rule);
-    w.listings->setLinked(true);
+    w.listings->SetLinked(true);
     const int followerSide = 1 - modelSide;
     w.lists[followerSide]->selectAll();
 
@@ -267,7 +266,7 @@ void tst_Listings::followerScrollsWithTheLeader() {
     Window w(names, names.mid(0, destinationRows));
     QVERIFY(w.show());
     w.lists[1]->setFocus();
-    w.listings->setLinked(true);
+    w.listings->SetLinked(true);
     w.lists[scrolled]->verticalScrollBar()->setValue(150);
     // The follower ticks every ~30 ms, later on a loaded machine.
     QTRY_COMPARE(w.lists[1 - scrolled]->verticalScrollBar()->value(), destinationRows ? 150 : 0);
@@ -281,7 +280,7 @@ void tst_Listings::followerScrollsWithTheLeader() {
 void tst_Listings::headerClicksSortBothLists() {
     Window w({"b", "a", "c"}, {"c", "a", "b"});
     QVERIFY(w.show());
-    w.listings->setLinked(true);
+    w.listings->SetLinked(true);
     // Never sorted: the first click on "Name" counts as a second one, and turns it around.
     QHeaderView *header = w.lists[1]->header();
     const int section = FileListModel::columnOf(ColumnType::Name);
@@ -293,7 +292,7 @@ void tst_Listings::headerClicksSortBothLists() {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
     QCOMPARE(w.names(0), (QStringList{"a", "b", "c"}));
     // Unlinked, the other list keeps its order.
-    w.listings->setLinked(false);
+    w.listings->SetLinked(false);
     Q_EMIT w.lists[0]->columnClicked(ColumnType::Name);
     QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
     QCOMPARE(w.names(1), (QStringList{"a", "b", "c"}));
