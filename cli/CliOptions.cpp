@@ -202,6 +202,10 @@ bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray 
         options.filter.rules.addLines(file.readAll());
         return true;
     }
+    if (name == "manifest")
+        return flag(options.writeManifest, true);
+    if (name == "crc")
+        return flag(options.manifestChecksums, true);
     if (name == "gitignore")
         return flag(options.filter.gitignore, true);
     if (name == "crc-first")
@@ -277,6 +281,23 @@ CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error)
 
     if (options.showHelp || options.showVersion)
         return options;
+    if (options.manifestChecksums && !options.writeManifest) {
+        *error = QStringLiteral("--crc belongs with --manifest; to compare checksums give "
+                                "-c crc");
+        return {};
+    }
+    if (options.writeManifest) {
+        if (roots.size() != 1 || roots.at(0).isEmpty() || roots.at(0) == "-") {
+            *error = QStringLiteral("--manifest takes one folder, ROOT");
+            return {};
+        }
+        options.source = roots.at(0);
+        return options;
+    }
+    if (roots.size() == 2 && roots.at(0) == "-" && roots.at(1) == "-") {
+        *error = QStringLiteral("standard input (-) can stand for one side only");
+        return {};
+    }
     if (roots.size() != 2) {
         *error = roots.size() < 2
                      ? QStringLiteral("expected two folders, SOURCE and DESTINATION")
@@ -301,10 +322,17 @@ CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error)
 QString CliOptions::usage() {
     return QStringLiteral(
         "Usage: pairscope-cli [options] SOURCE DESTINATION\n"
+        "       pairscope-cli --manifest [--crc] [filter options] ROOT\n"
         "\n"
         "Compares two folder trees file by file: every file is paired with the file at the\n"
         "same path below the other folder, and the pairs that differ are listed with the\n"
         "reason. Letter case counts where the file system tells names apart by it.\n"
+        "\n"
+        "Either side may be a manifest instead of a folder: a file written by --manifest,\n"
+        "or - to read one from standard input (one side only). It is compared like the\n"
+        "tree it records, its checksums taken from it; a comparison it holds nothing for\n"
+        "(crc without --crc, created dates its file system did not keep) is refused.\n"
+        "  ssh host pairscope-cli --manifest --crc /data | pairscope-cli -c size,crc - ~/data\n"
         "\n"
         "Options:\n"
         "  -c, --compare LIST   what to compare, separated by commas: size, modified,\n"
@@ -347,6 +375,11 @@ QString CliOptions::usage() {
         "      --progress       show a progress line on standard error\n"
         "      --no-progress    never show it (default: shown while standard error is a\n"
         "                       terminal)\n"
+        "      --manifest       write ROOT's manifest to standard output instead of\n"
+        "                       comparing: a line \"pairscope-manifest 1\", then one line\n"
+        "                       per entry in walk order (the filter and --case options\n"
+        "                       apply); see pairscope-cli(1) for the format\n"
+        "      --crc            with --manifest: take every file's CRC-32 too\n"
         "  -h, --help           show this help and exit\n"
         "      --version        show the version and exit\n"
         "\n"
@@ -363,6 +396,7 @@ QString CliOptions::usage() {
         "\n"
         "Exit status: 0 when no listed pair differs, 1 when some differ, 2 on trouble (bad\n"
         "arguments, a root that is not a folder, folders or files that could not be read, a\n"
-        "tree that kept changing). Each problem is one line on standard error; whatever could\n"
-        "be compared is still listed.\n");
+        "tree that kept changing, a malformed manifest or one that lacks what the comparison\n"
+        "needs). Each problem is one line on standard error; whatever could be compared is\n"
+        "still listed. --manifest exits 0 when the whole tree was written, else 2.\n");
 }

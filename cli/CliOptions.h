@@ -22,7 +22,10 @@ enum class ProgressMode {
 
 /** Everything the command line of pairscope-cli asks for, with the defaults of a bare run. */
 struct CliOptions {
-    /** The two roots exactly as given: native bytes, not necessarily UTF-8. */
+    /**
+     * The two roots exactly as given: native bytes, not necessarily UTF-8. Either may name a
+     * manifest instead of a folder, or be "-" for a manifest on standard input.
+     */
     QByteArray source;
     QByteArray destination;
     int comparisons = ComparisonBits::Sizes | ComparisonBits::Modified;
@@ -39,6 +42,10 @@ struct CliOptions {
     OutputFormat format = OutputFormat::Text;
     bool quiet = false;
     ProgressMode progress = ProgressMode::Auto;
+    /** `--manifest`: write the manifest of the one root (source) instead of comparing. */
+    bool writeManifest = false;
+    /** `--crc` with `--manifest`: the manifest holds every file's checksum. */
+    bool manifestChecksums = false;
     bool showHelp = false;
     bool showVersion = false;
 

@@ -39,6 +39,8 @@ bool CompareRun::run() {
     request.caseRule = m_options.caseRule;
     request.normalizeNames = m_options.normalizeNames;
     request.timeShifts = m_options.timeShifts;
+    request.sourceRecorded = m_recorded[0];
+    request.destinationRecorded = m_recorded[1];
     if (m_options.filter.isActive())
         request.filter = std::make_shared<const TreeFilter>(m_options.filter);
     const CompareSession::State state = session.run(request);

@@ -8,9 +8,11 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class CompareSession;
+class RecordedTree;
 class ProgressLine;
 
 /**
@@ -24,6 +26,11 @@ public:
     static constexpr int MaxRestarts = 10;
 
     explicit CompareRun(const CliOptions &options);
+
+    /** Reads a side from a manifest instead of the disk (0 source, 1 destination). */
+    void setRecordedTree(int side, std::shared_ptr<const RecordedTree> tree) {
+        m_recorded[std::size_t(side)] = std::move(tree);
+    }
 
     /** Shows progress on \a progress while running (none when null). */
     void setProgressLine(ProgressLine *progress) { m_progress = progress; }
@@ -56,4 +63,5 @@ private:
     ProgressLine *m_progress = nullptr;
     CompareReport m_report;
     int m_restarts = 0;
+    std::array<std::shared_ptr<const RecordedTree>, 2> m_recorded;
 };

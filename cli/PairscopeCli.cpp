@@ -6,8 +6,11 @@
 #include "cli/CliOptions.h"
 #include "cli/CompareRun.h"
 #include "cli/ProgressLine.h"
+#include "engine/ManifestWriter.h"
+#include "engine/RecordedTree.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <optional>
@@ -37,6 +40,96 @@ bool isFolder(const QByteArray &root, std::FILE *err) {
         return false;
     }
     return true;
+}
+
+/**
+ * Checks \a root, a folder or a manifest ("-" for standard input), and reads a manifest into
+ * \a recorded; says why not.
+ */
+bool openRoot(const QByteArray &root, std::shared_ptr<const RecordedTree> &recorded,
+              std::FILE *err) {
+    const bool standardInput = root == "-";
+    struct stat status;
+    if (!standardInput) {
+        if (::stat(root.constData(), &status) != 0) {
+            reportProblem(err, {root, systemError(errno)});
+            return false;
+        }
+        if (S_ISDIR(status.st_mode))
+            return true;
+    }
+    std::FILE *in = standardInput ? stdin : std::fopen(root.constData(), "rbe");
+    if (!in) {
+        reportProblem(err, {root, systemError(errno)});
+        return false;
+    }
+    QString error;
+    bool foreign = false;
+    recorded = RecordedTree::read(in, &error, &foreign);
+    if (!standardInput)
+        std::fclose(in);
+    if (!recorded) {
+        // A file given by mistake for a folder is told as such, not as a broken manifest.
+        if (foreign && !standardInput)
+            error = QStringLiteral("not a folder");
+        reportProblem(err, {standardInput ? QByteArray("standard input") : root, error});
+        return false;
+    }
+    return true;
+}
+
+/**
+ * Checks that the manifest \a recorded of \a root (none for a folder) holds what the
+ * comparison needs, and says what it lacks.
+ */
+bool holdsWhatIsCompared(const CliOptions &options, const QByteArray &root,
+                         const RecordedTree *recorded, std::FILE *err) {
+    if (!recorded)
+        return true;
+    QString lack;
+    if ((options.comparisons & ComparisonBits::Checksums) && !recorded->header().checksums)
+        lack = QStringLiteral("the manifest holds no checksums to compare (it was written "
+                              "without --crc)");
+    else if ((options.comparisons & ComparisonBits::Created) && recorded->lacksCreatedDates())
+        lack = QStringLiteral("the manifest holds no created date for some files (their file "
+                              "system keeps none); leave created out of --compare");
+    else if (options.filter.gitignore && !recorded->header().gitignore)
+        lack = QStringLiteral("the manifest was written without --gitignore, so its .gitignore "
+                              "files cannot apply");
+    if (lack.isEmpty())
+        return true;
+    reportProblem(err, {root == "-" ? QByteArray("standard input") : root, lack});
+    return false;
+}
+
+/** `--manifest`: the manifest of options.source on \a out. */
+int writeManifest(const CliOptions &options, std::FILE *out, std::FILE *err) {
+    if (!isFolder(options.source, err))
+        return PairscopeCli::Trouble;
+    ManifestWriter::Options writing;
+    writing.checksums = options.manifestChecksums;
+    writing.caseRule = options.caseRule;
+    writing.chunkSize = options.chunkSize;
+    if (options.filter.isActive())
+        writing.filter = std::make_shared<const TreeFilter>(options.filter);
+    OutputStream stream(out);
+    bool troubled = false;
+    ManifestWriter writer(writing);
+    writer.write(
+        options.source,
+        [&stream](const QByteArray &line) {
+            stream << line << '\n';
+            return stream.error() == 0;
+        },
+        [&](const QByteArray &path, const QString &reason) {
+            troubled = true;
+            reportProblem(err, {path, reason});
+        });
+    if (!stream.flush()) {
+        reportProblem(err, {QByteArray("standard output"), systemError(stream.error())});
+        return PairscopeCli::Trouble;
+    }
+    return troubled ? PairscopeCli::Trouble : PairscopeCli::NoDifferences;
 }
 
 bool showsProgress(const CliOptions &options, std::FILE *err) {
@@ -69,9 +162,17 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
         return stream.flush() ? NoDifferences : Trouble;
     }
 
-    // Both roots are checked before anything is walked, so that both mistakes show at once.
-    const bool sourceOk = isFolder(options.source, err);
-    const bool destinationOk = isFolder(options.destination, err);
+    if (options.writeManifest)
+        return writeManifest(options, out, err);
+
+    // Both roots are checked, and manifests read, before anything is walked, so that both
+    // sides' mistakes show at once.
+    std::array<std::shared_ptr<const RecordedTree>, 2> recorded;
+    const bool sourceOk = openRoot(options.source, recorded[0], err) &&
+                          holdsWhatIsCompared(options, options.source, recorded[0].get(), err);
+    const bool destinationOk =
+        openRoot(options.destination, recorded[1], err) &&
+        holdsWhatIsCompared(options, options.destination, recorded[1].get(), err);
     if (!sourceOk || !destinationOk)
         return Trouble;
 
@@ -79,6 +180,8 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
     if (showsProgress(options, err))
         progress.emplace(err);
     CompareRun run(options);
+    run.setRecordedTree(0, std::move(recorded[0]));
+    run.setRecordedTree(1, std::move(recorded[1]));
     run.setProgressLine(progress ? &*progress : nullptr);
     run.run();
     if (progress)

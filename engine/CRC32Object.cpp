@@ -165,21 +165,30 @@ CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, const 
     return {Status::Ok, crc, 0};
 }
 
-CRC32Object::Result CRC32Object::readLink(int dirFd, const char *name, const FileStat &known) {
+std::optional<QByteArray> CRC32Object::linkText(int dirFd, const char *name,
+                                                const FileStat &known) {
     // The link's own text is its content; the target is never read.
-    std::vector<char> text(std::size_t(std::max<qint64>(known.size, 255)) + 1);
+    QByteArray text(std::max<qint64>(known.size, 255) + 1, Qt::Uninitialized);
     ssize_t n;
     for (;;) {
-        n = ::readlinkat(dirFd, name, text.data(), text.size());
+        n = ::readlinkat(dirFd, name, text.data(), std::size_t(text.size()));
         if (n < 0)
-            return {Status::Failed, 0, errno};
-        if (std::size_t(n) < text.size())
+            return std::nullopt;
+        if (n < text.size())
             break;
         text.resize(text.size() * 2);
     }
     restoreAccessTime(dirFd, name, known.accessed);
+    text.truncate(n);
+    return text;
+}
+
+CRC32Object::Result CRC32Object::readLink(int dirFd, const char *name, const FileStat &known) {
+    const std::optional<QByteArray> text = linkText(dirFd, name, known);
+    if (!text)
+        return {Status::Failed, 0, errno};
     // A link's size is the length of its text: another length is another link.
-    if (qint64(n) != known.size)
+    if (text->size() != known.size)
         return {Status::Changed, 0, 0};
-    return {Status::Ok, update(0, text.data(), std::size_t(n)), 0};
+    return {Status::Ok, update(0, text->constData(), std::size_t(text->size())), 0};
 }

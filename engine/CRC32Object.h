@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 /**
@@ -81,6 +82,13 @@ public:
     Result Checksum(const QByteArray &nativePath, const FileStat &known);
     /** Same for the entry \a name of the folder open as \a dirFd (AT_FDCWD for a path). */
     Result Checksum(int dirFd, const QByteArray &name, const FileStat &known);
+
+    /**
+     * The text of the link \a name in the folder open as \a dirFd, whose properties were read
+     * as \a known: its accessed date is put back afterwards. Nothing (errno says why) when it
+     * cannot be read.
+     */
+    static std::optional<QByteArray> linkText(int dirFd, const char *name, const FileStat &known);
 
     /** Continues \a crc (0 to start) over \a size bytes; the chunks of a file in order. */
     static quint32 update(quint32 crc, const void *data, std::size_t size);

@@ -13,11 +13,14 @@
 namespace {
 
 /**
- * Why \a nativePath could not be read. The engine records only that a checksum failed, so the
- * file is opened once more for the system's reason; when that now succeeds the failure came
+ * Why the file of \a record could not be read. The engine records only that a checksum failed, so
+ * the file is opened once more for the system's reason; when that now succeeds the failure came
  * later, during the read.
  */
-QString unreadableReason(const QByteArray &nativePath) {
+QString unreadableReason(const ComparisonFile &record) {
+    if (record.Folder()->recorded())
+        return QStringLiteral("could not be read when the manifest was written");
+    const QByteArray nativePath = record.NativePath();
     const FdGuard fd(
         ::open(nativePath.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (fd.get() < 0)
@@ -93,6 +96,8 @@ int CompareSession::attempt(const Request &request) {
         side->setFilter(request.filter);
         side->setYieldHook(m_yield);
     }
+    m_source->setRecordedTree(request.sourceRecorded);
+    m_destination->setRecordedTree(request.destinationRecorded);
     m_engine->setYieldHook(m_yield);
     m_engine->setLoadDetails(m_loadDetails);
     m_engine->setTimeShifts(request.timeShifts);
@@ -153,7 +158,7 @@ void CompareSession::collectProblems(State end) {
         for (const ComparisonFilePtr &record : files) {
             if (record->DifferenceCode() == unreadable && record->HasFileObject())
                 problems.append({CollectionProblem::Kind::UnreadableFile, record->Path(),
-                                 record->NativePath(), unreadableReason(record->NativePath())});
+                                 record->NativePath(), unreadableReason(*record)});
         }
     }
     m_keptChanging.clear();

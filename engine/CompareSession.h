@@ -51,6 +51,12 @@ public:
         QList<int> timeShifts;
         /** What both walks leave out, relative to each root; none when null. */
         std::shared_ptr<const TreeFilter> filter;
+        /**
+         * A side read from a manifest instead of the disk (then its root names the manifest);
+         * see ComparisonFileCollection::setRecordedTree.
+         */
+        std::shared_ptr<const RecordedTree> sourceRecorded;
+        std::shared_ptr<const RecordedTree> destinationRecorded;
     };
 
     explicit CompareSession(QObject *parent = nullptr);

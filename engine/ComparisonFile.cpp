@@ -206,7 +206,7 @@ QString ComparisonFile::RootPath() const {
 void ComparisonFile::UpdateDetails() {
     if (!m_hasFile || !m_folder)
         return;
-    const FileStat stat = FileStat::read(m_folder->childNativePath(m_name));
+    const FileStat stat = ::FileObject(m_folder, m_name).Stat();
     if (stat.isValid())
         UpdateDetails(stat);
 }

@@ -2,6 +2,7 @@
 
 #include "engine/PathHelpers.h"
 #include "engine/RecordKey.h"
+#include "engine/RecordedTree.h"
 #include "engine/TreeListing.h"
 #include "engine/TreeWalker.h"
 
@@ -73,6 +74,14 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
     m_rootNative = normalizedRoot(rootNative);
     m_cancelled = false;
     resetRecords();
+    if (m_recorded) {
+        m_prepared.reset();
+        m_inProgress = true;
+        m_rootNode = FolderRef::make(m_rootNative, m_rootNative.size(), m_rootFolder);
+        m_recorded->walk(m_rootNode, m_caseRule, m_filter.get(), walkCallbacks());
+        m_inProgress = false;
+        return;
+    }
     // A root that is no longer a folder (unmounted, renamed since it was chosen) is a problem
     // the caller must see: taken as an empty tree, it would show every file of the other side
     // as missing. The root is kept, so that the other side's files still find their place,
@@ -102,18 +111,7 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
         }
     }
 
-    TreeWalker walker(
-        {
-            [this] { return m_cancelled || m_needsRescan; },
-            [this](const FolderRef &folder, std::vector<QByteArray> &names) {
-                m_pendingHashes.clear();
-                for (const QByteArray &name : names)
-                    m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
-                return addFileRecords(folder, names, m_pendingHashes);
-            },
-            [this](const FolderRef &folder, int error) { addUnreadableFolder(folder, error); },
-        },
-        m_caseRule, m_filter);
+    TreeWalker walker(walkCallbacks(), m_caseRule, m_filter);
     for (;;) {
         if (m_cancelled)
             break;
@@ -124,6 +122,20 @@ void ComparisonFileCollection::walk(const QByteArray &rootNative, const QString 
         // Records found before the restart stay; meeting them again adds nothing.
     }
     m_inProgress = false;
+}
+
+TreeWalker::Callbacks ComparisonFileCollection::walkCallbacks() {
+    return {
+        [this] { return m_cancelled || m_needsRescan; },
+        [this](const FolderRef &folder, std::vector<QByteArray> &names) {
+            m_pendingHashes.clear();
+            for (const QByteArray &name : names)
+                m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
+            return addFileRecords(folder, names, m_pendingHashes);
+        },
+        [this](const FolderRef &folder, int error) { addUnreadableFolder(folder, error); },
+        {},
+    };
 }
 
 bool ComparisonFileCollection::takeListing(TreeListing &listing) {
@@ -189,7 +201,10 @@ void ComparisonFileCollection::addProblem(CollectionProblem problem) {
 void ComparisonFileCollection::addUnreadableFolder(const FolderRef &folder, int error) {
     m_unreadableKeys.insert(folder->relativeKey().toString());
     addProblem({CollectionProblem::Kind::UnreadableFolder, folder->displayPath(),
-                folder->nativePath(), errorText(error)});
+                folder->nativePath(),
+                folder->recorded() ? QStringLiteral("could not be read when the manifest was "
+                                                    "written")
+                                   : errorText(error)});
 }
 
 void ComparisonFileCollection::AddCaseTwinProblem(const ComparisonFile &record,

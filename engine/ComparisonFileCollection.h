@@ -5,6 +5,7 @@
 #include "engine/ComparisonFile.h"
 #include "engine/RecordIndex.h"
 #include "engine/TreeFilter.h"
+#include "engine/TreeWalker.h"
 #include "engine/YieldHook.h"
 
 #include <QHash>
@@ -28,6 +29,7 @@
  * Everything runs on the caller's thread; the yield hook is called after each file so that
  * Cancel() can arrive from an event handler.
  */
+class RecordedTree;
 class TreeListing;
 
 class ComparisonFileCollection : public QObject {
@@ -56,6 +58,13 @@ public:
     void setCaseRule(CaseRule rule) { m_caseRule = rule; }
     /** What the walk leaves out (none when null); set before the root. */
     void setFilter(std::shared_ptr<const TreeFilter> filter) { m_filter = std::move(filter); }
+
+    /**
+     * Takes the tree from \a tree, a manifest read earlier, instead of the disk: the next
+     * root set names the manifest, and records, properties and checksums come from it. Null
+     * (the default) reads the disk.
+     */
+    void setRecordedTree(std::shared_ptr<const RecordedTree> tree) { m_recorded = std::move(tree); }
 
     /**
      * Whether names that are the same once Unicode composed (NFC) pair when no exact namesake
@@ -154,6 +163,8 @@ Q_SIGNALS:
 
 private:
     void walk(const QByteArray &rootNative, const QString &asGiven);
+    /** What a walk of the disk or of a manifest reports to. */
+    TreeWalker::Callbacks walkCallbacks();
     /** Takes the walk from \a listing; false when a cancel or rescan stopped it. */
     bool takeListing(TreeListing &listing);
     /**
@@ -202,6 +213,7 @@ private:
     quint64 m_generation = 0;
     CaseRule m_caseRule = CaseRule::Automatic;
     std::shared_ptr<const TreeFilter> m_filter;
+    std::shared_ptr<const RecordedTree> m_recorded;
     bool m_anyIgnoresCase = false;
     bool m_normalizeNames = true;
     bool m_needsRescan = false;

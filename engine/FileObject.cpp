@@ -1,6 +1,7 @@
 #include "engine/FileObject.h"
 
 #include "engine/PathHelpers.h"
+#include "engine/RecordedFolder.h"
 #include "engine/TypeNameCache.h"
 
 #include <QMimeDatabase>
@@ -47,7 +48,11 @@ QString FileObject::ParentFolder() const {
 }
 
 FileStat FileObject::Stat() const {
-    return m_folder ? FileStat::read(nativePath()) : FileStat();
+    if (!m_folder)
+        return FileStat();
+    if (const RecordedFolder *recorded = m_folder->recorded())
+        return recorded->stat(m_name);
+    return FileStat::read(nativePath());
 }
 
 qint64 FileObject::Size() const {

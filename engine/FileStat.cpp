@@ -29,30 +29,36 @@ FileStat FileStat::read(int dirFd, const char *name) {
         result.error = errno;
         return result;
     }
-    const unsigned type = stx.stx_mode & S_IFMT;
-    result.mode = stx.stx_mode;
     result.size = qint64(stx.stx_size);
-    if (type == S_IFREG) {
-        result.kind = FileKind::Regular;
-    } else if (type == S_IFLNK) {
-        result.kind = FileKind::Symlink;
-        result.attributes |= FileAttributes::Alias;
-    } else {
-        result.kind = FileKind::Other;
-        result.attributes |= FileAttributes::System;
-    }
-    if (!(stx.stx_mode & S_IWUSR) && type != S_IFLNK)
-        result.attributes |= FileAttributes::ReadOnly;
-    if (lastComponent(name)[0] == '.')
-        result.attributes |= FileAttributes::Hidden;
-    if ((stx.stx_attributes_mask & STATX_ATTR_COMPRESSED) &&
-        (stx.stx_attributes & STATX_ATTR_COMPRESSED))
-        result.attributes |= FileAttributes::Compressed;
+    result.setMode(stx.stx_mode, name,
+                   (stx.stx_attributes_mask & STATX_ATTR_COMPRESSED) &&
+                       (stx.stx_attributes & STATX_ATTR_COMPRESSED));
     result.modified = toFileTime(stx.stx_mtime);
     result.accessed = toFileTime(stx.stx_atime);
     if (stx.stx_mask & STATX_BTIME)
         result.created = toFileTime(stx.stx_btime);
     return result;
+}
+
+void FileStat::setMode(quint32 stMode, const char *name, bool compressed) {
+    const unsigned type = stMode & S_IFMT;
+    mode = stMode;
+    attributes = 0;
+    if (type == S_IFREG) {
+        kind = FileKind::Regular;
+    } else if (type == S_IFLNK) {
+        kind = FileKind::Symlink;
+        attributes |= FileAttributes::Alias;
+    } else {
+        kind = FileKind::Other;
+        attributes |= FileAttributes::System;
+    }
+    if (!(stMode & S_IWUSR) && type != S_IFLNK)
+        attributes |= FileAttributes::ReadOnly;
+    if (lastComponent(name)[0] == '.')
+        attributes |= FileAttributes::Hidden;
+    if (compressed)
+        attributes |= FileAttributes::Compressed;
 }
 
 FileStat FileStat::read(const QByteArray &nativePath) {

@@ -61,6 +61,12 @@ struct FileStat {
     bool isValid() const { return kind != FileKind::Missing; }
 
     /**
+     * Sets the mode, and the kind and attribute bits that follow from it, for the file called
+     * \a name (a path will do: its last part counts); \a compressed adds that attribute.
+     */
+    void setMode(quint32 stMode, const char *name, bool compressed);
+
+    /**
      * Reads the properties of \a name inside the folder open as \a dirFd (or relative to the
      * working folder for AT_FDCWD) with a single statx, never following a symbolic link.
      */

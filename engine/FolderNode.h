@@ -6,7 +6,10 @@
 #include <QString>
 
 #include <atomic>
+#include <memory>
 #include <utility>
+
+class RecordedFolder;
 
 /**
  * One folder of a walked tree, shared by every file record found in it, so that a record
@@ -60,6 +63,14 @@ public:
     /** True when the file system resolves names in this folder without regard to case. */
     bool ignoresCase() const { return m_ignoresCase; }
     void setIgnoresCase(bool on) { m_ignoresCase = on; }
+    /**
+     * The folder as a manifest recorded it, when the tree was read from one: its files'
+     * properties come from there, not from the disk. Null for a folder on disk.
+     */
+    const RecordedFolder *recorded() const { return m_recorded.get(); }
+    void setRecorded(std::shared_ptr<const RecordedFolder> folder) {
+        m_recorded = std::move(folder);
+    }
     /** The root folder of the tree this folder belongs to, as given to the collection. */
     const QString &rootPath() const { return m_rootPath; }
     /** The folder's native path below the root, without leading separator ("" for the root). */
@@ -86,6 +97,7 @@ private:
     QString m_rootPath;
     qsizetype m_rootNativeLength;
     const FolderNode *m_parent = nullptr;
+    std::shared_ptr<const RecordedFolder> m_recorded;
     mutable std::atomic<int> m_refs{0};
     bool m_ignoresCase = false;
 };

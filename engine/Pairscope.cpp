@@ -3,13 +3,14 @@
 #include "engine/CRC32Object.h"
 #include "engine/PairTest.h"
 #include "engine/PairscopeRun.h"
+#include "engine/ReadAhead.h"
 
 #include <algorithm>
 #include <thread>
 
 Pairscope::Pairscope(QObject *parent)
     : QObject(parent)
-    , m_workerCount(int(std::clamp(std::thread::hardware_concurrency(), 1u, 4u))) {
+    , m_workerCount(ReadAhead::defaultWorkerCount()) {
     qRegisterMetaType<ComparisonFilePtr>();
 }
 

@@ -1,5 +1,7 @@
 #include "engine/PairscopeRun.h"
 
+#include "engine/RecordedFolder.h"
+
 #include <cerrno>
 
 namespace {
@@ -263,6 +265,12 @@ DifferenceList Pairscope::Run::judge(const ComparisonFilePtr &record, const File
     });
 }
 
+CRC32Object::Result Pairscope::Run::checksumOf(const ComparisonFile &record, const FileStat &stat) {
+    if (const RecordedFolder *recorded = record.Folder()->recorded())
+        return recorded->checksum(record.NativeName());
+    return m_engine.m_crc->Checksum(record.NativePath(), stat);
+}
+
 int Pairscope::Run::checksumTest(const ComparisonFilePtr &record, const FileStat &stat,
                                  const ComparisonFilePtr &counterpart,
                                  const FileStat &counterpartStat, const ReadAhead::Job *job) {
@@ -273,10 +281,9 @@ int Pairscope::Run::checksumTest(const ComparisonFilePtr &record, const FileStat
         source = job->sourceChecksum;
         destination = job->destinationChecksum;
     } else {
-        CRC32Object &crc = *m_engine.m_crc;
-        source = crc.Checksum(record->NativePath(), stat);
+        source = checksumOf(*record, stat);
         if (source.status == Status::Ok || source.status == Status::Skipped)
-            destination = crc.Checksum(counterpart->NativePath(), counterpartStat);
+            destination = checksumOf(*counterpart, counterpartStat);
     }
     // A cancel while either file was read leaves the result as it stood.
     if (m_engine.Cancelled() || source.status == Status::Cancelled)

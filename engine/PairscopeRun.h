@@ -40,6 +40,8 @@ private:
     int checksumTest(const ComparisonFilePtr &record, const FileStat &stat,
                      const ComparisonFilePtr &counterpart, const FileStat &counterpartStat,
                      const ReadAhead::Job *job);
+    /** The checksum of \a record's file, read from the disk or from its manifest. */
+    CRC32Object::Result checksumOf(const ComparisonFile &record, const FileStat &stat);
     /** Emits through \a emitter and notices when a handler changed a collection. */
     template <typename Emitter> void notify(Emitter &&emitter);
     /** Queues jobs for the pass while there is room, a batch at a time; \a fill adds one. */

@@ -1,6 +1,7 @@
 #include "engine/ReadAhead.h"
 
 #include "engine/LongPath.h"
+#include "engine/RecordedFolder.h"
 
 #include <algorithm>
 #include <chrono>
@@ -20,7 +21,8 @@ constexpr qint64 maximumClaim = 8;
 } // namespace
 
 ReadAhead::FolderFd *ReadAhead::acquireFolder(int side, const FolderRef &folder) {
-    if (!folder)
+    // A recorded folder has no disk behind it to open.
+    if (!folder || folder->recorded())
         return nullptr;
     if (m_lastFolder[side] != folder) {
         releaseFolder(m_lastFolderFd[side]);
@@ -39,6 +41,10 @@ void ReadAhead::releaseFolder(FolderFd *&folderFd) {
         delete folderFd;
     }
     folderFd = nullptr;
+}
+
+int ReadAhead::defaultWorkerCount() {
+    return int(std::clamp(std::thread::hardware_concurrency(), 1u, 4u));
 }
 
 ReadAhead::ReadAhead(int workers, const PairTestOptions &options, int chunkSize, int window,
@@ -226,34 +232,48 @@ void ReadAhead::finish(Job &job) {
     }
 }
 
+namespace {
+
+FileStat statOf(const FolderRef &folder, const QByteArray &name, const ReadAhead::FolderFd *fd) {
+    if (const RecordedFolder *recorded = folder->recorded())
+        return recorded->stat(name);
+    return fd && fd->fd >= 0 ? FileStat::read(fd->fd, name.constData())
+                             : FileStat::read(folder->childNativePath(name));
+}
+
+CRC32Object::Result checksumOf(CRC32Object &crc, const FolderRef &folder, const QByteArray &name,
+                               const ReadAhead::FolderFd *fd, const FileStat &stat) {
+    if (const RecordedFolder *recorded = folder->recorded())
+        return recorded->checksum(name);
+    return fd && fd->fd >= 0 ? crc.Checksum(fd->fd, name, stat)
+                             : crc.Checksum(folder->childNativePath(name), stat);
+}
+
+} // namespace
+
 void ReadAhead::process(Job &job, CRC32Object &crc) {
     if (!job.sourceFolder)
         return;
-    const int sourceFd = job.sourceFd ? job.sourceFd->fd : -1;
-    job.sourceStat = sourceFd >= 0
-                         ? FileStat::read(sourceFd, job.sourceName.constData())
-                         : FileStat::read(job.sourceFolder->childNativePath(job.sourceName));
-    if (!job.destinationFolder)
+    job.sourceStat = statOf(job.sourceFolder, job.sourceName, job.sourceFd);
+    if (!job.destinationFolder) {
+        if (m_checksumsAlone && job.sourceStat.isValid() &&
+            job.sourceStat.kind != FileKind::Other && !m_stop.load(std::memory_order_relaxed)) {
+            job.sourceChecksum =
+                checksumOf(crc, job.sourceFolder, job.sourceName, job.sourceFd, job.sourceStat);
+            job.checksummed = true;
+        }
         return;
-    const int destinationFd = job.destinationFd ? job.destinationFd->fd : -1;
-    job.destinationStat =
-        destinationFd >= 0
-            ? FileStat::read(destinationFd, job.destinationName.constData())
-            : FileStat::read(job.destinationFolder->childNativePath(job.destinationName));
+    }
+    job.destinationStat = statOf(job.destinationFolder, job.destinationName, job.destinationFd);
     if (!needsChecksum(job.sourceStat, job.destinationStat, m_options) ||
         m_stop.load(std::memory_order_relaxed))
         return;
     job.sourceChecksum =
-        sourceFd >= 0
-            ? crc.Checksum(sourceFd, job.sourceName, job.sourceStat)
-            : crc.Checksum(job.sourceFolder->childNativePath(job.sourceName), job.sourceStat);
+        checksumOf(crc, job.sourceFolder, job.sourceName, job.sourceFd, job.sourceStat);
     if (job.sourceChecksum.status == CRC32Object::Status::Ok ||
         job.sourceChecksum.status == CRC32Object::Status::Skipped) {
-        job.destinationChecksum =
-            destinationFd >= 0
-                ? crc.Checksum(destinationFd, job.destinationName, job.destinationStat)
-                : crc.Checksum(job.destinationFolder->childNativePath(job.destinationName),
-                               job.destinationStat);
+        job.destinationChecksum = checksumOf(crc, job.destinationFolder, job.destinationName,
+                                             job.destinationFd, job.destinationStat);
     }
     job.checksummed = true;
 }

@@ -77,6 +77,15 @@ public:
     ReadAhead(const ReadAhead &) = delete;
     ReadAhead &operator=(const ReadAhead &) = delete;
 
+    /** The workers a reader uses unless told otherwise: the processors, at most 4. */
+    static int defaultWorkerCount();
+
+    /**
+     * Whether a job of one file (no destination) has its checksum taken too, where it has one:
+     * a tree's manifest needs every file's. Off by default; set it before the first job.
+     */
+    void setChecksumsAlone(bool on) { m_checksumsAlone = on; }
+
     /** Sequence number of the next job next() hands out (jobs are counted from 0). */
     qint64 filled() const { return m_filled; }
     /** Sequence number of front(). */
@@ -129,6 +138,7 @@ private:
     std::atomic<int> m_workerCount;
     /** Set by a worker whose last jobs read the disk; cleared by the caller. */
     std::atomic<bool> m_diskBound{false};
+    bool m_checksumsAlone = false;
     /** The descriptor of the last folder of each side, kept for the jobs that follow. */
     FolderFd *m_lastFolderFd[2] = {nullptr, nullptr};
     FolderRef m_lastFolder[2];

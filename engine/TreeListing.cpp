@@ -43,6 +43,7 @@ void TreeListing::run() {
                 batch.error = error;
                 publish(std::move(batch));
             },
+            {},
         },
         m_rule, m_filter);
     walker.walk(m_root);

@@ -254,7 +254,11 @@ void TreeWalker::walk(const FolderRef &root) {
     std::vector<Frame> stack;
 
     stack.push_back({root, {}, 0, {}});
-    if (!list(root, true, stack.back().scope) || !visitFiles(root, stack.back().subfolders))
+    if (!list(root, true, stack.back().scope))
+        return;
+    if (m_callbacks.folder)
+        m_callbacks.folder(root);
+    if (!visitFiles(root, stack.back().subfolders))
         return;
 
     while (!stack.empty()) {
@@ -270,6 +274,8 @@ void TreeWalker::walk(const FolderRef &root) {
         Frame frame{child, {}, 0, top.scope};
         if (!list(child, false, frame.scope))
             continue;
+        if (m_callbacks.folder)
+            m_callbacks.folder(child);
         if (!visitFiles(child, frame.subfolders))
             return;
         stack.push_back(std::move(frame));

@@ -41,6 +41,11 @@ public:
          * below it is walked.
          */
         std::function<void(const FolderRef &folder, int error)> unreadable;
+        /**
+         * Optional: every folder that could be listed, the root first, before its files; also
+         * one without files. A walk that only makes records has no use for it.
+         */
+        std::function<void(const FolderRef &folder)> folder;
     };
 
     explicit TreeWalker(Callbacks callbacks, CaseRule rule = CaseRule::Automatic,

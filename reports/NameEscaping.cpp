@@ -1,5 +1,6 @@
 #include "reports/NameEscaping.h"
 
+#include "engine/ByteEscaping.h"
 #include "engine/PathHelpers.h"
 
 namespace {
@@ -32,18 +33,7 @@ QByteArray NameEscaping::tsv(const QByteArray &name) {
 }
 
 QByteArray NameEscaping::bytes(const QByteArray &name) {
-    QByteArray out;
-    out.reserve(name.size() * 2);
-    for (const char c : name) {
-        const uchar byte = uchar(c);
-        if (c == '\\')
-            out += "\\\\";
-        else if (byte >= 0x20 && byte < 0x7F)
-            out += c;
-        else
-            appendHex(out, byte);
-    }
-    return out;
+    return ByteEscaping::escape(name);
 }
 
 QString NameEscaping::readable(const QByteArray &name) {

@@ -91,6 +91,10 @@ void tst_CliOptions::refusesBadArguments_data() {
     QTest::newRow("empty destination") << QByteArray("a @") << "DESTINATION is an empty argument";
     QTest::newRow("a newline in an argument stays escaped")
         << QByteArray("--case x\ny a b") << "unknown --case 'x\\ny'";
+    QTest::newRow("standard input for both sides")
+        << QByteArray("- -") << "standard input (-) can stand for one side only";
+    QTest::newRow("--crc without --manifest") << QByteArray("--crc a b") << "--crc belongs with";
+    QTest::newRow("manifest of two roots") << QByteArray("--manifest a b") << "--manifest takes";
 }
 
 void tst_CliOptions::refusesBadArguments() {

@@ -1,6 +1,7 @@
 #include "cli/CompareRun.h"
 #include "cli/NameEscaping.h"
 #include "support/ChildRun.h"
+#include "support/CliResult.h"
 #include "support/TestTree.h"
 
 #include <QDir>
@@ -17,13 +18,6 @@
 namespace {
 
 constexpr time_t Base = 1700000000; // 2023-11-14 22:13:20 UTC
-
-/** What one run of the program gave. */
-struct CliResult {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
 
 /**
  * Runs pairscope-cli with \a arguments, in \a locale and a pinned time zone (UTC+02:30, so that
@@ -43,13 +37,7 @@ CliResult runCli(const QStringList &arguments, bool unprivileged = false,
     } else {
         process.start(program, arguments);
     }
-    CliResult result;
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.exitCode = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
-    return result;
+    return CliResult::of(process);
 }
 
 /**

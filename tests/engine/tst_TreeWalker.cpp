@@ -61,6 +61,7 @@ QList<QByteArray> walk(const QByteArray &root, const QString &rootText) {
             return true;
         },
         [](const FolderRef &, int) { QFAIL("a folder could not be read"); },
+        {},
     });
     walker.walk(FolderRef::make(root, root.size(), rootText));
     return walked;
