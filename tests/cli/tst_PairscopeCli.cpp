@@ -204,14 +204,13 @@ void tst_PairscopeCli::textFollowsTheLocale() {
 void tst_PairscopeCli::refusesRoots_data() {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("message");
-
-    QTest::newRow("source is a file") << QStringList{QStringLiteral("@/file"), QStringLiteral("@")}
-                                      << QByteArray("pairscope-cli: @/file: not a folder\n");
+    QTest::newRow("source is a file")
+        << QStringList{"@/file", "@"} << QByteArray("pairscope-cli: @/file: not a folder\n");
     QTest::newRow("empty source")
-        << QStringList{QString(), QStringLiteral("@")}
+        << QStringList{QString(), "@"}
         << QByteArray("pairscope-cli: SOURCE is an empty argument; give a folder "
                       "(see pairscope-cli --help)\n");
-    QTest::newRow("both missing") << QStringList{QStringLiteral("@/none"), QStringLiteral("@/gone")}
+    QTest::newRow("both missing") << QStringList{"@/none", "@/gone"}
                                   << QByteArray(
                                          "pairscope-cli: @/none: No such file or directory\n"
                                          "pairscope-cli: @/gone: No such file or directory\n");
@@ -254,8 +253,7 @@ void tst_PairscopeCli::oddNames() {
 }
 
 void tst_PairscopeCli::rootGoneAfterTheCheck() {
-    // The roots are checked before the walk; one can still go (an unmounted disk) before it.
-    // The run is made here, past the check, as it would be then.
+    // Past the check of the roots, one can still go (an unmounted disk) before the walk.
     PairTree pair;
     CliOptions options;
     options.source = QFile::encodeName(pair.source());
