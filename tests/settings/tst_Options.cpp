@@ -89,9 +89,9 @@ void tst_Options::outOfRangeValues_data() {
     QTest::addColumn<int>("chunkSize");
     QTest::addColumn<int>("orientation");
     QTest::addColumn<WindowRect>("rect");
-    QTest::newRow("too small, unknown, missing keys")
-        << QByteArray("CRCChunkSize=512\nOrientation=3\nWidth=800\n") << 1024 << 2
-        << WindowRect{100, 50, 800, 480};
+    QTest::newRow("too small, unknown, smallest, missing keys")
+        << QByteArray("CRCChunkSize=512\nOrientation=3\nWidth=800\nHeight=1\n") << 1024 << 2
+        << WindowRect{100, 50, 800, 1};
     QTest::newRow("giant") << QByteArray("CRCChunkSize=2000000000\nOrientation=1\nLeft=1e9\n"
                                          "Width=2000000000\nHeight=1e300\n")
                            << 16777216 << 1 << defaultRect;
