@@ -79,10 +79,11 @@ void tst_CliOptions::parsesOptions_data() {
     QTest::addColumn<QByteArray>("parsed");
     QTest::newRow("defaults") << QByteArray("a b") << QByteArray("a b 3 65536 crc-last slack text");
     QTest::newRow("bundled flags, attached values, upper case")
-        << QByteArray("-aqc Size,CRC --format=json --chunk-size=1024 a b")
+        << QByteArray("-aqcSize,CRC --format=json --chunk-size=1024 a b")
         << QByteArray("a b 33 1024 crc-last slack all quiet json");
     QTest::newRow("flags after the roots")
-        << QByteArray("a --crc-first b --no-slack --format tsv") << QByteArray("a b 3 65536 tsv");
+        << QByteArray("a --crc-first b -c size --no-slack --format tsv")
+        << QByteArray("a b 1 65536 tsv");
     QTest::newRow("roots after --")
         << QByteArray("-a -- -a --help") << QByteArray("-a --help 3 65536 crc-last slack all text");
 }
@@ -229,9 +230,9 @@ void tst_CliOptions::escapesNames_data() {
     // A backslash is doubled for people too: this name and the Latin-1 byte below differ.
     QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
                                          << QByteArray("caf\\\\xe9") << "caf\\\\xe9" << true;
-    QTest::newRow("UTF-8") << QByteArray("caf\xc3\xa9") << QByteArray("caf\xc3\xa9")
-                           << QByteArray("caf\\xc3\\xa9") << QString::fromUtf8("caf\xc3\xa9")
-                           << true;
+    QTest::newRow("UTF-8, a blank")
+        << QByteArray("caf\xc3\xa9 2") << QByteArray("caf\xc3\xa9 2")
+        << QByteArray("caf\\xc3\\xa9 2") << QString::fromUtf8("caf\xc3\xa9 2") << true;
     QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
                                   << QByteArray("caf\\xe9") << "caf\\xe9" << false;
     QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")

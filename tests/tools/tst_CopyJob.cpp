@@ -251,21 +251,23 @@ void tst_CopyJob::killedCopyLeavesNothingListed() {
 
 void tst_CopyJob::replaceQuestion_data() {
     QTest::addColumn<QList<int>>("answers");
-    QTest::addColumn<bool>("stopInSecond");   // the progress display's Cancel, in b's data
+    QTest::addColumn<int>("stopAt"); // the progress display's Cancel in b, at this bytesDone
     QTest::addColumn<QByteArray>("expected"); // what a, b, c hold afterwards, and the statuses
     using A = ReplaceAnswer;
-    QTest::newRow("yes, no, yes") << QList<int>{int(A::Yes), int(A::No), int(A::Yes)} << false
+    QTest::newRow("yes, no, yes") << QList<int>{int(A::Yes), int(A::No), int(A::Yes)} << -1
                                   << QByteArray("AbC CSC");
-    QTest::newRow("yes to all") << QList<int>{int(A::YesToAll)} << false << QByteArray("ABC CCC");
+    QTest::newRow("yes to all") << QList<int>{int(A::YesToAll)} << -1 << QByteArray("ABC CCC");
     QTest::newRow("cancel at the second")
-        << QList<int>{int(A::Yes), int(A::Cancel)} << false << QByteArray("Abc CNN");
+        << QList<int>{int(A::Yes), int(A::Cancel)} << -1 << QByteArray("Abc CNN");
+    QTest::newRow("cancelled before the second")
+        << QList<int>{int(A::YesToAll)} << 1 << QByteArray("Abc CNN");
     QTest::newRow("cancelled while copying the second")
-        << QList<int>{int(A::YesToAll)} << true << QByteArray("Abc CNN");
+        << QList<int>{int(A::YesToAll)} << 2 << QByteArray("Abc CNN");
 }
 
 void tst_CopyJob::replaceQuestion() {
     QFETCH(QList<int>, answers);
-    QFETCH(bool, stopInSecond);
+    QFETCH(int, stopAt);
     TestTree tree;
     std::vector<CopyItem> items;
     for (const QByteArray n : {"a", "b", "c"}) {
@@ -278,7 +280,7 @@ void tst_CopyJob::replaceQuestion() {
     for (int answer : answers)
         observer.answers.push_back(ReplaceAnswer(answer));
     observer.onProgress = [&](const CopyProgress &p) {
-        return !stopInSecond || p.current != 1 || p.bytesDone < 2;
+        return stopAt < 0 || p.current != 1 || p.bytesDone < stopAt;
     };
     const QByteArray outcomes = statuses(job.run(observer));
     QCOMPARE(observer.asked.size(), answers.size());
