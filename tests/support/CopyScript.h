@@ -55,7 +55,7 @@ private:
     }
 };
 
-QByteArray readNative(const QByteArray &path) {
+inline QByteArray readNative(const QByteArray &path) {
     QFile file;
     const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0 || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
@@ -63,13 +63,13 @@ QByteArray readNative(const QByteArray &path) {
     return file.readAll();
 }
 
-bool existsNative(const QByteArray &path) {
+inline bool existsNative(const QByteArray &path) {
     struct stat st {};
     return ::lstat(path.constData(), &st) == 0;
 }
 
 /** Temporary files of the copy left anywhere below \a folder. */
-QStringList leftovers(const QString &folder) {
+inline QStringList leftovers(const QString &folder) {
     QStringList found;
     QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System,
                     QDirIterator::Subdirectories);
@@ -81,7 +81,7 @@ QStringList leftovers(const QString &folder) {
 }
 
 /** A copy of \a from to \a to below \a tree, each path's first folder its root (made here). */
-CopyItem item(const TestTree &tree, const QByteArray &from, const QByteArray &to) {
+inline CopyItem item(const TestTree &tree, const QByteArray &from, const QByteArray &to) {
     const auto root = [&tree](const QByteArray &path) {
         return tree.nativePath(path.left(path.indexOf('/')));
     };
@@ -89,7 +89,7 @@ CopyItem item(const TestTree &tree, const QByteArray &from, const QByteArray &to
     return {tree.nativePath(from), tree.nativePath(to), root(from), root(to)};
 }
 
-QByteArray randomBytes(qsizetype size) {
+inline QByteArray randomBytes(qsizetype size) {
     QByteArray bytes(size, Qt::Uninitialized);
     QRandomGenerator(42).fillRange(reinterpret_cast<quint32 *>(bytes.data()), size / 4);
     return bytes;
