@@ -1,6 +1,6 @@
 #include "cli/CliOptions.h"
 
-#include "cli/NameEscaping.h"
+#include "reports/NameEscaping.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,5 +1,6 @@
+#include "reports/NameEscaping.h"
+
 #include "cli/CompareRun.h"
-#include "cli/NameEscaping.h"
 #include "engine/PathHelpers.h"
 #include "support/TestTree.h"
 
