@@ -236,7 +236,6 @@ void TreeWalker::applyFilter(int fd, const FolderNode &folder, TreeFilter::Scope
 }
 
 bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders) {
-    subfolders.clear();
     m_files.clear();
     for (const Entry &entry : m_entries)
         (entry.folder ? subfolders : m_files).push_back(entryName(entry));

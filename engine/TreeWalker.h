@@ -89,7 +89,8 @@ private:
     /** True when the listing holds the name \a name. */
     bool listed(const QByteArray &name) const;
     QByteArray entryName(const Entry &entry) const;
-    /** Reports the files of the listing; returns the subfolder names, or false when stopped. */
+    /** Reports the files of the listing and puts the subfolders' names in the empty \a subfolders;
+     * false when stopped. */
     bool visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders);
 
     Callbacks m_callbacks;

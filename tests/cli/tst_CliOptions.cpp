@@ -242,6 +242,8 @@ void tst_CliOptions::escapesNames_data() {
                            << QString::fromUtf8("\xc3\xa9 \xe2\x82\xac\xf0\x9f\x98\x80") << true;
     QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
                                   << QByteArray("caf\\xe9") << "caf\\xe9" << false;
+    QTest::newRow("lone continuation byte")
+        << QByteArray("a\x80") << QByteArray("a\x80") << QByteArray("a\\x80") << "a\\x80" << false;
     QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")
                                     << QByteArray("\\xc0\\xaf") << "\\xc0\\xaf" << false;
     QTest::newRow("cut short at the end") << QByteArray("a\xe2\x82") << QByteArray("a\xe2\x82")
