@@ -144,6 +144,13 @@ private Q_SLOTS:
         QTEST(TranslatePath(path, from, QStringLiteral("/dst"), lower), "expected");
     }
 
+    void pathTextKeepsItsBytes() {
+        // A folder typed or chosen in the window is text; one named in bytes that are no UTF-8
+        // must still be opened by those bytes.
+        const QByteArray native("/media/caf\xe9");
+        QCOMPARE(NativeFromPath(PathTextFromNative(native)), native);
+    }
+
     void danglingLinkIsAFile() {
         TestTree tree;
         QVERIFY(::symlink("nowhere", tree.nativePath("dangling").constData()) == 0);
