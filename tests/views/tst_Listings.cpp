@@ -289,6 +289,9 @@ void tst_Listings::headerClicksSortBothLists() {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
     QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
     QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
+    for (const ListView *list : w.lists) // the arrow on both, from the first sort on
+        QVERIFY(list->header()->isSortIndicatorShown() &&
+                list->header()->sortIndicatorSection() == section);
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
     QCOMPARE(w.names(0), (QStringList{"a", "b", "c"}));
     // Unlinked, the other list keeps its order.
