@@ -7,6 +7,15 @@
 #include "views/FileListModel.h"
 #include "views/ListView.h"
 
+namespace {
+
+// Records decided between two chances for the event loop to run. Each may need a look at the
+// disk, which takes far longer when the kernel has dropped the tree's inodes meanwhile; the
+// chance itself costs next to nothing when the event loop ran only just now.
+constexpr int RecordsPerSlice = 64;
+
+} // namespace
+
 ResultListing::ResultListing(std::array<ListView *, 2> lists, ImageList *icons)
     : m_lists(lists)
     , m_icons(icons) {}
@@ -52,24 +61,29 @@ void ResultListing::ListPair(const ComparisonFilePtr &sourceFile, const Comparis
     }
 }
 
-void ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
-                            const ComparisonFileCollection &destFiles, const ViewState &view) {
+bool ResultListing::Refresh(const ComparisonFileCollection &sourceFiles,
+                            const ComparisonFileCollection &destFiles, const ViewState &view,
+                            const CarryOn &carryOn) {
     const ComparisonFileCollection *collections[2] = {&sourceFiles, &destFiles};
+    int done = 0;
+    // Both at once, before the first slice: Show Full Path may be toggled between slices.
+    // Rows that stay keep their place, rows that newly qualify are appended, and the rows no
+    // record confirmed go; the marks move with their rows should a sort come between slices.
+    for (ListView *list : m_lists) {
+        list->files()->setFullPath(view.fullPath);
+        list->files()->markAllStale();
+    }
     for (int side = 0; side < 2; ++side) {
-        // Rows that stay keep their place, rows that newly qualify are appended, and the rows
-        // no record confirmed go.
-        std::vector<bool> confirmed(size_t(m_lists[size_t(side)]->files()->count()), false);
         for (const ComparisonFilePtr &record : *collections[side]) {
+            if (carryOn && ++done % RecordsPerSlice == 0 && !carryOn())
+                return false;
             if (!IsListed(*record, view.allFiles, view.missingPlaceholders))
                 continue;
-            const size_t row = size_t(Add(side, record, view.fullPath));
-            if (row >= confirmed.size())
-                confirmed.resize(row + 1, false);
-            confirmed[row] = true;
+            AddToListview(record, m_lists[size_t(side)], m_icons);
         }
-        m_lists[size_t(side)]->files()->removeRowsIf(
-            [&confirmed](int row) { return !confirmed[size_t(row)]; });
+        m_lists[size_t(side)]->files()->removeStaleRows();
     }
+    return true;
 }
 
 void ResultListing::UpdateListView(int side, bool fullPath) {

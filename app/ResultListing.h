@@ -3,6 +3,7 @@
 #include "engine/ComparisonFile.h"
 
 #include <array>
+#include <functional>
 
 class ComparisonFileCollection;
 class ImageList;
@@ -36,11 +37,20 @@ public:
                   int comparisonResult, const ViewState &view);
 
     /**
+     * Called between slices of a rebuild; returns false when the rebuild is to stop where it
+     * is (newer work has taken the lists over).
+     */
+    using CarryOn = std::function<bool()>;
+
+    /**
      * Re-decides both lists from the collections: rows that still qualify stay where they
      * are and are refreshed, rows that newly qualify are appended, the rest are removed.
+     * With \a carryOn the lists are rebuilt in slices; returns false when \a carryOn stopped
+     * the rebuild, leaving the lists to whoever stopped it.
      */
-    void Refresh(const ComparisonFileCollection &sourceFiles,
-                 const ComparisonFileCollection &destFiles, const ViewState &view);
+    bool Refresh(const ComparisonFileCollection &sourceFiles,
+                 const ComparisonFileCollection &destFiles, const ViewState &view,
+                 const CarryOn &carryOn = {});
 
     /** Shows the "In Folder" texts of list \a side as full paths or below the root. */
     void UpdateListView(int side, bool fullPath);

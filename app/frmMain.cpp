@@ -16,6 +16,7 @@
 #include "tools/FolderCombo.h"
 #include "tools/GeneralHelpers.h"
 #include "tools/frmFilters.h"
+#include "views/BackgroundRelease.h"
 #include "views/ColumnLayout.h"
 #include "views/ColumnPopup.h"
 #include "views/FileListModel.h"
@@ -47,6 +48,8 @@
 
 #include <cmath>
 #include <sys/stat.h>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -224,6 +227,7 @@ void frmMain::BuildPanes() {
             return side ? colDestFiles.get() : colSourceFiles.get();
         },
         this);
+    m_linked->setYieldHook([this] { m_yield(); });
     m_columnPopup = new ColumnPopup(m_linked, this);
 }
 
@@ -385,8 +389,9 @@ void frmMain::ToggleViewOption(bool Options::ViewOptions::*option, bool on) {
     using View = Options::ViewOptions;
     if (option == &View::linkListings) {
         m_linked->SwitchLinking(view.linkListings);
-        // Placeholder rows stand for the other side's files, so they are decided anew.
-        if (view.useMissingPlaceholders)
+        // Placeholder rows stand for the other side's files, so they are decided anew. The
+        // sort let the event loop run: the options are read as they stand now.
+        if (m_view.useMissingPlaceholders)
             RefreshFileListings();
     } else if (option == &View::useMissingPlaceholders || option == &View::allFiles)
         RefreshFileListings();
@@ -394,9 +399,10 @@ void frmMain::ToggleViewOption(bool Options::ViewOptions::*option, bool on) {
         UpdateListView(0);
         UpdateListView(1);
     }
-    // Bold marks differing rows among identical ones, so it needs Show All Files.
+    // Bold marks differing rows among identical ones, so it needs Show All Files. A rebuild
+    // lets the event loop run, so another toggle may have come meanwhile.
     for (ListView *list : lvwFiles)
-        list->files()->setBoldDifferent(view.allFiles && view.boldDifferences);
+        list->files()->setBoldDifferent(m_view.allFiles && m_view.boldDifferences);
 }
 
 ListView *frmMain::ActiveList() const {
@@ -450,10 +456,18 @@ void frmMain::ResetOptions() {
 }
 
 void frmMain::ClearDisplay() {
+    // A rebuild still under way stops: the lists are to stay empty.
+    ++m_listingsWork;
+    const bool rebuilding = !m_running && IsBusy();
     // The collections stay: a View toggle afterwards lists the last result again.
     for (int i = 0; i < 2; ++i) {
         lvwFiles[i]->files()->clear();
         lblPath[i]->setText(QString());
+    }
+    if (rebuilding) {
+        unsetCursor();
+        UpdateStatus(CompleteText(), false, -1, false);
+        StatusBar1->setTextClickable(ProblemCount() > 0);
     }
 }
 
@@ -556,7 +570,23 @@ void frmMain::cmdCompare_Click() {
         m_problems->SetProblems(m_session.problemsOf(0), m_session.problemsOf(1));
 }
 
+void frmMain::ReleaseLastAttempt() {
+    const std::array<QObject *, 3> last = {colSourceFiles.get(), colDestFiles.get(),
+                                           oPairscope.get()};
+    for (QObject *object : last) {
+        if (!object)
+            continue;
+        object->disconnect(this);
+        // Deleted on the release thread, they must belong to no thread.
+        object->moveToThread(nullptr);
+    }
+    ReleaseInBackground(
+        std::make_tuple(std::move(colSourceFiles), std::move(colDestFiles), std::move(oPairscope)));
+}
+
 void frmMain::StartAttempt() {
+    ++m_listingsWork;
+    ReleaseLastAttempt();
     colSourceFiles = m_session.sourceFiles();
     colDestFiles = m_session.destinationFiles();
     oPairscope = m_session.engine();
@@ -627,7 +657,7 @@ void frmMain::ResortLinkedLists() {
     // stands, and both with the source collection: the order the program has always shown.
     for (ListView *list : lvwFiles) {
         SortListView(list, colSourceFiles.get(), list->shownType(list->sortKey()),
-                     list->sortOrder() == Qt::AscendingOrder);
+                     list->sortOrder() == Qt::AscendingOrder, [this] { m_yield(); });
     }
 }
 
@@ -671,16 +701,36 @@ void frmMain::ShowProblems() {
 }
 
 void frmMain::RefreshFileListings() {
-    if (IsBusy())
+    // A compare lists its pairs with the options in force as each one is settled.
+    if (m_running)
         return;
     if (!colSourceFiles || !colDestFiles || colSourceFiles->Count() == 0 ||
         colDestFiles->Count() == 0)
         return;
+    // Rebuilt in slices with the event loop running between them: an earlier rebuild still
+    // under way gives way to this one, and this one to a compare, a later rebuild or Clear
+    // Display. A compare replaces the collections, so the rebuild keeps its own.
+    const quint64 rebuild = ++m_listingsWork;
+    std::shared_ptr<ComparisonFileCollection> sources = colSourceFiles;
+    std::shared_ptr<ComparisonFileCollection> destinations = colDestFiles;
+    const auto current = [this, rebuild] { return rebuild == m_listingsWork; };
     UpdateStatus(QStringLiteral("Rebuilding display..."), false, -1, true);
-    setCursor(Qt::WaitCursor);
-    repaint();
-    const ResultListing::ViewState view = CurrentViewState();
-    m_listing->Refresh(*colSourceFiles, *colDestFiles, view);
+    bool finished = current();
+    if (finished) {
+        setCursor(Qt::WaitCursor);
+        repaint();
+        finished =
+            m_listing->Refresh(*sources, *destinations, CurrentViewState(), [this, &current] {
+                m_yield();
+                return current();
+            });
+    }
+    // A compare started meanwhile has handed them to the release thread already, which
+    // gets these last references too.
+    if (sources != colSourceFiles || destinations != colDestFiles)
+        ReleaseInBackground(std::make_pair(std::move(sources), std::move(destinations)));
+    if (!finished)
+        return;
     unsetCursor();
     UpdateStatus(CompleteText(), false, -1, true);
     StatusBar1->setTextClickable(ProblemCount() > 0);

@@ -190,6 +190,8 @@ private:
 
     /** Takes a new attempt's collections and engine and clears the listings for it. */
     void StartAttempt();
+    /** Hands the last attempt's collections and engine to the release thread. */
+    void ReleaseLastAttempt();
     ResultListing::ViewState CurrentViewState() const;
     void ResortLinkedLists();
 
@@ -219,6 +221,11 @@ private:
     bool m_closeRequested = false;
     /** True while the run's handler is on the stack. */
     bool m_running = false;
+    /**
+     * Counts the rebuilds of the listings, the compare attempts and Clear Display: a rebuild
+     * that lets the event loop run stops as soon as newer work has taken the lists over.
+     */
+    quint64 m_listingsWork = 0;
     /** File > Save Report; declared last, so that it goes before the session it listens to. */
     std::unique_ptr<ReportCommand> m_report;
 };

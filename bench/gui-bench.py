@@ -2,7 +2,7 @@
 """gui-bench.py: the main window measured against pairscope-cli on the same trees, side by side.
 
 usage: bench/gui-bench.py [-n ROUNDS] [--build DIR] [--scratch DIR] [--files N] [--keep] [--reuse]
-                          [--only compare|listings|cancel]
+                          [--only compare|listings|stalls|cancel]
 
   -n ROUNDS   rounds of the compare timings (default 5); figures are medians
   --build     a configured build folder holding gui-bench and pairscope-cli; they are built there
@@ -10,7 +10,7 @@ usage: bench/gui-bench.py [-n ROUNDS] [--build DIR] [--scratch DIR] [--files N] 
   --scratch   folder for the trees, outside the repository (default /tmp/pairscope-gui-bench)
   --files N   files per tree of the compare corpus (default 100000)
   --keep      keep the trees afterwards (deleted by default); --reuse takes kept ones again
-  --only      one part: compare, listings or cancel
+  --only      one part: compare, listings, stalls or cancel
 
 Parts:
   compare   make-corpus trees of N files each, about 20 % of the pairs differing in size or
@@ -24,6 +24,10 @@ Parts:
   listings  gui-bench listings on the compare corpus and on one of twice its size: header
             clicks on Size and Date Modified (both linked lists sort) and Show All Files
             turned off and on again.
+  stalls    gui-bench stalls on the compare corpus, Show All Files on, ROUNDS times: the
+            longest wait of the event loop during a compare, a second compare, and each View
+            toggle that changes the listings (off and on again); printed: the worst of the
+            rounds and the median.
   cancel    a tree of 1,000,000 empty files (gui-bench make-tree); a compare of it cancelled
             0.5, 2 and 5 s after the click, by the mouse and by Esc, timed from the moment the
             cancel was posted to the window until the run has stopped.
@@ -50,7 +54,7 @@ def parse_args():
     p.add_argument("--files", type=int, default=100000)
     p.add_argument("--keep", action="store_true")
     p.add_argument("--reuse", action="store_true")
-    p.add_argument("--only", choices=["compare", "listings", "cancel"])
+    p.add_argument("--only", choices=["compare", "listings", "stalls", "cancel"])
     a = p.parse_args()
     a.scratch = os.path.realpath(a.scratch)
     if (a.scratch + "/").startswith(ROOT + "/"):
@@ -179,6 +183,23 @@ def listings_part(a, gui, path):
           f"{v.get('rows_off_on', ['?'])[0]}; status '{v.get('status', ['?'])[0]}'; rc {rc}")
 
 
+def stalls_part(a, gui, path):
+    waits = {}
+    rows = "?"
+    for _ in range(a.rounds):
+        prewarm(path)
+        wall, rss, rc, v = run([gui, "stalls", "SRC", "DST"], cwd=path)
+        for line in v.get("stall", []):
+            name, ms = line.split()[:2]
+            waits.setdefault(name, []).append(float(ms))
+        rows = [r.strip(",") for r in v.get("stall", ["? " * 10])[0].split()[8:10]]
+    print(f"\n== stalls: {path}, rows per list {' '.join(rows)}, Show All Files on; longest wait of "
+          f"the event loop, ms, over {a.rounds} runs (worst, median); load average "
+          f"{' '.join(open('/proc/loadavg').read().split()[:3])}")
+    for name, ms in waits.items():
+        print(f"  {name:<12} {max(ms):>7.1f} {statistics.median(ms):>7.1f}")
+
+
 def cancel_part(a, gui, scratch):
     tree = os.path.join(scratch, "million")
     if not (a.reuse and os.path.exists(os.path.join(tree, "d999"))):
@@ -205,7 +226,7 @@ def main():
     os.makedirs(a.scratch, exist_ok=True)
     made = []
     try:
-        if a.only in (None, "compare", "listings"):
+        if a.only in (None, "compare", "listings", "stalls"):
             made.append(corpus(os.path.join(a.scratch, "compare"), a.files, a.reuse))
             os.sync()
         if a.only in (None, "compare"):
@@ -214,6 +235,8 @@ def main():
             listings_part(a, gui, made[0])
             made.append(corpus(os.path.join(a.scratch, "double"), 2 * a.files, a.reuse))
             listings_part(a, gui, made[1])
+        if a.only in (None, "stalls"):
+            stalls_part(a, gui, made[0])
         if a.only in (None, "cancel"):
             made.append(os.path.join(a.scratch, "million"))
             cancel_part(a, gui, a.scratch)

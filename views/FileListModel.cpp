@@ -1,12 +1,16 @@
 #include "views/FileListModel.h"
 
 #include "engine/DifferenceCode.h"
+#include "views/BackgroundRelease.h"
 #include "views/ImageList.h"
 #include "views/ListColumns.h"
 #include "views/RecordText.h"
 #include "views/TextCollation.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
 
 namespace {
 
@@ -122,38 +126,51 @@ void FileListModel::allChanged(const QList<int> &roles) {
         Q_EMIT dataChanged(index(0, 0), index(m_shownRows - 1, ColumnTypeCount - 1), roles);
 }
 
-int FileListModel::rowOfKey(const QString &key) const {
-    const ComparisonFile *file = m_byKey.value(key);
-    return file ? m_rowOf.value(file, -1) : -1;
+void FileListModel::ReleaseRows(std::vector<Row> rows) {
+    RunReleaseInBackground([rows = std::move(rows)]() mutable {
+        // Freed a slice at a time with pauses between: the allocator's lock is shared with
+        // the window's thread, which a tight loop of frees would keep waiting.
+        constexpr size_t RowsPerSlice = 2048;
+        while (!rows.empty()) {
+            rows.resize(rows.size() - std::min(rows.size(), RowsPerSlice));
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+        }
+    });
 }
 
-void FileListModel::renumber() {
-    m_rowOf.clear();
-    m_rowOf.reserve(count());
-    for (int i = 0; i < count(); ++i)
-        m_rowOf.insert(record(i).get(), i);
+int FileListModel::rowOfKey(const QString &key) const {
+    return m_rowOfKey.value(key, -1);
 }
 
 int FileListModel::addRecord(const ComparisonFilePtr &record, int icon) {
     // One look-up both finds the row of the key and takes the slot for a new one.
-    const ComparisonFile *&slot = m_byKey[record->Key()];
-    if (slot) {
-        const int row = m_rowOf.value(slot);
+    const qsizetype keys = m_rowOfKey.size();
+    int &slot = m_rowOfKey[record->Key()];
+    if (m_rowOfKey.size() == keys) {
+        const int row = slot;
         Row &existing = m_rows[size_t(row)];
+        existing.stale = false;
         if (existing.record != record || existing.icon != icon) {
-            m_rowOf.remove(slot);
-            m_rowOf.insert(record.get(), row);
-            slot = record.get();
-            existing = {record, icon};
+            existing.record = record;
+            existing.icon = icon;
             markChanged(row);
         }
         return row;
     }
-    slot = record.get();
-    m_rowOf.insert(slot, count());
-    m_rows.push_back({record, icon});
+    slot = count();
+    ++m_rowsGeneration;
+    m_rows.push_back({record, icon, false});
     scheduleFlush();
     return count() - 1;
+}
+
+void FileListModel::markAllStale() {
+    for (Row &row : m_rows)
+        row.stale = true;
+}
+
+int FileListModel::removeStaleRows() {
+    return removeRowsIf([this](int row) { return m_rows[size_t(row)].stale; });
 }
 
 int FileListModel::removeRowsIf(const std::function<bool(int row)> &remove) {
@@ -165,50 +182,67 @@ int FileListModel::removeRowsIf(const std::function<bool(int row)> &remove) {
         if (!remove(int(i)))
             moved[i] = kept++;
     }
-    const int removed = count() - kept;
-    if (removed == 0)
-        return 0;
+    return kept == count() ? 0 : moveRows(moved, QAbstractItemModel::NoLayoutChangeHint);
+}
+
+int FileListModel::moveRows(const std::vector<int> &newPosition,
+                            QAbstractItemModel::LayoutChangeHint hint) {
+    ++m_rowsGeneration;
     // One layout change instead of a removal per run of rows: the selection and the
     // current row move with their rows, and removed rows drop out of them.
-    Q_EMIT layoutAboutToBeChanged();
+    Q_EMIT layoutAboutToBeChanged({}, hint);
     const QModelIndexList from = persistentIndexList();
     QModelIndexList to;
     to.reserve(from.size());
     for (const QModelIndex &old : from) {
-        const int row = moved[size_t(old.row())];
+        const int row = newPosition[size_t(old.row())];
         to.append(row < 0 ? QModelIndex() : index(row, old.column()));
     }
-    std::vector<Row> rows;
-    rows.reserve(size_t(kept));
-    // Keys are built anew for whichever is fewer, the rows removed or the rows kept.
-    const bool fewerKept = kept < removed;
+    std::vector<Row> rows(m_rows.size());
+    size_t kept = 0;
     for (size_t i = 0; i < m_rows.size(); ++i) {
-        if (moved[i] >= 0)
-            rows.push_back(std::move(m_rows[i]));
-        else if (!fewerKept)
-            m_byKey.remove(m_rows[i].record->Key());
+        if (newPosition[i] >= 0) {
+            rows[size_t(newPosition[i])] = std::move(m_rows[i]);
+            ++kept;
+        }
     }
-    m_rows = std::move(rows);
-    if (fewerKept) {
-        m_byKey.clear();
-        m_byKey.reserve(count());
-        for (const Row &row : m_rows)
-            m_byKey.insert(row.record->Key(), row.record.get());
+    const int removed = count() - int(kept);
+    rows.resize(kept);
+    // The removed rows' records may be their last holders.
+    ReleaseRows(std::exchange(m_rows, std::move(rows)));
+    // No key is built again: each keeps its slot and learns its new row or, when many rows
+    // went, the keys that stay move to a new table, which is quicker than erasing the rest.
+    if (removed * 4 < count() + removed) {
+        m_rowOfKey.removeIf([&newPosition](const QHash<QString, int>::iterator &it) {
+            const int row = newPosition[size_t(it.value())];
+            if (row >= 0)
+                it.value() = row;
+            return row < 0;
+        });
+    } else {
+        QHash<QString, int> staying;
+        staying.reserve(count());
+        for (auto it = m_rowOfKey.cbegin(); it != m_rowOfKey.cend(); ++it) {
+            if (const int row = newPosition[size_t(it.value())]; row >= 0)
+                staying.insert(it.key(), row);
+        }
+        ReleaseInBackground(std::exchange(m_rowOfKey, std::move(staying)));
     }
     m_shownRows = count();
     m_changedFirst = m_changedLast = -1;
-    renumber();
     changePersistentIndexList(from, to);
-    Q_EMIT layoutChanged();
+    Q_EMIT layoutChanged({}, hint);
     return removed;
 }
 
 void FileListModel::clear() {
     m_flushTimer.stop();
+    ++m_rowsGeneration;
     beginResetModel();
-    m_rows.clear();
-    m_byKey.clear();
-    m_rowOf.clear();
+    // Often the last holders of a compare's records: hundreds of thousands of them would take
+    // the window a noticeable while to free.
+    ReleaseRows(std::exchange(m_rows, {}));
+    ReleaseInBackground(std::exchange(m_rowOfKey, {}));
     m_shownRows = 0;
     m_changedFirst = m_changedLast = -1;
     endResetModel();
@@ -218,34 +252,24 @@ void FileListModel::reserve(int rows) {
     if (rows <= count())
         return;
     m_rows.reserve(size_t(rows));
-    m_byKey.reserve(rows);
-    m_rowOf.reserve(rows);
+    m_rowOfKey.reserve(rows);
 }
 
 void FileListModel::sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order) {
     flush();
     if (m_rows.size() < 2 || keys.size() != m_rows.size())
         return;
-    const std::vector<int> sorted = TextCollation().order(keys, order);
+    applyOrder(TextCollation().order(keys, order));
+}
 
-    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
-    std::vector<Row> rows;
-    rows.reserve(m_rows.size());
+void FileListModel::applyOrder(const std::vector<int> &sorted) {
+    flush();
+    if (m_rows.size() < 2 || sorted.size() != m_rows.size())
+        return;
     std::vector<int> newPosition(m_rows.size());
-    for (size_t to = 0; to < sorted.size(); ++to) {
-        rows.push_back(std::move(m_rows[size_t(sorted[to])]));
+    for (size_t to = 0; to < sorted.size(); ++to)
         newPosition[size_t(sorted[to])] = int(to);
-    }
-    m_rows = std::move(rows);
-    renumber();
-    // Every persistent index (the selection, the current row) moves with its row.
-    const QModelIndexList from = persistentIndexList();
-    QModelIndexList to;
-    to.reserve(from.size());
-    for (const QModelIndex &old : from)
-        to.append(index(newPosition[size_t(old.row())], old.column()));
-    changePersistentIndexList(from, to);
-    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    moveRows(newPosition, QAbstractItemModel::VerticalSortHint);
 }
 
 void FileListModel::setFullPath(bool fullPath) {

@@ -59,16 +59,35 @@ public:
      */
     int addRecord(const ComparisonFilePtr &record, int icon);
     /**
+     * Marks every row stale; addRecord() takes the mark off the row it shows a record in, and
+     * removeStaleRows() removes the rows still marked. The mark moves with its row in a sort.
+     */
+    void markAllStale();
+    /** Removes the rows still marked stale, as removeRowsIf() does; returns how many. */
+    int removeStaleRows();
+    /**
      * Removes every zero-based row that \a remove accepts, in one pass: the rows that stay
      * keep their order, selection and focus. Returns how many were removed.
      */
     int removeRowsIf(const std::function<bool(int row)> &remove);
+    /** Removes every row; the rows' storage is freed on the release thread. */
     void clear();
     /** Makes room for \a count rows in all. */
     void reserve(int count);
 
     /** Orders the rows stably by \a keys (one per row), compared as displayed texts are. */
     void sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order);
+    /**
+     * Puts the rows in the order \a sorted gives (element i: the row that goes to place i),
+     * as TextCollation::order returns it. It must name every row once; nothing happens when
+     * its size is not the number of rows.
+     */
+    void applyOrder(const std::vector<int> &sorted);
+    /**
+     * Changes whenever rows are added, removed, moved or cleared: work that let the event
+     * loop run in between can tell that the rows it read are no longer where it left them.
+     */
+    quint64 rowsGeneration() const { return m_rowsGeneration; }
 
     /** Whether the "In Folder" texts show full paths. */
     bool fullPath() const { return m_fullPath; }
@@ -85,22 +104,25 @@ private:
     struct Row {
         ComparisonFilePtr record;
         int icon = 0;
+        bool stale = false;
     };
 
+    /** Frees \a rows on the release thread, a slice at a time. */
+    static void ReleaseRows(std::vector<Row> rows);
     void scheduleFlush();
     void markChanged(int row);
     void allChanged(const QList<int> &roles);
-    /** Rebuilds the row of each record after rows moved. */
-    void renumber();
+    /**
+     * Moves the rows: row i goes to newPosition[i], or away when that is negative. Returns
+     * how many went.
+     */
+    int moveRows(const std::vector<int> &newPosition, QAbstractItemModel::LayoutChangeHint hint);
 
     std::vector<Row> m_rows;
-    /**
-     * The record of each key, and the row of each record: a sort moves rows without
-     * building every record's key again.
-     */
-    QHash<QString, const ComparisonFile *> m_byKey;
-    QHash<const ComparisonFile *, int> m_rowOf;
+    /** The row of each key; rows that move are renumbered without building keys again. */
+    QHash<QString, int> m_rowOfKey;
     int m_shownRows = 0;
+    quint64 m_rowsGeneration = 0;
     int m_changedFirst = -1;
     int m_changedLast = -1;
     QTimer m_flushTimer;

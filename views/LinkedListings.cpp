@@ -6,6 +6,7 @@
 #include "views/ListSorting.h"
 #include "views/ListView.h"
 
+#include <QItemSelectionModel>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -88,16 +89,17 @@ void LinkedListings::SwitchLinking(bool linked) {
     ColumnLayout::MatchColumns(source, m_lists[1]);
     MirrorSelection(0);
     const bool ascending = source->sortOrder() == Qt::AscendingOrder;
-    if (!SortListView(m_lists[1], Collection(1), source->shownType(source->sortKey()), ascending))
+    if (!SortListView(m_lists[1], Collection(1), source->shownType(source->sortKey()), ascending,
+                      m_yield))
         ColumnClick(0, source->shownType(1));
 }
 
 void LinkedListings::ColumnClick(int side, int type) {
     const ListView *list = m_lists[size_t(side)];
     const bool ascending = type != list->sortType() || list->sortOrder() == Qt::DescendingOrder;
-    SortListView(m_lists[size_t(side)], Collection(0), type, ascending);
+    SortListView(m_lists[size_t(side)], Collection(0), type, ascending, m_yield);
     if (m_linked)
-        SortListView(m_lists[size_t(1 - side)], Collection(1), type, ascending);
+        SortListView(m_lists[size_t(1 - side)], Collection(1), type, ascending, m_yield);
 }
 
 const std::vector<int> &LinkedListings::Counterparts(int fromSide) {
@@ -131,6 +133,13 @@ const std::vector<int> &LinkedListings::Counterparts(int fromSide) {
 void LinkedListings::MirrorSelection(int modelSide) {
     const int followerSide = 1 - modelSide;
     m_mirroring = true;
+    if (!m_lists[size_t(modelSide)]->selectionModel()->hasSelection()) {
+        // Nothing to mirror: no counterpart is needed to know that none is selected.
+        m_lists[size_t(followerSide)]->setSelectedRows({});
+        MirrorFocus(modelSide);
+        m_mirroring = false;
+        return;
+    }
     const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
     const std::vector<int> &counterpart = Counterparts(followerSide);
     std::vector<bool> wanted(counterpart.size(), false);

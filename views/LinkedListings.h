@@ -1,11 +1,14 @@
 #pragma once
 
+#include "engine/YieldHook.h"
+
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
 #include <array>
 #include <functional>
+#include <utility>
 #include <vector>
 
 class ComparisonFileCollection;
@@ -29,6 +32,9 @@ public:
                    QObject *parent = nullptr);
 
     ListView *list(int side) const { return m_lists[size_t(side)]; }
+
+    /** Lets the event loop run while large lists are sorted (see SortListView). */
+    void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
     bool isLinked() const { return m_linked; }
     /**
@@ -86,6 +92,7 @@ private:
 
     std::array<ListView *, 2> m_lists;
     Collections m_collections;
+    YieldHook m_yield;
     bool m_linked = false;
     bool m_mirroring = false;
     bool m_following = false;

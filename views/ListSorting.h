@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/YieldHook.h"
+
 class ComparisonFileCollection;
 class ListView;
 
@@ -12,8 +14,12 @@ class ListView;
  * each row whose key \a collection knows is ordered by that record's sort key instead; a row
  * the collection does not know is ordered by the text it shows.
  *
+ * With \a yield the event loop runs while the rows are sorted: the sort keys are read in
+ * slices and ordered on another thread. Should the rows change meanwhile (a new compare, a
+ * rebuild, another sort), the sort gives way and leaves them as that work left them.
+ *
  * Returns false, having changed nothing, when \a type names no column (0): the caller asked
  * for a header that does not exist.
  */
 bool SortListView(ListView *list, const ComparisonFileCollection *collection, int type,
-                  bool ascending);
+                  bool ascending, const YieldHook &yield = {});

@@ -3,6 +3,7 @@
 #include "views/FileListModel.h"
 #include "views/ListColumns.h"
 
+#include <QAccessible>
 #include <QEvent>
 #include <QHeaderView>
 
@@ -53,6 +54,20 @@ void ListView::changeEvent(QEvent *event) {
         m_files->setBoldFont(bold);
     }
     QTreeView::changeEvent(event);
+}
+
+void ListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                           const QList<int> &roles) {
+    // The base class measures every changed row to find the area to repaint. When a View
+    // option changes every row of a large list, painting the visible rows again is far
+    // cheaper; nothing else of the view keeps row data (no editors, uniform row heights).
+    constexpr int ManyRows = 512;
+    if (topLeft.isValid() && bottomRight.row() - topLeft.row() >= ManyRows &&
+        !QAccessible::isActive()) {
+        viewport()->update();
+        return;
+    }
+    QTreeView::dataChanged(topLeft, bottomRight, roles);
 }
 
 int ListView::shownType(int index) const {

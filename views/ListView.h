@@ -59,6 +59,8 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles = QList<int>()) override;
 
 private:
     FileListModel *m_files;

@@ -9,6 +9,10 @@
 //       a compare with Show All Files on, then (each ROUNDS times, median printed) clicks on
 //       the Size and Date Modified headers of the source list (both lists sort, linked) and
 //       Show All Files turned off and on again
+//   gui-bench stalls [-c BITS] SOURCE DESTINATION
+//       with Show All Files on: a compare, a second compare, and each View toggle that changes
+//       the listings (off, then on again); for each, the longest wait of the event loop from
+//       the command until the window has finished and settled
 //   gui-bench cancel [--key] [--after MS]... SOURCE DESTINATION
 //       a compare cancelled MS after the click (one run per --after), by a mouse click on
 //       Cancel or with --key by Esc; the cancel is posted from another thread as the window
@@ -46,6 +50,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -57,6 +62,7 @@ namespace {
 int usage() {
     std::fprintf(stderr, "usage: gui-bench compare [--all-files] [-c BITS] SOURCE DESTINATION\n"
                          "       gui-bench listings [-r ROUNDS] SOURCE DESTINATION\n"
+                         "       gui-bench stalls [-c BITS] SOURCE DESTINATION\n"
                          "       gui-bench cancel [--key] [--after MS]... SOURCE DESTINATION\n"
                          "       gui-bench make-tree FOLDER FILES [PER-FOLDER]\n"
                          "       gui-bench shots [-c BITS] OUTPUT SOURCE DESTINATION\n");
@@ -221,6 +227,52 @@ int listingsMode(Arguments arguments) {
     return 0;
 }
 
+int stallsMode(Arguments arguments) {
+    arguments.allFiles = true;
+    BenchWindow bench(setupFor(arguments), arguments.source, arguments.destination);
+    if (!bench.isReady())
+        return usage();
+    frmMain &window = bench.window();
+    LivenessProbe probe(statusTextOf(window));
+    // Each command counts until its work is done, including work the window left to later
+    // turns of the event loop, and the window has painted.
+    const auto measure = [&](const char *name, const std::function<void()> &command) {
+        probe.start();
+        const qint64 start = BenchWindow::now();
+        command();
+        while (window.IsBusy())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        BenchWindow::settle(window);
+        probe.stop();
+        std::printf("stall %s %.1f ms max, took %.0f ms, rows %d %d, during '%s'\n", name,
+                    probe.maxGapMs(), double(BenchWindow::now() - start) / 1e6,
+                    bench.list(0)->files()->count(), bench.list(1)->files()->count(),
+                    qPrintable(probe.maxGapPhase()));
+        std::fflush(stdout);
+    };
+    measure("compare", [&] { bench.compare(); });
+    measure("recompare", [&] { bench.compare(); });
+    QHash<QString, QAction *> items;
+    for (QAction *item : window.findChildren<QAction *>())
+        items.insert(item->text(), item);
+    const char *toggles[][2] = {{"Show A&ll Files", "all_files"},
+                                {"Use &Missing File Placeholders", "missing"},
+                                {"Bold Different Files", "bold"},
+                                {"Show &Full Path", "full_path"},
+                                {"&Link File Listings", "link"}};
+    for (const auto &toggle : toggles) {
+        QAction *item = items.value(QString::fromLatin1(toggle[0]));
+        if (!item)
+            continue;
+        for (const char *state : {"_1", "_2"}) {
+            const QByteArray name = QByteArray(toggle[1]) + state;
+            measure(name.constData(), [item] { item->trigger(); });
+        }
+    }
+    std::printf("status %s\n", qPrintable(bench.statusText()));
+    return 0;
+}
+
 int cancelMode(Arguments arguments) {
     if (arguments.after.empty())
         arguments.after = {1000};
@@ -316,6 +368,8 @@ int main(int argc, char **argv) {
         return compareMode(arguments);
     if (mode == "listings")
         return listingsMode(arguments);
+    if (mode == "stalls")
+        return stallsMode(arguments);
     if (mode == "cancel")
         return cancelMode(arguments);
     if (mode == "shots")

@@ -16,6 +16,10 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QSplitter>
+#include <QTimer>
+
+#include <algorithm>
+#include <functional>
 
 class tst_MainCommands : public QObject {
     Q_OBJECT
@@ -29,6 +33,8 @@ private Q_SLOTS:
     void placeholdersRebuiltWhenSwitching();
     void droppedFolders_data();
     void droppedFolders();
+    void rebuildGivesWayToNewerWork_data();
+    void rebuildGivesWayToNewerWork();
 
 private:
     TestProfile m_profile;
@@ -211,6 +217,106 @@ void tst_MainCommands::droppedFolders() {
     for (int side = 0; side < 2; ++side)
         QCOMPARE(w.folder(side)->currentText(),
                  folders[side].isEmpty() ? "" : tree.path(folders[side]));
+}
+
+namespace {
+
+/**
+ * Runs \a work once from the event loop while \a w rebuilds its listings, between two
+ * slices of the rebuild; returns whether it ran.
+ */
+bool duringRebuild(ComparedWindow &w, const QString &toggle, const std::function<void()> &work) {
+    bool ran = false;
+    QTimer poll;
+    poll.setInterval(0);
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (ran || !w.window.IsBusy() || !w.status().contains(QLatin1String("Rebuilding")))
+            return;
+        ran = true;
+        work();
+    });
+    poll.start();
+    w.item(toggle)->trigger();
+    return ran;
+}
+
+} // namespace
+
+void tst_MainCommands::rebuildGivesWayToNewerWork_data() {
+    QTest::addColumn<QString>("during");
+    QTest::newRow("Show All Files toggled back") << "toggle";
+    QTest::newRow("a new compare") << "compare";
+    QTest::newRow("Clear Display") << "clear";
+    QTest::newRow("a header click") << "sort";
+}
+
+void tst_MainCommands::rebuildGivesWayToNewerWork() {
+    QFETCH(QString, during);
+    // Enough identical pairs that listing them takes the rebuild several slices.
+    TestTree tree;
+    for (int i = 0; i < 4000; ++i) {
+        const QString name = QStringLiteral("d%1/f%2").arg(i % 10).arg(i);
+        QVERIFY(tree.write("src/" + name, "1") && tree.write("dst/" + name, "1"));
+    }
+    for (const char *name : {"a", "b", "c"})
+        QVERIFY(tree.write(QStringLiteral("src/") + name, "1") &&
+                tree.write(QStringLiteral("dst/") + name, "22"));
+    ComparedWindow w(tree.path("src"), tree.path("dst"));
+    w.compare();
+    const QStringList differing[2] = {w.rows(0), w.rows(1)};
+    QCOMPARE(differing[0].size(), 3);
+
+    QAction *allFiles = w.item("Show A&ll Files");
+    QVERIFY(duringRebuild(w, "Show A&ll Files", [&] {
+        if (during == "toggle") {
+            allFiles->trigger();
+        } else if (during == "compare") {
+            QVERIFY(tree.write("src/new", "1"));
+            w.compare();
+        } else if (during == "clear") {
+            w.item("C&lear Display")->trigger();
+        } else {
+            Q_EMIT w.list(0)->columnClicked(ColumnType::Name);
+        }
+    }));
+    QVERIFY(!w.window.IsBusy());
+    QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
+
+    if (during == "toggle") {
+        // Back to the rows the compare listed, in their order, as if never rebuilt.
+        QVERIFY(!allFiles->isChecked());
+        QCOMPARE(w.rows(0), differing[0]);
+        QCOMPARE(w.rows(1), differing[1]);
+    } else if (during == "compare") {
+        // The compare's rows and nothing of the rebuild it stopped: the same as a compare
+        // on its own gives.
+        const QStringList compared[2] = {w.rows(0), w.rows(1)};
+        QCOMPARE(compared[0].size(), 4004);
+        QVERIFY(compared[0].contains("new"));
+        // Every row shows the new compare's record, none one of the stopped rebuild.
+        for (int side = 0; side < 2; ++side) {
+            const FileListModel *files = w.list(side)->files();
+            for (int row = 0; row < files->count(); ++row)
+                QVERIFY(files->record(row) ==
+                        w.window.Files(side)->Item(files->record(row)->Key()));
+        }
+        w.compare();
+        QCOMPARE(w.rows(0), compared[0]);
+        QCOMPARE(w.rows(1), compared[1]);
+    } else if (during == "clear") {
+        QCOMPARE(w.rows(0).size(), 0);
+        QCOMPARE(w.rows(1).size(), 0);
+    } else {
+        // Sorted between two slices, the rows still come out once each, every pair listed.
+        for (int side = 0; side < 2; ++side) {
+            QStringList rows = w.rows(side);
+            QCOMPARE(rows.size(), 4003);
+            rows.sort();
+            QCOMPARE(rows.size(), int(std::unique(rows.begin(), rows.end()) - rows.begin()));
+            for (const QString &name : differing[side])
+                QVERIFY(rows.contains(name));
+        }
+    }
 }
 
 QTEST_MAIN(tst_MainCommands)
