@@ -208,8 +208,9 @@ void ReadAhead::work() {
 }
 
 bool ReadAhead::runClaimed(qint64 begin, qint64 count, CRC32Object &crc) {
-    // The thread's block input counts what the page cache could not serve: none on a warm
-    // cache, whatever else the machine is doing.
+    // The thread's block input counts what the page cache could not serve, in 512-byte units:
+    // none on a warm cache, whatever else the machine is doing. A page here and there that the
+    // cache let go does not make a cold tree; a page a job on average does.
     rusage before{};
     ::getrusage(RUSAGE_THREAD, &before);
     for (qint64 sequence = begin; sequence < begin + count; ++sequence) {
@@ -219,7 +220,7 @@ bool ReadAhead::runClaimed(qint64 begin, qint64 count, CRC32Object &crc) {
     }
     rusage after{};
     ::getrusage(RUSAGE_THREAD, &after);
-    return after.ru_inblock > before.ru_inblock;
+    return after.ru_inblock - before.ru_inblock > 8 * count;
 }
 
 void ReadAhead::finish(Job &job) {
