@@ -14,11 +14,9 @@ constexpr time_t Base = 1700000000;
 
 /** \a arguments split at blanks; "@" stands for an empty argument. */
 QList<QByteArray> split(const QByteArray &arguments) {
-    QList<QByteArray> list;
-    for (const QByteArray &part : arguments.split(' ')) {
-        if (!part.isEmpty())
-            list.append(part == "@" ? QByteArray() : part);
-    }
+    QList<QByteArray> list = arguments.split(' ');
+    list.removeAll(QByteArray());
+    std::replace(list.begin(), list.end(), QByteArray("@"), QByteArray());
     return list;
 }
 
@@ -31,10 +29,7 @@ QByteArray described(const CliOptions &o) {
            (o.quiet ? " quiet" : "") + ' ' + formats[int(o.format)];
 }
 
-/**
- * The listed pairs of a run with \a options on the tree's src and dst: "code path" a line, sorted
- * by path, each code followed by the pair's further differences when \a differences is set.
- */
+/** "code[,further differences] path" per listed pair of a run with \a options on src, dst. */
 QByteArray listed(const QByteArray &options, const TestTree &tree, bool differences = false) {
     QString error;
     const CliOptions parsed = CliOptions::parse(
@@ -61,202 +56,184 @@ class tst_CliOptions : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void parsesOptions_data();
-    void parsesOptions();
-    void refusesBadArguments_data();
-    void refusesBadArguments();
-    void timeShifts_data();
-    void timeShifts();
-    void everyDifference_data();
-    void everyDifference();
-    void filters_data();
-    void filters();
-    void escapesNames_data();
-    void escapesNames();
-};
-
-void tst_CliOptions::parsesOptions_data() {
-    QTest::addColumn<QByteArray>("arguments");
-    QTest::addColumn<QByteArray>("parsed");
-    QTest::newRow("defaults") << QByteArray("a b") << QByteArray("a b 3 65536 crc-last slack text");
-    QTest::newRow("bundled flags, attached values, upper case")
-        << QByteArray("-aqcSize,CRC --format=json --chunk-size=1024 a b")
-        << QByteArray("a b 33 1024 crc-last slack all quiet json");
-    QTest::newRow("flags after the roots")
-        << QByteArray("a --crc-first b -c size --no-slack --format tsv")
-        << QByteArray("a b 1 65536 tsv");
-    QTest::newRow("roots after --")
-        << QByteArray("-a -- -a --help") << QByteArray("-a --help 3 65536 crc-last slack all text");
-}
-
-void tst_CliOptions::parsesOptions() {
-    QFETCH(QByteArray, arguments);
-    QString error;
-    const CliOptions options = CliOptions::parse(split(arguments), &error);
-    QVERIFY2(error.isEmpty(), qPrintable(error));
-    QTEST(described(options), "parsed");
-}
-
-void tst_CliOptions::refusesBadArguments_data() {
-    QTest::addColumn<QByteArray>("arguments");
-    QTest::addColumn<QString>("reason");
-
-    QTest::newRow("no roots") << QByteArray("") << "expected two folders";
-    QTest::newRow("three roots") << QByteArray("a b c") << "too many arguments: 'c'";
-    QTest::newRow("unknown short in bundle") << QByteArray("-ax a b") << "unknown option '-x'";
-    QTest::newRow("unknown comparison")
-        << QByteArray("-c size,colour a b") << "unknown comparison 'colour'";
-    QTest::newRow("value missing at the end")
-        << QByteArray("a b --compare") << "option '--compare' needs a value";
-    QTest::newRow("value on a bundled flag")
-        << QByteArray("-aq=1 a b") << "option '-q' takes no value";
-    QTest::newRow("chunk size not a number")
-        << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
-    QTest::newRow("chunk size above the ceiling")
-        << QByteArray("--chunk-size=16777217 a b") << "--chunk-size '16777217' is out of range";
-    QTest::newRow("time shift not a number")
-        << QByteArray("--time-shift=1h a b")
-        << "invalid --time-shift '1h'; give a whole number of minutes, 1 to 10080";
-    QTest::newRow("existence with another")
-        << QByteArray("-c existence,size a b") << "existence cannot be combined";
-    QTest::newRow("unreadable rules file")
-        << QByteArray("--exclude-from /nonexistent/rules a b")
-        << "cannot read --exclude-from '/nonexistent/rules': No such file or directory";
-    QTest::newRow("empty destination") << QByteArray("a @") << "DESTINATION is an empty argument";
-    QTest::newRow("a newline in an argument stays escaped")
-        << QByteArray("--case x\ny a b") << "unknown --case 'x\\ny'";
-    QTest::newRow("standard input for both sides")
-        << QByteArray("- -") << "standard input (-) can stand for one side only";
-    QTest::newRow("--crc without --manifest") << QByteArray("--crc a b") << "--crc belongs with";
-    QTest::newRow("manifest of two roots") << QByteArray("--manifest a b") << "--manifest takes";
-}
-
-void tst_CliOptions::refusesBadArguments() {
-    QFETCH(QByteArray, arguments);
-    QFETCH(QString, reason);
-    QString error;
-    CliOptions::parse(split(arguments), &error);
-    QVERIFY2(error.startsWith(reason), qPrintable(error));
-    QVERIFY(!error.contains(QLatin1Char('\n')));
-}
-
-void tst_CliOptions::timeShifts_data() {
-    QTest::addColumn<QByteArray>("options");
-    QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("half an hour only")
-        << QByteArray("--time-shift=30") << QByteArray("8 hour-and-2s.txt\n8 hour.txt\n");
-    // Repeated shifts all count; each within the two-second slack.
-    QTest::newRow("an hour among others, with the slack")
-        << QByteArray("--time-shift=30 --time-shift=60") << QByteArray();
-    QTest::newRow("an hour, no slack")
-        << QByteArray("--time-shift 60 --no-slack") << QByteArray("8 hour-and-2s.txt\n");
-}
-
-void tst_CliOptions::timeShifts() {
-    QFETCH(QByteArray, options);
-    TestTree tree;
-    const std::pair<const char *, int> files[] = {{"hour.txt", 3600}, {"hour-and-2s.txt", 3602}};
-    for (const auto &[name, shift] : files) {
-        for (const QString side : {"src/", "dst/"}) {
-            QVERIFY(tree.write(side + QLatin1String(name), "x"));
-            QVERIFY(tree.setTimes(side + QLatin1String(name), Base + (side == "dst/" ? shift : 0)));
+    void parsesOptions_data() {
+        QTest::addColumn<QByteArray>("arguments");
+        QTest::addColumn<QByteArray>("parsed");
+        QTest::newRow("defaults") << QByteArray("a b")
+                                  << QByteArray("a b 3 65536 crc-last slack text");
+        QTest::newRow("bundled flags, attached values, upper case")
+            << QByteArray("-aqcSize,CRC --format=json --chunk-size=1024 a b")
+            << QByteArray("a b 33 1024 crc-last slack all quiet json");
+        QTest::newRow("flags after the roots")
+            << QByteArray("a --crc-first b -c size --no-slack --format tsv")
+            << QByteArray("a b 1 65536 tsv");
+        QTest::newRow("roots after --") << QByteArray("-a -- -a --help")
+                                        << QByteArray("-a --help 3 65536 crc-last slack all text");
+    }
+    void parsesOptions() {
+        QFETCH(QByteArray, arguments);
+        QString error;
+        const CliOptions options = CliOptions::parse(split(arguments), &error);
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QTEST(described(options), "parsed");
+    }
+    void refusesBadArguments_data() {
+        QTest::addColumn<QByteArray>("arguments");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("no roots") << QByteArray("") << "expected two folders";
+        QTest::newRow("three roots") << QByteArray("a b c") << "too many arguments: 'c'";
+        QTest::newRow("unknown short in bundle") << QByteArray("-ax a b") << "unknown option '-x'";
+        QTest::newRow("unknown comparison")
+            << QByteArray("-c size,colour a b") << "unknown comparison 'colour'";
+        QTest::newRow("value missing at the end")
+            << QByteArray("a b --compare") << "option '--compare' needs a value";
+        QTest::newRow("value on a bundled flag")
+            << QByteArray("-aq=1 a b") << "option '-q' takes no value";
+        QTest::newRow("chunk size not a number")
+            << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
+        QTest::newRow("chunk size above the ceiling")
+            << QByteArray("--chunk-size=16777217 a b") << "--chunk-size '16777217' is out of range";
+        QTest::newRow("time shift not a number")
+            << QByteArray("--time-shift=1h a b") << "invalid --time-shift '1h'";
+        QTest::newRow("existence with another")
+            << QByteArray("-c existence,size a b") << "existence cannot be combined";
+        QTest::newRow("unreadable rules file")
+            << QByteArray("--exclude-from /nonexistent/rules a b")
+            << "cannot read --exclude-from '/nonexistent/rules': No such file or directory";
+        QTest::newRow("empty destination")
+            << QByteArray("a @") << "DESTINATION is an empty argument";
+        QTest::newRow("a newline in an argument stays escaped")
+            << QByteArray("--case x\ny a b") << "unknown --case 'x\\ny'";
+        QTest::newRow("standard input for both sides")
+            << QByteArray("- -") << "standard input (-) can stand for one side only";
+        QTest::newRow("--crc without --manifest")
+            << QByteArray("--crc a b") << "--crc belongs with";
+        QTest::newRow("manifest of two roots")
+            << QByteArray("--manifest a b") << "--manifest takes";
+    }
+    void refusesBadArguments() {
+        QFETCH(QByteArray, arguments);
+        QFETCH(QString, reason);
+        QString error;
+        CliOptions::parse(split(arguments), &error);
+        QVERIFY2(error.startsWith(reason), qPrintable(error));
+        QVERIFY(!error.contains(QLatin1Char('\n')));
+    }
+    void timeShifts_data() {
+        QTest::addColumn<QByteArray>("options");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::newRow("half an hour only")
+            << QByteArray("--time-shift=30") << QByteArray("8 hour-and-2s.txt\n8 hour.txt\n");
+        // Repeated shifts all count; each within the two-second slack.
+        QTest::newRow("an hour among others, with the slack")
+            << QByteArray("--time-shift=30 --time-shift=60") << QByteArray();
+        QTest::newRow("an hour, no slack")
+            << QByteArray("--time-shift 60 --no-slack") << QByteArray("8 hour-and-2s.txt\n");
+    }
+    void timeShifts() {
+        QFETCH(QByteArray, options);
+        TestTree tree;
+        const std::pair<const char *, int> files[] = {{"hour.txt", 3600},
+                                                      {"hour-and-2s.txt", 3602}};
+        for (const auto &[name, shift] : files) {
+            for (const QString side : {"src/", "dst/"}) {
+                QVERIFY(tree.write(side + QLatin1String(name), "x"));
+                QVERIFY(
+                    tree.setTimes(side + QLatin1String(name), Base + (side == "dst/" ? shift : 0)));
+            }
         }
+        QTEST(listed(options, tree), "expected");
     }
-    QTEST(listed(options, tree), "expected");
-}
-
-void tst_CliOptions::everyDifference_data() {
-    QTest::addColumn<QByteArray>("compare");
-    QTest::addColumn<QByteArray>("expected");
-    // a.txt differs in size, modified date and permissions; b.txt in content and date only.
-    QTest::newRow("size, date, attributes")
-        << QByteArray("size,modified,attributes") << QByteArray("4,8,6 a.txt\n8 b.txt\n");
-    QTest::newRow("in the order of the tests, not of the option")
-        << QByteArray("attributes,modified") << QByteArray("8,6 a.txt\n8 b.txt\n");
-    QTest::newRow("checksum last: read only when nothing else differs")
-        << QByteArray("size,crc") << QByteArray("4 a.txt\n5 b.txt\n");
-    QTest::newRow("checksum first: then the dates")
-        << QByteArray("crc,modified --crc-first") << QByteArray("5,8 a.txt\n5,8 b.txt\n");
-}
-
-void tst_CliOptions::everyDifference() {
-    QFETCH(QByteArray, compare);
-    TestTree tree;
-    for (const QString side : {"src/", "dst/"}) {
-        const bool dst = side == "dst/";
-        QVERIFY(tree.write(side + "a.txt", dst ? "aaaaa" : "aaaa"));
-        QVERIFY(tree.write(side + "b.txt", dst ? "BBBB" : "bbbb"));
-        QVERIFY(tree.setTimes(side + "a.txt", Base + (dst ? 100 : 0)));
-        QVERIFY(tree.setTimes(side + "b.txt", Base + (dst ? 100 : 0)));
+    void everyDifference_data() {
+        QTest::addColumn<QByteArray>("compare");
+        QTest::addColumn<QByteArray>("expected");
+        // a.txt differs in size, modified date and permissions; b.txt in content and date only.
+        QTest::newRow("size, date, attributes")
+            << QByteArray("size,modified,attributes") << QByteArray("4,8,6 a.txt\n8 b.txt\n");
+        QTest::newRow("in the order of the tests, not of the option")
+            << QByteArray("attributes,modified") << QByteArray("8,6 a.txt\n8 b.txt\n");
+        QTest::newRow("checksum last: read only when nothing else differs")
+            << QByteArray("size,crc") << QByteArray("4 a.txt\n5 b.txt\n");
+        QTest::newRow("checksum first: then the dates")
+            << QByteArray("crc,modified --crc-first") << QByteArray("5,8 a.txt\n5,8 b.txt\n");
     }
-    QCOMPARE(::chmod(tree.nativePath("dst/a.txt").constData(), 0600), 0);
-    QTEST(listed("-c " + compare, tree, true), "expected");
-}
-
-void tst_CliOptions::filters_data() {
-    QTest::addColumn<QByteArray>("options");
-    QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("a name at any depth, on both sides")
-        << QByteArray("--exclude *.log") << QByteArray("4 a.txt\n4 build/out.o\n4 sub/t.tmp\n");
-    QTest::newRow("a folder") << QByteArray("--exclude=build/")
-                              << QByteArray("4 a.txt\n2 only.log\n4 sub/keep.log\n"
-                                            "4 sub/t.tmp\n4 x.log\n");
-    QTest::newRow("each .gitignore below its folder")
-        << QByteArray("--gitignore") << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 x.log\n");
-    QTest::newRow("from a file") << QByteArray("--exclude-from @rules")
-                                 << QByteArray("4 a.txt\n4 sub/t.tmp\n4 x.log\n");
-}
-
-void tst_CliOptions::filters() {
-    QFETCH(QByteArray, options);
-    TestTree tree;
-    for (const QString side : {"src/", "dst/"}) {
-        for (const char *name : {"a.txt", "x.log", "build/out.o", "sub/keep.log", "sub/t.tmp"})
-            QVERIFY(tree.write(side + name, side == "src/" ? "1" : "22"));
-        QVERIFY(tree.write(side + ".gitignore", "*.tmp\n"));
-        QVERIFY(tree.write(side + "sub/.gitignore", "*.log\n"));
+    void everyDifference() {
+        QFETCH(QByteArray, compare);
+        TestTree tree;
+        for (const QString side : {"src/", "dst/"}) {
+            const bool dst = side == "dst/";
+            QVERIFY(tree.write(side + "a.txt", dst ? "aaaaa" : "aaaa"));
+            QVERIFY(tree.write(side + "b.txt", dst ? "BBBB" : "bbbb"));
+            for (const char *name : {"a.txt", "b.txt"})
+                QVERIFY(tree.setTimes(side + name, Base + (dst ? 100 : 0)));
+        }
+        QCOMPARE(::chmod(tree.nativePath("dst/a.txt").constData(), 0600), 0);
+        QTEST(listed("-c " + compare, tree, true), "expected");
     }
-    QVERIFY(tree.write(QStringLiteral("dst/only.log"), "1"));
-    QVERIFY(tree.write(QStringLiteral("rules"), "# rules\nbuild/\n*.log\n!x.log\n"));
-    options.replace("@rules", tree.nativePath("rules"));
-    QTEST(listed(options + " -c size", tree), "expected");
-}
-
-void tst_CliOptions::escapesNames_data() {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QByteArray>("tsv");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("readable");
-    QTest::addColumn<bool>("validUtf8");
-
-    QTest::newRow("tab, newline, backslash")
-        << QByteArray("t\tn\nb\\") << QByteArray("t\\tn\\nb\\\\") << QByteArray("t\\x09n\\x0ab\\\\")
-        << "t\\tn\\nb\\\\" << true;
-    // A backslash is doubled for people too: this name and the Latin-1 byte below differ.
-    QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
-                                         << QByteArray("caf\\\\xe9") << "caf\\\\xe9" << true;
-    // Two-, three- and four-byte sequences, and a blank kept as it is.
-    QTest::newRow("UTF-8") << QByteArray("\xc3\xa9 \xe2\x82\xac\xf0\x9f\x98\x80")
-                           << QByteArray("\xc3\xa9 \xe2\x82\xac\xf0\x9f\x98\x80")
-                           << QByteArray("\\xc3\\xa9 \\xe2\\x82\\xac\\xf0\\x9f\\x98\\x80")
-                           << QString::fromUtf8("\xc3\xa9 \xe2\x82\xac\xf0\x9f\x98\x80") << true;
-    QTest::newRow("Latin-1 byte") << QByteArray("caf\xe9") << QByteArray("caf\xe9")
-                                  << QByteArray("caf\\xe9") << "caf\\xe9" << false;
-    QTest::newRow("lone continuation byte")
-        << QByteArray("a\x80") << QByteArray("a\x80") << QByteArray("a\\x80") << "a\\x80" << false;
-    QTest::newRow("overlong slash") << QByteArray("\xc0\xaf") << QByteArray("\xc0\xaf")
-                                    << QByteArray("\\xc0\\xaf") << "\\xc0\\xaf" << false;
-    QTest::newRow("cut short at the end") << QByteArray("a\xe2\x82") << QByteArray("a\xe2\x82")
-                                          << QByteArray("a\\xe2\\x82") << "a\\xe2\\x82" << false;
-}
-
-void tst_CliOptions::escapesNames() {
-    QFETCH(QByteArray, name);
-    QTEST(NameEscaping::tsv(name), "tsv");
-    QTEST(NameEscaping::bytes(name), "bytes");
-    QTEST(NameEscaping::readable(name), "readable");
-    QTEST(IsValidUtf8(name), "validUtf8");
-}
+    void filters_data() {
+        QTest::addColumn<QByteArray>("options");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::newRow("a name at any depth, on both sides")
+            << QByteArray("--exclude *.log") << QByteArray("4 a.txt\n4 build/out.o\n4 sub/t.tmp\n");
+        QTest::newRow("a folder") << QByteArray("--exclude=build/")
+                                  << QByteArray("4 a.txt\n2 only.log\n4 sub/keep.log\n"
+                                                "4 sub/t.tmp\n4 x.log\n");
+        QTest::newRow("each .gitignore below its folder")
+            << QByteArray("--gitignore")
+            << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 x.log\n");
+        QTest::newRow("from a file")
+            << QByteArray("--exclude-from @rules") << QByteArray("4 a.txt\n4 sub/t.tmp\n4 x.log\n");
+    }
+    void filters() {
+        QFETCH(QByteArray, options);
+        TestTree tree;
+        for (const QString side : {"src/", "dst/"}) {
+            for (const char *name : {"a.txt", "x.log", "build/out.o", "sub/keep.log", "sub/t.tmp"})
+                QVERIFY(tree.write(side + name, side == "src/" ? "1" : "22"));
+            QVERIFY(tree.write(side + ".gitignore", "*.tmp\n"));
+            QVERIFY(tree.write(side + "sub/.gitignore", "*.log\n"));
+        }
+        QVERIFY(tree.write("dst/only.log", "1"));
+        QVERIFY(tree.write("rules", "# rules\nbuild/\n*.log\n!x.log\n"));
+        options.replace("@rules", tree.nativePath("rules"));
+        QTEST(listed(options + " -c size", tree), "expected");
+    }
+    void escapesNames_data() {
+        // tsv keeps bytes that are not UTF-8; readable shows them as bytes() does.
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("tsv");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("validUtf8");
+        QTest::newRow("tab, newline, backslash")
+            << QByteArray("t\tn\nb\\") << QByteArray("t\\tn\\nb\\\\")
+            << QByteArray("t\\x09n\\x0ab\\\\") << true;
+        QTest::newRow("backslash-x as text") << QByteArray("caf\\xe9") << QByteArray("caf\\\\xe9")
+                                             << QByteArray("caf\\\\xe9") << true;
+        const QByteArray utf8("\xc3\xa9 \xe2\x82\xac\xf0\x9f\x98\x80");
+        QTest::newRow("UTF-8") << utf8 << utf8
+                               << QByteArray("\\xc3\\xa9 \\xe2\\x82\\xac\\xf0\\x9f\\x98\\x80")
+                               << true;
+        const std::pair<const char *, const char *> invalid[] = {
+            {"caf\xe9", "caf\\xe9"},
+            {"a\x80", "a\\x80"},         // lone continuation byte
+            {"\xc0\xaf", "\\xc0\\xaf"},  // overlong slash
+            {"a\xe2\x82", "a\\xe2\\x82"} // cut short at the end
+        };
+        for (const auto &[name, bytes] : invalid)
+            QTest::newRow(bytes) << QByteArray(name) << QByteArray(name) << QByteArray(bytes)
+                                 << false;
+    }
+    void escapesNames() {
+        QFETCH(QByteArray, name);
+        QFETCH(bool, validUtf8);
+        QTEST(NameEscaping::tsv(name), "tsv");
+        QTEST(NameEscaping::bytes(name), "bytes");
+        QCOMPARE(
+            NameEscaping::readable(name),
+            QString::fromUtf8(validUtf8 ? NameEscaping::tsv(name) : NameEscaping::bytes(name)));
+        QCOMPARE(IsValidUtf8(name), validUtf8);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_CliOptions)
 #include "tst_CliOptions.moc"

@@ -6,9 +6,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QScopeGuard>
 #include <QTest>
 
+#include <numeric>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,7 +24,7 @@ CliResult runCli(const QStringList &arguments, const QByteArray &input = {}) {
     return CliResult::of(process);
 }
 
-/** What a json report says of the pairs, without the roots, which name the manifest. */
+/** A json report without the roots, which name the manifest. */
 QJsonObject comparedPart(const QByteArray &json) {
     QJsonObject report = QJsonDocument::fromJson(json).object();
     report.remove(QStringLiteral("source"));
@@ -32,10 +32,7 @@ QJsonObject comparedPart(const QByteArray &json) {
     return report;
 }
 
-/**
- * Two trees with names a line-based format could break on, a link, a FIFO, and pairs that
- * differ in every way a manifest must carry: content alone, size, permissions, existence.
- */
+/** Odd names, a link, a FIFO, and pairs differing in content, size, mode, case, existence. */
 class OddTree {
 public:
     OddTree() {
@@ -58,7 +55,6 @@ public:
             m_tree.setTimes(QLatin1String(name), Base);
     }
     ~OddTree() {
-        // The temporary folder's own clean-up cannot see a name that is not UTF-8.
         for (const char *side : {"src/", "dst/"})
             ::unlink(m_tree.nativePath(QByteArray(side) + "bad\xff\xfe").constData());
     }
@@ -66,11 +62,10 @@ public:
     QString path(const char *relative) const { return m_tree.path(QLatin1String(relative)); }
     TestTree &tree() { return m_tree; }
 
-    /** The manifest of one side, with \a options (written to a file beside the trees). */
-    QString manifest(const char *side, const QStringList &options = {QStringLiteral("--crc")}) {
-        const CliResult written =
-            runCli(QStringList{QStringLiteral("--manifest")} + options + QStringList{path(side)});
-        const QString file = path(side) + QStringLiteral(".manifest");
+    /** The --crc manifest of one side, written to a file beside the trees. */
+    QString manifest(const char *side) {
+        const CliResult written = runCli({"--manifest", "--crc", path(side)});
+        const QString file = path(side) + ".manifest";
         QFile out(file);
         if (written.exitCode != 0 || !out.open(QIODevice::WriteOnly) ||
             out.write(written.out) != written.out.size())
@@ -93,167 +88,137 @@ QByteArray readAll(const QString &path) {
 class tst_Manifest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void escapingRoundTrip();
-    void sameAsTheTree_data();
-    void sameAsTheTree();
-    void refusedBeforeAnyWork_data();
-    void refusedBeforeAnyWork();
-    void checksumFindsWhatSizeAndDateMiss();
-    void letterCaseAsRecorded();
-    void unreadableStaysUnknown();
-};
-
-void tst_Manifest::escapingRoundTrip() {
-    QByteArray every;
-    for (int byte = 1; byte < 256; ++byte)
-        every += char(byte);
-    const QByteArray escaped = ByteEscaping::escape(every);
-    QVERIFY(!escaped.contains('\t') && !escaped.contains('\n'));
-    QCOMPARE(ByteEscaping::unescape(escaped), std::optional<QByteArray>(every));
-    for (const char *broken : {"a\\", "\\x4", "\\xg0", "\\q", "raw\ttab"})
-        QCOMPARE(ByteEscaping::unescape(broken), std::nullopt);
-}
-
-void tst_Manifest::sameAsTheTree_data() {
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<bool>("manifestIsSource");
-    QTest::addColumn<bool>("fromStandardInput");
-    const QStringList everything{QStringLiteral("-a"), QStringLiteral("-c"),
-                                 QStringLiteral("size,modified,accessed,attributes,crc")};
-    QTest::newRow("source from a file") << everything << true << false;
-    QTest::newRow("destination from standard input") << everything << false << true;
-    QTest::newRow("letter case ignored, from standard input")
-        << QStringList{QStringLiteral("--case"), QStringLiteral("insensitive"),
-                       QStringLiteral("-c"), QStringLiteral("crc")}
-        << true << true;
-    QTest::newRow("filtered") << QStringList{QStringLiteral("--exclude"), QStringLiteral("sub*/")}
-                              << false << false;
-}
-
-void tst_Manifest::sameAsTheTree() {
-    QFETCH(QStringList, options);
-    QFETCH(bool, manifestIsSource);
-    QFETCH(bool, fromStandardInput);
-    OddTree trees;
-    const char *recordedSide = manifestIsSource ? "src" : "dst";
-    const QString manifest = trees.manifest(recordedSide);
-    options << QStringLiteral("--format=json");
-
-    const CliResult direct = runCli(options + QStringList{trees.path("src"), trees.path("dst")});
-    QCOMPARE(direct.exitCode, 1);
-    QStringList roots{trees.path("src"), trees.path("dst")};
-    roots[manifestIsSource ? 0 : 1] = fromStandardInput ? QStringLiteral("-") : manifest;
-    const CliResult recorded =
-        runCli(options + roots, fromStandardInput ? readAll(manifest) : QByteArray());
-    QCOMPARE(recorded.err, direct.err);
-    QCOMPARE(recorded.exitCode, direct.exitCode);
-    QCOMPARE(comparedPart(recorded.out), comparedPart(direct.out));
-}
-
-void tst_Manifest::refusedBeforeAnyWork_data() {
-    QTest::addColumn<QStringList>("comparing");
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    QTest::addColumn<QByteArray>("reason");
-    const QStringList none;
-    QTest::newRow("crc without checksums")
-        << QStringList{QStringLiteral("-c"), QStringLiteral("size,crc")} << QByteArray(" crc\n")
-        << QByteArray("\n") << QByteArray("holds no checksums");
-    QTest::newRow("bad size") << none << QByteArray("\tfile\t1\t") << QByteArray("\tfile\tone\t")
-                              << QByteArray("line 3: bad size");
-    QTest::newRow("newer version")
-        << none << QByteArray("pairscope-manifest 1") << QByteArray("pairscope-manifest 2")
-        << QByteArray("line 1: manifest version 2 is not supported");
-    QTest::newRow("file before its folder")
-        << none << QByteArray("\nsub dir\tfolder") << QByteArray("\nsub dir/inner\tfolder")
-        << QByteArray("has no line before it");
-    QTest::newRow("cut short") << none << QByteArray() << QByteArray() << QByteArray("cut short");
-}
-
-void tst_Manifest::refusedBeforeAnyWork() {
-    QFETCH(QStringList, comparing);
-    QFETCH(QByteArray, from);
-    QFETCH(QByteArray, to);
-    QFETCH(QByteArray, reason);
-    OddTree trees;
-    QByteArray text = readAll(trees.manifest("src"));
-    if (from.isEmpty()) {
-        text.chop(1);
-    } else {
-        const qsizetype at = text.indexOf(from);
-        QVERIFY(at >= 0);
-        text.replace(at, from.size(), to);
+    void escapingRoundTrip() {
+        QByteArray every(255, 0);
+        std::iota(every.begin(), every.end(), char(1));
+        const QByteArray escaped = ByteEscaping::escape(every);
+        QVERIFY(!escaped.contains('\t') && !escaped.contains('\n'));
+        QCOMPARE(ByteEscaping::unescape(escaped), std::optional<QByteArray>(every));
+        for (const char *broken : {"a\\", "\\x4", "\\xg0", "\\q", "raw\ttab"})
+            QCOMPARE(ByteEscaping::unescape(broken), std::nullopt);
     }
-    const CliResult result =
-        runCli(comparing + QStringList{QStringLiteral("-"), trees.path("dst")}, text);
-    QCOMPARE(result.exitCode, 2);
-    QCOMPARE(result.out, QByteArray());
-    QVERIFY2(result.err.contains(reason) && result.err.count('\n') == 1, result.err.constData());
-}
+    void sameAsTheTree_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<bool>("manifestIsSource");
+        QTest::addColumn<bool>("fromStandardInput");
+        const QStringList everything{"-a", "-c", "size,modified,accessed,attributes,crc"};
+        QTest::newRow("source from a file") << everything << true << false;
+        QTest::newRow("destination from standard input") << everything << false << true;
+        QTest::newRow("letter case ignored, from standard input")
+            << QStringList{"--case", "insensitive", "-c", "crc"} << true << true;
+        QTest::newRow("filtered") << QStringList{"--exclude", "sub*/"} << false << false;
+    }
+    void sameAsTheTree() {
+        QFETCH(QStringList, options);
+        QFETCH(bool, manifestIsSource);
+        QFETCH(bool, fromStandardInput);
+        OddTree trees;
+        const QString manifest = trees.manifest(manifestIsSource ? "src" : "dst");
+        options << "--format=json";
+        QStringList roots{trees.path("src"), trees.path("dst")};
+        const CliResult direct = runCli(options + roots);
+        QCOMPARE(direct.exitCode, 1);
+        roots[manifestIsSource ? 0 : 1] = fromStandardInput ? "-" : manifest;
+        const CliResult recorded =
+            runCli(options + roots, fromStandardInput ? readAll(manifest) : QByteArray());
+        QCOMPARE(recorded.err, direct.err);
+        QCOMPARE(recorded.exitCode, direct.exitCode);
+        QCOMPARE(comparedPart(recorded.out), comparedPart(direct.out));
+    }
+    void refusedBeforeAnyWork_data() {
+        QTest::addColumn<QStringList>("comparing");
+        QTest::addColumn<QByteArray>("from");
+        QTest::addColumn<QByteArray>("to");
+        QTest::addColumn<QByteArray>("reason");
+        const QStringList none;
+        QTest::newRow("crc without checksums")
+            << QStringList{"-c", "size,crc"} << QByteArray(" crc\n") << QByteArray("\n")
+            << QByteArray("holds no checksums");
+        QTest::newRow("bad size") << none << QByteArray("\tfile\t1\t")
+                                  << QByteArray("\tfile\tone\t") << QByteArray("line 3: bad size");
+        QTest::newRow("newer version")
+            << none << QByteArray("pairscope-manifest 1") << QByteArray("pairscope-manifest 2")
+            << QByteArray("line 1: manifest version 2 is not supported");
+        QTest::newRow("file before its folder")
+            << none << QByteArray("\nsub dir\tfolder") << QByteArray("\nsub dir/inner\tfolder")
+            << QByteArray("has no line before it");
+        QTest::newRow("cut short")
+            << none << QByteArray() << QByteArray() << QByteArray("cut short");
+    }
+    void refusedBeforeAnyWork() {
+        QFETCH(QStringList, comparing);
+        QFETCH(QByteArray, from);
+        QFETCH(QByteArray, to);
+        QFETCH(QByteArray, reason);
+        OddTree trees;
+        QByteArray text = readAll(trees.manifest("src"));
+        if (from.isEmpty()) {
+            text.chop(1);
+        } else {
+            const qsizetype at = text.indexOf(from);
+            QVERIFY(at >= 0);
+            text.replace(at, from.size(), to);
+        }
+        const CliResult result = runCli(comparing + QStringList{"-", trees.path("dst")}, text);
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.out, QByteArray());
+        QVERIFY2(result.err.contains(reason) && result.err.count('\n') == 1,
+                 result.err.constData());
+    }
+    void checksumFindsWhatSizeAndDateMiss() {
+        OddTree trees;
+        const QString manifest = trees.manifest("src");
+        QVERIFY(trees.tree().write("src/content.txt", "ZZZZ"));
+        QVERIFY(trees.tree().setTimes("src/content.txt", Base));
+        const QStringList roots{manifest, trees.path("src")};
+        QCOMPARE(runCli(roots).exitCode, 0);
+        const CliResult crc = runCli(QStringList{"-c", "crc", "--format=tsv"} + roots);
+        QCOMPARE(crc.out, QByteArray("5\tchecksum is different\tcontent.txt\n"));
+        QCOMPARE(crc.exitCode, 1);
+    }
+    void letterCaseAsRecorded() {
+        // The root's flag "i" records a case-blind tree: Case.txt pairs with case.txt.
+        OddTree trees;
+        QByteArray text = readAll(trees.manifest("src"));
+        const qsizetype root = text.indexOf("\n.\tfolder\t");
+        const qsizetype flags = text.indexOf("\t-\t", root);
+        QVERIFY(root >= 0 && flags > root && flags < text.indexOf('\n', root + 1));
+        const QStringList options{"--format=tsv", "-", trees.path("dst")};
+        QVERIFY(runCli(options, text).out.contains("\tCase.txt\n"));
+        text[flags + 1] = 'i';
+        const CliResult caseBlind = runCli(options, text);
+        QCOMPARE(caseBlind.exitCode, 1);
+        QVERIFY2(!caseBlind.out.contains("ase.txt\n"), caseBlind.out.constData());
+    }
+    void unreadableStaysUnknown() {
+        if (::geteuid() != 0)
+            QSKIP("needs root to make files that the program, run unprivileged, may not read");
+        const QStringList launcher = ChildRun::unprivileged();
+        if (const QString reason = ChildRun::refusal(launcher); !reason.isEmpty())
+            QSKIP(qPrintable(reason));
+        OddTree trees;
+        for (const char *path : {"src/locked/inside.txt", "dst/locked/inside.txt"})
+            QVERIFY(trees.tree().write(QLatin1String(path), "x"));
+        QProcess::execute("chmod", {"-R", "a+rX", trees.tree().root()});
+        QCOMPARE(::chmod(QFile::encodeName(trees.path("src/locked")).constData(), 0700), 0);
+        QCOMPARE(::chmod(QFile::encodeName(trees.path("src/size.txt")).constData(), 0600), 0);
 
-void tst_Manifest::checksumFindsWhatSizeAndDateMiss() {
-    OddTree trees;
-    const QString manifest = trees.manifest("src");
-    QVERIFY(trees.tree().write(QStringLiteral("src/content.txt"), "ZZZZ"));
-    QVERIFY(trees.tree().setTimes(QStringLiteral("src/content.txt"), Base));
-    const QStringList roots{manifest, trees.path("src")};
-    QCOMPARE(runCli(roots).exitCode, 0);
-    const CliResult crc = runCli(
-        QStringList{QStringLiteral("-c"), QStringLiteral("crc"), QStringLiteral("--format=tsv")} +
-        roots);
-    QCOMPARE(crc.out, QByteArray("5\tchecksum is different\tcontent.txt\n"));
-    QCOMPARE(crc.exitCode, 1);
-}
-
-void tst_Manifest::letterCaseAsRecorded() {
-    // A tree kept where names resolve without regard to case (FAT, say) pairs Case.txt with
-    // case.txt even where it was written: the root's line says so with its flag "i".
-    OddTree trees;
-    QByteArray text = readAll(trees.manifest("src"));
-    const qsizetype root = text.indexOf("\n.\tfolder\t");
-    const qsizetype flags = text.indexOf("\t-\t", root);
-    QVERIFY(root >= 0 && flags > root && flags < text.indexOf('\n', root + 1));
-    const QStringList options{QStringLiteral("--format=tsv"), QStringLiteral("-"),
-                              trees.path("dst")};
-    QVERIFY(runCli(options, text).out.contains("\tCase.txt\n"));
-    text[flags + 1] = 'i';
-    const CliResult caseBlind = runCli(options, text);
-    QCOMPARE(caseBlind.exitCode, 1);
-    QVERIFY2(!caseBlind.out.contains("ase.txt\n"), caseBlind.out.constData());
-}
-
-void tst_Manifest::unreadableStaysUnknown() {
-    if (::geteuid() != 0)
-        QSKIP("needs root to make files that the program, run unprivileged, may not read");
-    const QStringList launcher = ChildRun::unprivileged();
-    if (const QString reason = ChildRun::refusal(launcher); !reason.isEmpty())
-        QSKIP(qPrintable(reason));
-    OddTree trees;
-    for (const char *path : {"src/locked/inside.txt", "dst/locked/inside.txt"})
-        QVERIFY(trees.tree().write(QLatin1String(path), "x"));
-    QProcess::execute(QStringLiteral("chmod"),
-                      {QStringLiteral("-R"), QStringLiteral("a+rX"), trees.tree().root()});
-    QCOMPARE(::chmod(QFile::encodeName(trees.path("src/locked")).constData(), 0700), 0);
-    QCOMPARE(::chmod(QFile::encodeName(trees.path("src/size.txt")).constData(), 0600), 0);
-
-    QProcess process;
-    process.start(launcher.first(),
-                  launcher.mid(1) + QStringList{QStringLiteral(PAIRSCOPE_CLI_PATH),
-                                                QStringLiteral("--manifest"),
-                                                QStringLiteral("--crc"), trees.path("src")});
-    const CliResult written = CliResult::of(process);
-    QCOMPARE(written.exitCode, 2);
-    QCOMPARE(written.err.count('\n'), 2);
-    // Behind a folder that could not be read nothing is known, which is not "missing".
-    const CliResult compared =
-        runCli({QStringLiteral("--format=tsv"), QStringLiteral("-c"), QStringLiteral("crc"),
-                QStringLiteral("-"), trees.path("dst")},
-               written.out);
-    QCOMPARE(compared.exitCode, 2);
-    QVERIFY2(compared.out.contains("13\tsource could not be read\tlocked/inside.txt\n") &&
-                 compared.out.contains("13\tsource could not be read\tsize.txt\n"),
-             compared.out.constData());
-}
+        QProcess process;
+        process.start(launcher.first(),
+                      launcher.mid(1) + QStringList{PAIRSCOPE_CLI_PATH, "--manifest", "--crc",
+                                                    trees.path("src")});
+        const CliResult written = CliResult::of(process);
+        QCOMPARE(written.exitCode, 2);
+        QCOMPARE(written.err.count('\n'), 2);
+        // Behind an unreadable folder nothing is known, which is not "missing".
+        const CliResult compared =
+            runCli({"--format=tsv", "-c", "crc", "-", trees.path("dst")}, written.out);
+        QCOMPARE(compared.exitCode, 2);
+        QVERIFY2(compared.out.contains("13\tsource could not be read\tlocked/inside.txt\n") &&
+                     compared.out.contains("13\tsource could not be read\tsize.txt\n"),
+                 compared.out.constData());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_Manifest)
 #include "tst_Manifest.moc"
