@@ -59,16 +59,14 @@ private Q_SLOTS:
     void parsesOptions_data() {
         QTest::addColumn<QByteArray>("arguments");
         QTest::addColumn<QByteArray>("parsed");
-        QTest::newRow("defaults") << QByteArray("a b")
-                                  << QByteArray("a b 3 65536 crc-last slack text");
-        QTest::newRow("bundled flags, attached values, upper case")
-            << QByteArray("-aqcSize,CRC --format=json --chunk-size=1024 a b")
-            << QByteArray("a b 33 1024 crc-last slack all quiet json");
-        QTest::newRow("flags after the roots")
-            << QByteArray("a --crc-first b -c size --no-slack --format tsv")
-            << QByteArray("a b 1 65536 tsv");
-        QTest::newRow("roots after --") << QByteArray("-a -- -a --help")
-                                        << QByteArray("-a --help 3 65536 crc-last slack all text");
+        const std::pair<const char *, const char *> parsed[] = {
+            {"a b", "a b 3 65536 crc-last slack text"},
+            {"-aqcSize,CRC --format=json --chunk-size=1024 a b",
+             "a b 33 1024 crc-last slack all quiet json"},
+            {"a --crc-first b -c size --no-slack --format tsv", "a b 1 65536 tsv"},
+            {"-a -- -a --help", "-a --help 3 65536 crc-last slack all text"}};
+        for (const auto &[arguments, described] : parsed)
+            QTest::newRow(arguments) << QByteArray(arguments) << QByteArray(described);
     }
     void parsesOptions() {
         QFETCH(QByteArray, arguments);
@@ -80,36 +78,26 @@ private Q_SLOTS:
     void refusesBadArguments_data() {
         QTest::addColumn<QByteArray>("arguments");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("no roots") << QByteArray("") << "expected two folders";
-        QTest::newRow("three roots") << QByteArray("a b c") << "too many arguments: 'c'";
-        QTest::newRow("unknown short in bundle") << QByteArray("-ax a b") << "unknown option '-x'";
-        QTest::newRow("unknown comparison")
-            << QByteArray("-c size,colour a b") << "unknown comparison 'colour'";
-        QTest::newRow("value missing at the end")
-            << QByteArray("a b --compare") << "option '--compare' needs a value";
-        QTest::newRow("value on a bundled flag")
-            << QByteArray("-aq=1 a b") << "option '-q' takes no value";
-        QTest::newRow("chunk size not a number")
-            << QByteArray("--chunk-size 64k a b") << "invalid --chunk-size '64k'";
-        QTest::newRow("chunk size above the ceiling")
-            << QByteArray("--chunk-size=16777217 a b") << "--chunk-size '16777217' is out of range";
-        QTest::newRow("time shift not a number")
-            << QByteArray("--time-shift=1h a b") << "invalid --time-shift '1h'";
-        QTest::newRow("existence with another")
-            << QByteArray("-c existence,size a b") << "existence cannot be combined";
-        QTest::newRow("unreadable rules file")
-            << QByteArray("--exclude-from /nonexistent/rules a b")
-            << "cannot read --exclude-from '/nonexistent/rules': No such file or directory";
-        QTest::newRow("empty destination")
-            << QByteArray("a @") << "DESTINATION is an empty argument";
-        QTest::newRow("a newline in an argument stays escaped")
-            << QByteArray("--case x\ny a b") << "unknown --case 'x\\ny'";
-        QTest::newRow("standard input for both sides")
-            << QByteArray("- -") << "standard input (-) can stand for one side only";
-        QTest::newRow("--crc without --manifest")
-            << QByteArray("--crc a b") << "--crc belongs with";
-        QTest::newRow("manifest of two roots")
-            << QByteArray("--manifest a b") << "--manifest takes";
+        const std::pair<const char *, const char *> refused[] = {
+            {"", "expected two folders"},
+            {"a b c", "too many arguments: 'c'"},
+            {"-ax a b", "unknown option '-x'"},
+            {"-c size,colour a b", "unknown comparison 'colour'"},
+            {"a b --compare", "option '--compare' needs a value"},
+            {"-aq=1 a b", "option '-q' takes no value"},
+            {"--chunk-size 64k a b", "invalid --chunk-size '64k'"},
+            {"--chunk-size=16777217 a b", "--chunk-size '16777217' is out of range"},
+            {"--time-shift=1h a b", "invalid --time-shift '1h'"},
+            {"-c existence,size a b", "existence cannot be combined"},
+            {"--exclude-from /nonexistent/rules a b",
+             "cannot read --exclude-from '/nonexistent/rules': No such file or directory"},
+            {"a @", "DESTINATION is an empty argument"},
+            {"--case x\ny a b", "unknown --case 'x\\ny'"}, // the newline stays escaped
+            {"- -", "standard input (-) can stand for one side only"},
+            {"--crc a b", "--crc belongs with"},
+            {"--manifest a b", "--manifest takes"}};
+        for (const auto &[arguments, reason] : refused)
+            QTest::newRow(reason) << QByteArray(arguments) << QString::fromUtf8(reason);
     }
     void refusesBadArguments() {
         QFETCH(QByteArray, arguments);
