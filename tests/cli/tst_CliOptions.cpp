@@ -112,7 +112,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("expected");
         QTest::newRow("half an hour only")
             << QByteArray("--time-shift=30") << QByteArray("8 hour-and-2s.txt\n8 hour.txt\n");
-        // Repeated shifts all count; each within the two-second slack.
         QTest::newRow("an hour among others, with the slack")
             << QByteArray("--time-shift=30 --time-shift=60") << QByteArray();
         QTest::newRow("an hour, no slack")
@@ -161,16 +160,13 @@ private Q_SLOTS:
     void filters_data() {
         QTest::addColumn<QByteArray>("options");
         QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("a name at any depth, on both sides")
-            << QByteArray("--exclude *.log") << QByteArray("4 a.txt\n4 build/out.o\n4 sub/t.tmp\n");
-        QTest::newRow("a folder") << QByteArray("--exclude=build/")
-                                  << QByteArray("4 a.txt\n2 only.log\n4 sub/keep.log\n"
-                                                "4 sub/t.tmp\n4 x.log\n");
-        QTest::newRow("each .gitignore below its folder")
-            << QByteArray("--gitignore")
-            << QByteArray("4 a.txt\n4 build/out.o\n2 only.log\n4 x.log\n");
-        QTest::newRow("from a file")
-            << QByteArray("--exclude-from @rules") << QByteArray("4 a.txt\n4 sub/t.tmp\n4 x.log\n");
+        const std::pair<const char *, const char *> filtered[] = {
+            {"--exclude *.log", "4 a.txt\n4 build/out.o\n4 sub/t.tmp\n"}, // any depth, both sides
+            {"--exclude=build/", "4 a.txt\n2 only.log\n4 sub/keep.log\n4 sub/t.tmp\n4 x.log\n"},
+            {"--gitignore", "4 a.txt\n4 build/out.o\n2 only.log\n4 x.log\n"}, // each in its folder
+            {"--exclude-from @rules", "4 a.txt\n4 sub/t.tmp\n4 x.log\n"}};
+        for (const auto &[options, expected] : filtered)
+            QTest::newRow(options) << QByteArray(options) << QByteArray(expected);
     }
     void filters() {
         QFETCH(QByteArray, options);

@@ -45,14 +45,13 @@ public:
             m_tree.writeNative(side + "size.txt", side == "src/" ? "1" : "12");
             m_tree.writeNative(side + (side == "src/" ? "Case.txt" : "case.txt"), "c");
             m_tree.writeNative(side + "mode.txt", "m");
+            m_tree.setTimes(QString::fromLatin1(side + "content.txt"), Base);
             ::symlink("content.txt", m_tree.nativePath(side + "link").constData());
             ::mkfifo(m_tree.nativePath(side + "fifo").constData(), 0644);
         }
         m_tree.writeNative("src/only-source", "s");
         m_tree.writeNative("dst/b/only-destination", "d");
         ::chmod(m_tree.nativePath("dst/mode.txt").constData(), 0600);
-        for (const char *name : {"src/content.txt", "dst/content.txt"})
-            m_tree.setTimes(QLatin1String(name), Base);
     }
     ~OddTree() {
         for (const char *side : {"src/", "dst/"})
