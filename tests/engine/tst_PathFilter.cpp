@@ -2,7 +2,6 @@
 
 #include <QTest>
 
-/** The glob rules of filters, as git applies them. */
 class tst_PathFilter : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -58,7 +57,6 @@ private Q_SLOTS:
         QVERIFY(filter.excluded(sub.get(), "sub/b", false));
         QVERIFY(!filter.excluded(sub.get(), "sub/x/b", false));
         QVERIFY(filter.excluded(root.get(), "x/.git", true));
-        // The user's rules win over the tree's.
         filter.rules.add("a.tmp", false);
         QVERIFY(filter.excluded(sub.get(), "sub/a.tmp", false));
     }

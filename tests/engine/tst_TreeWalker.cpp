@@ -20,10 +20,6 @@ namespace {
 
 const QByteArray deepName(200, 'd');
 
-/**
- * Writes each "NAME=TEXT" of \a files into \a depth nested folders of 200-byte names below
- * \a root, made one at a time relative to the last: their paths soon pass PATH_MAX.
- */
 bool writeDeep(const QByteArray &root, int depth, const QList<QByteArray> &files) {
     int folder = ::open(root.constData(), O_DIRECTORY | O_CLOEXEC);
     for (int i = 0; i < depth && folder >= 0; ++i) {
@@ -44,13 +40,11 @@ bool writeDeep(const QByteArray &root, int depth, const QList<QByteArray> &files
     return written;
 }
 
-/** Removes what writeDeep() made, which a removal by path cannot reach. */
 void removeDeep(const QByteArray &root) {
     QProcess::execute(QStringLiteral("rm"),
                       {QStringLiteral("-rf"), QFile::decodeName(root + '/' + deepName)});
 }
 
-/** Every file below \a root as "FOLDER/NAME", in the order the walker gives them. */
 QList<QByteArray> walk(const QByteArray &root, const QString &rootText) {
     QList<QByteArray> walked;
     TreeWalker walker({
@@ -67,9 +61,10 @@ QList<QByteArray> walk(const QByteArray &root, const QString &rootText) {
     return walked;
 }
 
-bool run(const QString &program, const QStringList &arguments) {
+bool run(const QString &command) {
+    QStringList arguments = QProcess::splitCommand(command);
     QProcess process;
-    process.start(program, arguments);
+    process.start(arguments.takeFirst(), arguments);
     return process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit &&
            process.exitCode() == 0;
 }
@@ -82,25 +77,19 @@ private Q_SLOTS:
     void unreadableFolder_data() {
         QTest::addColumn<bool>("inSource");
         QTest::addColumn<int>("mode"); // of the folder; -1 the root r--, -2 the root removed
-        // Listed but not entered (r--), neither (---), entered but not listed (--x): what lies
-        // behind is unknown, never missing, and nothing restarts the run.
         QTest::newRow("destination r--") << false << 0444;
-        QTest::newRow("destination ---") << false << 0;
         QTest::newRow("destination --x") << false << 0111;
         QTest::newRow("source r--") << true << 0444;
         QTest::newRow("root of the source r--") << true << -1;
-        // A root gone since it was chosen (an unmounted disk) could not be read either.
         QTest::newRow("root of the source gone") << true << -2;
         QTest::newRow("root of the destination gone") << false << -2;
     }
     void unreadableFolder() {
-        // Root reads everything: the folder can only be unreadable to an ordinary user.
         if (!ChildRun::isChild())
             return ChildRun::run(ChildRun::unprivileged(), "unreadableFolder");
         QFETCH(bool, inSource);
         QFETCH(int, mode);
-        TestTree readable;
-        TestTree locked;
+        TestTree readable, locked;
         const QStringList names{"locked/a.txt", "locked/sub/b.txt", "open.txt"};
         for (const QString &name : names)
             QVERIFY(readable.write(name, "x") && locked.write(name, "x"));
@@ -110,7 +99,6 @@ private Q_SLOTS:
             QVERIFY(QDir(locked.root()).removeRecursively());
         else
             QVERIFY(::chmod(folder.constData(), mode < 0 ? 0444 : mode_t(mode)) == 0);
-        // Each file behind it pairs with a placeholder: it "could not be read" there.
         QStringList expected;
         for (const QString &name : names) {
             const bool behind = mode < 0 || name.startsWith(QLatin1String("locked/"));
@@ -119,10 +107,8 @@ private Q_SLOTS:
                                                  : "%1 | - | 14")
                             .arg(name);
         }
-        // A walk read ahead meets the folder on a thread of its own: the same outcome.
         for (const bool prepared : {false, true}) {
-            ComparisonFileCollection sourceFiles;
-            ComparisonFileCollection destinationFiles;
+            ComparisonFileCollection sourceFiles, destinationFiles;
             ComparisonFileCollection &lockedFiles = inSource ? sourceFiles : destinationFiles;
             if (prepared)
                 lockedFiles.prepareRootFolder(locked.root());
@@ -131,7 +117,6 @@ private Q_SLOTS:
             int status = -1;
             QCOMPARE(comparePairs(sourceFiles, destinationFiles, 1, &status), expected);
             QCOMPARE(status, int(Pairscope::StatusComplete));
-            // The folder is the one problem, once, and says why.
             QCOMPARE(lockedFiles.Problems().size(), 1);
             QCOMPARE(lockedFiles.Problems().first().nativePath, folder);
             QVERIFY(lockedFiles.Problems().first().reason.contains(
@@ -142,19 +127,16 @@ private Q_SLOTS:
     }
 
     void pathsPastTheLimit() {
-        TestTree source;
-        TestTree destination;
+        TestTree source, destination;
         const QByteArray sourceRoot = source.nativePath("").chopped(1);
         const QByteArray destinationRoot = destination.nativePath("").chopped(1);
         constexpr int depth = 24; // about 4,800 bytes of path
         QVERIFY(writeDeep(sourceRoot, depth, {"deep.txt=same size 1", "only.txt=extra"}));
         QVERIFY(writeDeep(destinationRoot, depth, {"deep.txt=same size 2"}));
-        ComparisonFileCollection sourceFiles;
-        ComparisonFileCollection destinationFiles;
+        ComparisonFileCollection sourceFiles, destinationFiles;
         sourceFiles.setRootFolder(source.root());
         destinationFiles.setRootFolder(destination.root());
         QVERIFY(sourceFiles.Item(1)->NativePath().size() > PATH_MAX);
-        // Sizes and checksums: the checksums tell the two files apart.
         const QStringList pairs = comparePairs(sourceFiles, destinationFiles, 1 | 32);
         removeDeep(sourceRoot);
         removeDeep(destinationRoot);
@@ -165,8 +147,6 @@ private Q_SLOTS:
     }
 
     void nameByteOrder() {
-        // Names that tie on their first eight bytes, end within them, or hold bytes past ASCII:
-        // each folder must come out in plain byte order, as a byte-wise sort gives it.
         QList<QByteArray> names = QByteArray("abcdefgh|abcdefghi|abcdefgh\xff|abcdefgi|abc|abc\x01|"
                                              "abcdefgh\x01|B|b|\xc3\xa9|\xff|a b|ab|abcdefghij")
                                       .split('|');
@@ -181,7 +161,6 @@ private Q_SLOTS:
                 expected << folder + '/' + name;
         }
         QCOMPARE(walked, expected);
-        // The temporary folder cannot remove names that are not valid UTF-8 itself.
         for (const QByteArray &name : names) {
             ::unlink(tree.nativePath(name).constData());
             ::unlink(tree.nativePath("sub/" + name).constData());
@@ -189,19 +168,15 @@ private Q_SLOTS:
     }
 
     void listingWithoutTypes() {
-        // A file system without file types in its folders (ext4 made without "filetype") lists
-        // every entry as of unknown type: each must still be walked as what it is.
         TestTree tree;
         const QString image = tree.path(QStringLiteral("ext.img"));
         const QString mountPoint = tree.path(QStringLiteral("mnt"));
         QVERIFY(tree.mkdir(QStringLiteral("mnt")));
-        if (!run(QStringLiteral("truncate"), {QStringLiteral("-s"), QStringLiteral("4M"), image}) ||
-            !run(QStringLiteral("mkfs.ext4"), {QStringLiteral("-q"), QStringLiteral("-O"),
-                                               QStringLiteral("^filetype,^has_journal"), image}) ||
-            !run(QStringLiteral("mount"),
-                 {QStringLiteral("-o"), QStringLiteral("loop"), image, mountPoint}))
+        if (!run(QStringLiteral("truncate -s 4M ") + image) ||
+            !run(QStringLiteral("mkfs.ext4 -q -O ^filetype,^has_journal ") + image) ||
+            !run(QStringLiteral("mount -o loop ") + image + QLatin1Char(' ') + mountPoint))
             QSKIP("an ext4 image cannot be made and mounted here (needs root and a loop device)");
-        const auto unmount = qScopeGuard([&] { run(QStringLiteral("umount"), {mountPoint}); });
+        const auto unmount = qScopeGuard([&] { run(QStringLiteral("umount ") + mountPoint); });
         QVERIFY(tree.write(QStringLiteral("mnt/sub/inner"), "x"));
         QVERIFY(tree.write(QStringLiteral("mnt/top"), "x"));
         QCOMPARE(walk(tree.nativePath("mnt"), mountPoint),
