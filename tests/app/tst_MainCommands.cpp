@@ -43,9 +43,8 @@ private:
 void tst_MainCommands::editCommandsActOnTheFocusedList_data() {
     QTest::addColumn<QString>("focus");
     QTest::addColumn<bool>("byKeyboard");
-    QTest::addColumn<int>("selected0"); // selected rows of each list after Select All
+    QTest::addColumn<int>("selected0"); // after Select All; the other list has one selected
     QTest::addColumn<int>("selected1");
-    // The list without the focus has one row selected.
     QTest::newRow("menu, list 0") << "lvwFiles0" << false << 500 << 1;
     QTest::newRow("Ctrl+A, list 1") << "lvwFiles1" << true << 1 << 500;
     QTest::newRow("Ctrl+A in a combo selects its text, not rows")
@@ -55,7 +54,6 @@ void tst_MainCommands::editCommandsActOnTheFocusedList_data() {
 void tst_MainCommands::editCommandsActOnTheFocusedList() {
     QFETCH(QString, focus);
     QFETCH(bool, byKeyboard);
-    // Keys without counterparts, unlinked: a selection stays where it was made.
     Options::setLinkListings(false);
     ComparedWindow w;
     TestTree trees[2];
@@ -99,14 +97,13 @@ void tst_MainCommands::editCommandsActOnTheFocusedList() {
 }
 
 void tst_MainCommands::resetOptions() {
-    // A value other than the default for every option that Reset Options puts back.
     TestTree tree;
     QVERIFY(tree.mkdir("a") && tree.mkdir("b"));
     RecentLists::saveFolders(RecentLists::Side::Source, {tree.path("a"), tree.path("b")}, 1);
     RecentLists::saveFolders(RecentLists::Side::Destination, {tree.path("b")}, 0);
     RecentLists::saveSelections({33, 1}, 0);
-    SettingsStore::write(QStringLiteral("SourceLayout"), QStringLiteral("Position6"), "6");
-    SettingsStore::write(QStringLiteral("DestLayout"), QStringLiteral("Width1"), "333");
+    SettingsStore::write("SourceLayout", "Position6", "6");
+    SettingsStore::write("DestLayout", "Width1", "333");
     Options::setOrientation(Options::HorizontalOrientation);
     Options::setAlwaysOnTop(true);
     Options::setViewOptions({false, false, true, true, true}); // each the other way
@@ -118,7 +115,7 @@ void tst_MainCommands::resetOptions() {
     QCOMPARE(w.find<QSplitter>("picMain")->orientation(), Qt::Vertical);
     const QByteArray stored = m_profile.raw();
 
-    bool yes = false; // the question is declined with Esc first
+    bool yes = false; // declined with Esc first
     ModalWatcher watcher([&yes](QWidget *shown) {
         auto *box = qobject_cast<QMessageBox *>(shown);
         if (box)
@@ -145,14 +142,10 @@ void tst_MainCommands::resetOptions() {
     QVERIFY(w.item("&Link File Listings")->isChecked() && !w.item("Show &Full Path")->isChecked());
     QVERIFY(!w.list(0)->files()->boldDifferent());
     QVERIFY(Options::includeSlack() && w.item("Include &2-Second Slack For Dates")->isChecked());
-    QCOMPARE(Options::letterCase(), QStringLiteral("auto"));
-    QVERIFY(w.item("&As Each File System Does")->isChecked());
-
-    // The layouts are written when the window closes.
-    w.window.close();
-    QCOMPARE(SettingsStore::value(QStringLiteral("SourceLayout"), QStringLiteral("Position6")),
-             QStringLiteral("-1"));
-    QCOMPARE(SettingsStore::value(QStringLiteral("DestLayout"), QStringLiteral("Width1")),
+    QVERIFY(Options::letterCase() == "auto" && w.item("&As Each File System Does")->isChecked());
+    w.window.close(); // writes the layouts
+    QCOMPARE(SettingsStore::value("SourceLayout", "Position6"), QStringLiteral("-1"));
+    QCOMPARE(SettingsStore::value("DestLayout", "Width1"),
              QString::number(ColumnLayout::DefaultWidth(w.list(1), 1)));
 }
 
@@ -164,11 +157,9 @@ void tst_MainCommands::placeholdersRebuiltWhenSwitching_data() {
 
 void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
     QFETCH(bool, placeholders);
-    // Three pairs that differ, "p/s-only" in the source alone, "q/d-only" in the destination.
     TestTree tree;
-    for (const char *name : {"p/b", "q/a", "r/c"})
-        QVERIFY(tree.write(QStringLiteral("src/") + name, "1") &&
-                tree.write(QStringLiteral("dst/") + name, "22"));
+    for (const QString name : {"p/b", "q/a", "r/c"})
+        QVERIFY(tree.write("src/" + name, "1") && tree.write("dst/" + name, "22"));
     QVERIFY(tree.write("src/p/s-only", "4") && tree.write("dst/q/d-only", "8"));
     Options::setUseMissingPlaceholders(placeholders);
     ComparedWindow w(tree.path("src"), tree.path("dst"));
@@ -176,8 +167,7 @@ void tst_MainCommands::placeholdersRebuiltWhenSwitching() {
     const int rows = placeholders ? 5 : 4;
     QCOMPARE(w.rows(0).size(), rows);
     w.item("&Link File Listings")->trigger();
-    // Cleared, the lists show whether switching linking on rebuilt them from the collections.
-    w.item("C&lear Display")->trigger();
+    w.item("C&lear Display")->trigger(); // switching linking on must rebuild from the results
     w.item("&Link File Listings")->trigger();
     QCOMPARE(w.rows(0).size(), placeholders ? rows : 0);
     QCOMPARE(w.rows(1).size(), placeholders ? rows : 0);
@@ -202,10 +192,10 @@ void tst_MainCommands::droppedFolders() {
     TestTree tree;
     QVERIFY(tree.write("a/f.txt", "x") && tree.mkdir("b"));
     ComparedWindow w;
+    QMimeData data;
     QList<QUrl> urls;
     for (const QString &relative : dropped)
         urls << QUrl::fromLocalFile(tree.path(relative));
-    QMimeData data;
     data.setUrls(urls);
     QWidget *over = w.window.findChild<QWidget *>(target);
     const QPoint pos = over->mapTo(&w.window, over->rect().center());
@@ -221,21 +211,17 @@ void tst_MainCommands::droppedFolders() {
 
 namespace {
 
-/**
- * Runs \a work once from the event loop while \a w rebuilds its listings, between two
- * slices of the rebuild; returns whether it ran.
- */
+/** Runs \a work once between two slices of the rebuild \a toggle starts; whether it ran. */
 bool duringRebuild(ComparedWindow &w, const QString &toggle, const std::function<void()> &work) {
     bool ran = false;
     QTimer poll;
-    poll.setInterval(0);
     QObject::connect(&poll, &QTimer::timeout, [&] {
         if (ran || !w.window.IsBusy() || !w.status().contains(QLatin1String("Rebuilding")))
             return;
         ran = true;
         work();
     });
-    poll.start();
+    poll.start(0);
     w.item(toggle)->trigger();
     return ran;
 }
@@ -252,20 +238,17 @@ void tst_MainCommands::rebuildGivesWayToNewerWork_data() {
 
 void tst_MainCommands::rebuildGivesWayToNewerWork() {
     QFETCH(QString, during);
-    // Enough identical pairs that listing them takes the rebuild several slices.
-    TestTree tree;
+    TestTree tree; // enough identical pairs to take the rebuild several slices
     for (int i = 0; i < 4000; ++i) {
         const QString name = QStringLiteral("d%1/f%2").arg(i % 10).arg(i);
         QVERIFY(tree.write("src/" + name, "1") && tree.write("dst/" + name, "1"));
     }
-    for (const char *name : {"a", "b", "c"})
-        QVERIFY(tree.write(QStringLiteral("src/") + name, "1") &&
-                tree.write(QStringLiteral("dst/") + name, "22"));
+    for (const QString name : {"a", "b", "c"})
+        QVERIFY(tree.write("src/" + name, "1") && tree.write("dst/" + name, "22"));
     ComparedWindow w(tree.path("src"), tree.path("dst"));
     w.compare();
     const QStringList differing[2] = {w.rows(0), w.rows(1)};
     QCOMPARE(differing[0].size(), 3);
-
     QAction *allFiles = w.item("Show A&ll Files");
     QVERIFY(duringRebuild(w, "Show A&ll Files", [&] {
         if (during == "toggle") {
@@ -283,17 +266,14 @@ void tst_MainCommands::rebuildGivesWayToNewerWork() {
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
 
     if (during == "toggle") {
-        // Back to the rows the compare listed, in their order, as if never rebuilt.
         QVERIFY(!allFiles->isChecked());
         QCOMPARE(w.rows(0), differing[0]);
         QCOMPARE(w.rows(1), differing[1]);
     } else if (during == "compare") {
-        // The compare's rows and nothing of the rebuild it stopped: the same as a compare
-        // on its own gives.
+        // Only the new compare's rows and records, as a compare on its own gives.
         const QStringList compared[2] = {w.rows(0), w.rows(1)};
         QCOMPARE(compared[0].size(), 4004);
         QVERIFY(compared[0].contains("new"));
-        // Every row shows the new compare's record, none one of the stopped rebuild.
         for (int side = 0; side < 2; ++side) {
             const FileListModel *files = w.list(side)->files();
             for (int row = 0; row < files->count(); ++row)
@@ -307,7 +287,7 @@ void tst_MainCommands::rebuildGivesWayToNewerWork() {
         QCOMPARE(w.rows(0).size(), 0);
         QCOMPARE(w.rows(1).size(), 0);
     } else {
-        // Sorted between two slices, the rows still come out once each, every pair listed.
+        // Each row once, every pair listed.
         for (int side = 0; side < 2; ++side) {
             QStringList rows = w.rows(side);
             QCOMPARE(rows.size(), 4003);

@@ -15,10 +15,7 @@
 
 namespace {
 
-/**
- * A source and a destination with a pair of every common kind, named with characters that
- * HTML, JSON and tab-separated lines must escape, and a name that is not UTF-8.
- */
+/** A pair of every kind, names that HTML, JSON and TSV escape, and one not UTF-8. */
 class ReportTrees {
 public:
     ReportTrees() {
@@ -39,8 +36,10 @@ public:
         }
         m_tree.writeNative(notUtf8, "x");
     }
-    // The temporary folder cannot remove a name that is not UTF-8 itself.
-    ~ReportTrees() { ::unlink(m_tree.nativePath(notUtf8).constData()); }
+    ~ReportTrees() // the temporary folder cannot remove it itself
+    {
+        ::unlink(m_tree.nativePath(notUtf8).constData());
+    }
 
     QString source() const { return m_tree.path(QStringLiteral("src")); }
     QString destination() const { return m_tree.path(QStringLiteral("dst")); }
@@ -53,26 +52,18 @@ private:
 
 /** What pairscope-cli, run in this process, writes to standard output. */
 QByteArray cliOutput(const QList<QByteArray> &arguments) {
-    std::FILE *out = std::tmpfile();
-    std::FILE *err = std::tmpfile();
-    QByteArray written;
-    if (out && err) {
-        PairscopeCli::run(arguments, out, err);
-        QFile file;
-        if (file.open(out, QIODevice::ReadOnly) && file.seek(0))
-            written = file.readAll();
-    }
-    for (std::FILE *stream : {out, err}) {
-        if (stream)
-            std::fclose(stream);
-    }
+    std::FILE *out = std::tmpfile(), *err = std::tmpfile();
+    PairscopeCli::run(arguments, out, err);
+    QFile file;
+    const QByteArray written =
+        file.open(out, QIODevice::ReadOnly) && file.seek(0) ? file.readAll() : QByteArray();
+    file.close();
+    std::fclose(out);
+    std::fclose(err);
     return written;
 }
 
-/**
- * Answers the save dialog as a user would: the file type whose pattern has \a extension,
- * chosen with the arrow keys, then \a fileName typed; anything else is left to the watcher.
- */
+/** Answers the save dialog: the type for \a extension chosen by arrow keys, \a fileName typed. */
 ModalWatcher::Handler saveAs(const QString &extension, const QString &fileName) {
     return [=](QWidget *shown) {
         auto *dialog = qobject_cast<QFileDialog *>(shown);
@@ -134,17 +125,14 @@ void tst_SaveReport::savesWhatTheCommandLineWrites() {
     ComparedWindow w(trees.source(), trees.destination());
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    // The View decides after the compare which pairs are listed, and so reported.
-    if (allFiles)
+    if (allFiles) // the View decides after the compare which pairs are reported
         w.item("Show A&ll Files")->trigger();
-
     // Typed without an extension: the chosen file type adds its own.
     const ModalWatcher watcher(saveAs(extension, trees.folder() + QStringLiteral("/report")));
     w.item("Save Re&port...")->trigger();
     QVERIFY2(watcher.texts().isEmpty(), qPrintable(watcher.texts().join(QLatin1Char('\n'))));
     QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
     QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
-
     const QByteArray expected =
         cliOutput(options + QList<QByteArray>{QFile::encodeName(trees.source()),
                                               QFile::encodeName(trees.destination())});
@@ -157,36 +145,29 @@ void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
     ComparedWindow w(trees.source(), trees.destination());
     const QAction *item = w.item("Save Re&port...");
     QVERIFY(!item->isEnabled());
-
-    // Each run lets events through before it walks: the new source collection is hooked then,
-    // to look at the item from inside the walk, and to cancel the second run there.
+    // Hooks each run's new source collection, to look at the item inside the walk, and to
+    // cancel the second run there.
     bool cancel = false;
     QList<bool> enabledDuringWalk;
     QTimer poll;
-    const auto hook = [&] {
-        connect(&poll, &QTimer::timeout, this, [&] {
-            const ComparisonFileCollection *source = w.window.Files(0);
-            if (!source || source->Count() != 0)
-                return;
-            poll.stop();
-            connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
-                if (count != 1)
-                    return;
+    connect(&poll, &QTimer::timeout, this, [&] {
+        const ComparisonFileCollection *source = w.window.Files(0);
+        if (!source || source->Count() != 0)
+            return;
+        poll.stop();
+        connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
+            if (count == 1)
                 enabledDuringWalk.append(item->isEnabled());
-                if (cancel)
-                    w.find<QPushButton>("cmdCompare")->click();
-            });
+            if (count == 1 && cancel)
+                w.find<QPushButton>("cmdCompare")->click();
         });
-        poll.start(0);
-    };
-    hook();
+    });
+    poll.start(0);
     w.compare();
     QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
     QVERIFY(item->isEnabled());
-
-    poll.disconnect();
     cancel = true;
-    hook();
+    poll.start(0);
     w.compare();
     QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
     QCOMPARE(enabledDuringWalk, QList<bool>({false, false}));
@@ -197,12 +178,10 @@ void tst_SaveReport::failureToWriteIsShown() {
     const ReportTrees trees;
     ComparedWindow w(trees.source(), trees.destination());
     w.compare();
-    // No one may create files in the process folder, not even root.
     const QString target = QStringLiteral("/proc/self/report.json");
     const ModalWatcher watcher(saveAs(QStringLiteral("json"), target));
     w.item("Save Re&port...")->trigger();
     QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
-    // The reason follows the file's name.
     const QString said = watcher.texts().constFirst();
     const QString prefix = QStringLiteral("The report could not be saved to ") + target + ".\n\n";
     QVERIFY2(said.startsWith(prefix) && said.size() > prefix.size(), qPrintable(said));
