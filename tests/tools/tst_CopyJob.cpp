@@ -11,12 +11,12 @@
 #include <QTest>
 
 #include <csignal>
+#include <map>
 #include <sys/mount.h>
 #include <sys/wait.h>
 
 namespace {
 
-/** The copy's calls that place or flush a file, in order, each with the target's state then. */
 QStringList g_calls;
 QByteArray g_watchedTarget;
 
@@ -25,7 +25,6 @@ void note(const QString &event) {
                                                           : QStringLiteral(" (gone)")));
 }
 
-/** Puts the real system calls back when the test ends. */
 auto restoredSystemCalls() {
     return qScopeGuard([] { CopySystemCalls::current() = CopySystemCalls::real(); });
 }
@@ -36,6 +35,17 @@ QByteArray statuses(const std::vector<CopyOutcome> &outcomes) {
     for (const CopyOutcome &outcome : outcomes)
         letters += "NCSF"[outcome.status];
     return letters;
+}
+
+/** Each name copied from src, in capitals, over an older dst in lower case. */
+std::vector<CopyItem> replaceable(TestTree &tree, std::initializer_list<QByteArray> names) {
+    std::vector<CopyItem> items;
+    for (const QByteArray &n : names) {
+        tree.writeNative("src/" + n, n.toUpper());
+        tree.writeNative("dst/" + n, n);
+        items.push_back(item(tree, "src/" + n, "dst/" + n));
+    }
+    return items;
 }
 
 struct stat lstatOf(const QByteArray &path) {
@@ -95,26 +105,22 @@ void tst_CopyJob::copiesFilesAndLinksExactly() {
     QCOMPARE(observer.last.filesDone, 5);
     QCOMPARE(observer.last.bytesDone, observer.last.bytesTotal);
     QCOMPARE(observer.last.bytesTotal, 5 + 3 + 4 + 17); // a link counts its text
-    QCOMPARE(readNative(tree.nativePath("dst/a.txt")) +
-                 readNative(tree.nativePath("dst/x/y/empty")) +
-                 readNative(tree.nativePath("dst/" + odd)) +
-                 readNative(tree.nativePath("dst/" + longest)),
-             QByteArray("alphaoddlong"));
+    QByteArray copied;
+    for (const QByteArray &name : {QByteArray("a.txt"), QByteArray("x/y/empty"), odd, longest})
+        copied += readNative(tree.nativePath("dst/" + name));
+    QCOMPARE(copied, QByteArray("alphaoddlong"));
     char text[64] = {};
     QCOMPARE(::readlink(tree.nativePath("dst/link").constData(), text, sizeof text - 1), 17);
     QCOMPARE(QByteArray(text), QByteArray("../nowhere/at all"));
-    // Times to the nanosecond; the permissions, but no set-id bits: the copy is the copier's.
     QCOMPARE(lstatOf(tree.nativePath("dst/a.txt")).st_mtim.tv_nsec, 123456789L);
     QCOMPARE(lstatOf(tree.nativePath("dst/link")).st_mtim.tv_nsec, 987654321L);
     QCOMPARE(lstatOf(tree.nativePath("dst/a.txt")).st_mode & 07777, mode_t(0750));
     QVERIFY(leftovers(tree.root()).isEmpty());
-    // QTemporaryDir cannot remove a name that is not UTF-8.
     ::unlink(tree.nativePath("src/" + odd).constData());
     ::unlink(tree.nativePath("dst/" + odd).constData());
 }
 
 void tst_CopyJob::refusalIsOneFilesFailure_data() {
-    // The source, the target (each path's first folder is its root), and the refusal.
     QTest::addColumn<QStringList>("copy");
     QTest::newRow("name of 256 bytes")
         << QStringList{"src/bad", "dst/" + QString(256, 'n'), "longer than 255"};
@@ -125,7 +131,6 @@ void tst_CopyJob::refusalIsOneFilesFailure_data() {
     QTest::newRow("FIFO") << QStringList{"src/fifo", "dst/fifo", "special file"};
     QTest::newRow("source deleted after the review")
         << QStringList{"src/gone", "dst/gone", "no longer exists"};
-    // The links lead where the same path names a file outside the trees.
     QTest::newRow("target folder is a link")
         << QStringList{"src/bad", "dst/link/deep/inner.txt", "is a symbolic link"};
     QTest::newRow("source folder is a link")
@@ -164,7 +169,6 @@ void tst_CopyJob::refusalIsOneFilesFailure() {
 }
 
 void tst_CopyJob::changeWhileCopyingIsNotOverwritten_data() {
-    // The change, the refusal, and what the target holds afterwards.
     QTest::addColumn<QStringList>("change");
     QTest::newRow("source rewritten in place") << QStringList{"rewrite", "changed", "old"};
     QTest::newRow("source replaced") << QStringList{"replace", "replaced", "old"};
@@ -221,7 +225,6 @@ void tst_CopyJob::killedCopyLeavesNothingListed() {
     const pid_t child = ::fork();
     QVERIFY(child >= 0);
     if (child == 0) {
-        // Killed half-way through the data, as by `kill -9`: no clean-up runs.
         if (!unnamed)
             CopySystemCalls::current().openUnnamed = [](int) { return errno = EOPNOTSUPP, -1; };
         CopyJob job({copied});
@@ -242,7 +245,6 @@ void tst_CopyJob::killedCopyLeavesNothingListed() {
     QCOMPARE(names.size(), unnamed ? 1 : 2); // else the partial file, under a name of its own
     if (!unnamed)
         QVERIFY(TemporaryCopyName::isTemporaryCopyName(names.first().toLatin1().constData()));
-    // The next compare lists the real file only.
     ComparisonFileCollection listed;
     listed.setRootFolder(tree.path(QStringLiteral("dst")));
     QCOMPARE(listed.Count(), 1);
@@ -250,35 +252,30 @@ void tst_CopyJob::killedCopyLeavesNothingListed() {
 }
 
 void tst_CopyJob::replaceQuestion_data() {
-    QTest::addColumn<QList<int>>("answers");
+    QTest::addColumn<QByteArray>("answers"); // Yes, No, All, Cancel
     QTest::addColumn<int>("stopAt"); // the progress display's Cancel in b, at this bytesDone
     QTest::addColumn<QByteArray>("expected"); // what a, b, c hold afterwards, and the statuses
-    using A = ReplaceAnswer;
-    QTest::newRow("yes, no, yes") << QList<int>{int(A::Yes), int(A::No), int(A::Yes)} << -1
-                                  << QByteArray("AbC CSC");
-    QTest::newRow("yes to all") << QList<int>{int(A::YesToAll)} << -1 << QByteArray("ABC CCC");
-    QTest::newRow("cancel at the second")
-        << QList<int>{int(A::Yes), int(A::Cancel)} << -1 << QByteArray("Abc CNN");
-    QTest::newRow("cancelled before the second")
-        << QList<int>{int(A::YesToAll)} << 1 << QByteArray("Abc CNN");
+    QTest::newRow("yes, no, yes") << QByteArray("YNY") << -1 << QByteArray("AbC CSC");
+    QTest::newRow("yes to all") << QByteArray("A") << -1 << QByteArray("ABC CCC");
+    QTest::newRow("cancel at the second") << QByteArray("YC") << -1 << QByteArray("Abc CNN");
+    QTest::newRow("cancelled before the second") << QByteArray("A") << 1 << QByteArray("Abc CNN");
     QTest::newRow("cancelled while copying the second")
-        << QList<int>{int(A::YesToAll)} << 2 << QByteArray("Abc CNN");
+        << QByteArray("A") << 2 << QByteArray("Abc CNN");
 }
 
 void tst_CopyJob::replaceQuestion() {
-    QFETCH(QList<int>, answers);
+    QFETCH(QByteArray, answers);
     QFETCH(int, stopAt);
     TestTree tree;
-    std::vector<CopyItem> items;
-    for (const QByteArray n : {"a", "b", "c"}) {
-        QVERIFY(tree.writeNative("src/" + n, n.toUpper()));
-        QVERIFY(tree.writeNative("dst/" + n, n));
-        items.push_back(item(tree, "src/" + n, "dst/" + n));
-    }
+    const auto items = replaceable(tree, {"a", "b", "c"});
     CopyJob job(items);
     ScriptedObserver observer;
-    for (int answer : answers)
-        observer.answers.push_back(ReplaceAnswer(answer));
+    const std::map<char, ReplaceAnswer> answer{{'Y', ReplaceAnswer::Yes},
+                                               {'N', ReplaceAnswer::No},
+                                               {'A', ReplaceAnswer::YesToAll},
+                                               {'C', ReplaceAnswer::Cancel}};
+    for (char letter : answers)
+        observer.answers.push_back(answer.at(letter));
     observer.onProgress = [&](const CopyProgress &p) {
         return stopAt < 0 || p.current != 1 || p.bytesDone < stopAt;
     };
@@ -301,12 +298,10 @@ void tst_CopyJob::targetIsNeverMissingAndOldGoesToTheTrash() {
         return ::fsync(fd);
     };
     calls.renameat2 = [](int from, const char *a, int to, const char *b, unsigned flags) {
-        note(QStringLiteral("rename"));
-        return ::renameat2(from, a, to, b, flags);
+        return note(QStringLiteral("rename")), ::renameat2(from, a, to, b, flags);
     };
     calls.linkat = [](int from, const char *a, int to, const char *b, int flags) {
-        note(QStringLiteral("link"));
-        return ::linkat(from, a, to, b, flags);
+        return note(QStringLiteral("link")), ::linkat(from, a, to, b, flags);
     };
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral("src/f"), "new"));
@@ -319,7 +314,6 @@ void tst_CopyJob::targetIsNeverMissingAndOldGoesToTheTrash() {
     QCOMPARE(job.run(observer).front().status, CopyOutcome::Copied);
     QCOMPARE(readNative(g_watchedTarget), QByteArray("new"));
 
-    // The copy's data is flushed before any name changes, and the target is always there.
     struct stat copy {};
     QCOMPARE(::stat(g_watchedTarget.constData(), &copy), 0);
     const qsizetype flushed =
@@ -330,7 +324,6 @@ void tst_CopyJob::targetIsNeverMissingAndOldGoesToTheTrash() {
         QVERIFY2(i >= flushed || g_calls[i].startsWith(QLatin1String("fsync")),
                  "the copy was put in place before its data was flushed");
     }
-    // The old file in the desktop trash, its original path beside it.
     QCOMPARE(readNative(QFile::encodeName(m_profile.trashFiles()) + "/f"), QByteArray("old"));
     QVERIFY(readNative(QFile::encodeName(m_profile.trashInfo()) + "/f.trashinfo")
                 .contains("Path=" + g_watchedTarget.toPercentEncoding("/") + '\n'));
@@ -339,9 +332,6 @@ void tst_CopyJob::targetIsNeverMissingAndOldGoesToTheTrash() {
 void tst_CopyJob::refusedTrashAsksBeforeReplacingForGood_data() {
     QTest::addColumn<QString>("blocked"); // a file where this trash folder belongs
     QTest::addColumn<bool>("replace");
-    // The whole trash refused: known before copying, so one question for both files, before
-    // the first. Refused only when the file is moved: asked per file, after the copy took the
-    // name; No puts the old file back.
     QTest::newRow("known: replace for good") << QStringLiteral("Trash") << true;
     QTest::newRow("known: keep") << QStringLiteral("Trash") << false;
     QTest::newRow("found late: replace for good") << QStringLiteral("Trash/info") << true;
@@ -364,11 +354,8 @@ void tst_CopyJob::refusedTrashAsksBeforeReplacingForGood() {
     QVERIFY(QFile(blocker).open(QIODevice::WriteOnly));
 
     TestTree tree;
-    for (const QByteArray n : {"f", "g"}) {
-        QVERIFY(tree.writeNative("src/" + n, n.toUpper()));
-        QVERIFY(tree.writeNative("dst/" + n, n));
-    }
-    CopyJob job({item(tree, "src/f", "dst/f"), item(tree, "src/g", "dst/g")});
+    const auto items = replaceable(tree, {"f", "g"});
+    CopyJob job(items);
     ScriptedObserver observer;
     const ReplaceAnswer answer = replace ? ReplaceAnswer::Yes : ReplaceAnswer::No;
     observer.trashAnswers = {answer, answer};
@@ -387,13 +374,12 @@ void tst_CopyJob::refusedTrashAsksBeforeReplacingForGood() {
     QCOMPARE(observer.askedWithoutTrash.size(), known ? 0 : 2);
     QCOMPARE(observer.asked.size(), known ? 0 : 2);
     QCOMPARE(statuses(outcomes), QByteArray(replace ? "CC" : "SS"));
-    QCOMPARE(readNative(tree.nativePath("dst/f")) + readNative(tree.nativePath("dst/g")),
+    QCOMPARE(readNative(items[0].target) + readNative(items[1].target),
              QByteArray(replace ? "FG" : "fg"));
     QVERIFY(leftovers(tree.root()).isEmpty());
 }
 
 void tst_CopyJob::sparseAndHugeFiles() {
-    // Mostly hole, with data past 4 GiB: the holes stay holes (else 5 GiB and minutes).
     TestTree tree;
     QVERIFY(tree.write(QStringLiteral("src/sparse"), "head"));
     const QByteArray source = tree.nativePath("src/sparse");
@@ -423,7 +409,6 @@ void tst_CopyJob::sparseAndHugeFiles() {
 }
 
 void tst_CopyJob::refusedCallsAreNotesOrFailures() {
-    // FAT over FUSE: no permissions at all, and no truncation; a copy with notes.
     auto restore = restoredSystemCalls();
     CopySystemCalls::current().fchmod = [](int, mode_t) { return errno = ENOSYS, -1; };
     CopySystemCalls::current().ftruncate = [](int, off_t) { return errno = EPERM, -1; };
@@ -441,7 +426,6 @@ void tst_CopyJob::refusedCallsAreNotesOrFailures() {
     QCOMPARE(readNative(tree.nativePath("dst/holes")),
              QByteArray("head") + QByteArray(1024 * 1024 - 4, '\0'));
 
-    // A flush that fails: the copies fail, and the folders made for them go again.
     CopySystemCalls::current().fsync = [](int) { return errno = EIO, -1; };
     CopyJob failing({item(tree, "src/a/b/c.txt", "dst/a/b/c.txt"),
                      item(tree, "src/a/b/c.txt", "dst/new/deeper/c.txt")});
@@ -456,7 +440,6 @@ void tst_CopyJob::refusedCallsAreNotesOrFailures() {
 
 void tst_CopyJob::diskFullKeepsTheOldTarget() {
     if (!ChildRun::isChild()) {
-        // A private mount namespace, so the small file system is nobody else's business.
         ChildRun::run({QStringLiteral("unshare"),
                        ::geteuid() == 0 ? QStringLiteral("-m") : QStringLiteral("-Urm")},
                       "diskFullKeepsTheOldTarget");
@@ -488,15 +471,13 @@ void tst_CopyJob::diskFullKeepsTheOldTarget() {
 
 void tst_CopyJob::readOnlyTargetFolderIsAPerFileError() {
     if (::geteuid() == 0 && !ChildRun::isChild()) {
-        // Root writes anywhere: the folder's permissions only bind an ordinary user.
         ChildRun::run(ChildRun::unprivileged(), "readOnlyTargetFolderIsAPerFileError");
         return;
     }
     QVERIFY2(::geteuid() != 0, "must run unprivileged");
     TestTree tree;
-    QVERIFY(tree.write(QStringLiteral("src/1"), "one"));
-    QVERIFY(tree.write(QStringLiteral("src/2"), "two"));
-    QVERIFY(tree.write(QStringLiteral("dst/locked/2"), "old two"));
+    for (const char *file : {"src/1", "src/2", "dst/locked/2"})
+        QVERIFY(tree.write(QLatin1String(file), file));
     QCOMPARE(::chmod(tree.nativePath("dst/locked").constData(), 0555), 0);
     auto unlock = qScopeGuard([&] { ::chmod(tree.nativePath("dst/locked").constData(), 0755); });
 
@@ -508,7 +489,7 @@ void tst_CopyJob::readOnlyTargetFolderIsAPerFileError() {
     QCOMPARE(statuses(outcomes), QByteArray("FFC"));
     QVERIFY2(outcomes[0].message.contains(QLatin1String("Permission denied")),
              qPrintable(outcomes[0].message));
-    QCOMPARE(readNative(tree.nativePath("dst/locked/2")), QByteArray("old two"));
+    QCOMPARE(readNative(tree.nativePath("dst/locked/2")), QByteArray("dst/locked/2"));
     QVERIFY(!existsNative(tree.nativePath("dst/locked/1")));
 }
 

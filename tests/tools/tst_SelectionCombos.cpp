@@ -29,7 +29,6 @@ using RecentLists::Side;
 
 namespace {
 
-/** The value of every row: a combo's comparison sets, a list's comparison bits. */
 QList<int> values(const QAbstractItemModel *model) {
     QList<int> values;
     for (int row = 0; row < model->rowCount(); ++row)
@@ -109,20 +108,16 @@ void tst_SelectionCombos::recentComparisons() {
     QCOMPARE(chosen.first().first().toInt(), 31);
     QCOMPARE(RecentLists::loadSelections().last, 3);
 
-    // A set already listed keeps its place; new sets go to the top; the seventh pushes the
-    // oldest out.
     logic.Select(0);
     QCOMPARE(combo.currentIndex(), 2);
-    logic.Select(63);
-    logic.Select(33);
-    logic.Select(17);
+    for (int set : {63, 33, 17})
+        logic.Select(set);
     QCOMPARE(values(combo.model()), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
     QCOMPARE(logic.Comparisons(), 17);
     QCOMPARE(RecentLists::loadSelections().values + QList<int>{-1}, values(combo.model()));
     QCOMPARE(RecentLists::loadSelections().last, 0);
-    // Not a comparison set: nothing changes.
-    logic.Select(-1);
-    logic.Select(64);
+    for (int set : {-1, 64})
+        logic.Select(set);
     QCOMPARE(values(combo.model()), (QList<int>{17, 33, 63, 3, 2, 0, -1}));
 }
 
@@ -142,7 +137,6 @@ void tst_SelectionCombos::dialogCancelledThenConfirmed() {
         if (!dialog)
             return false;
         shownWith << dialog->Comparisons();
-        // A change made to the combo while its handler runs must not start it again.
         combo.setCurrentIndex(3);
         comboIgnored = comboIgnored && RecentLists::loadSelections().last == 1;
         dialog->lstComparisons->clearSelection();
@@ -157,7 +151,7 @@ void tst_SelectionCombos::dialogCancelledThenConfirmed() {
     QCOMPARE(values(combo.model()), (QList<int>{63, 3, 2, 0, 31, -1}));
     QCOMPARE(chosen.count(), 0);
 
-    confirm = true; // with the checksum moved up, the first two rows are sizes and checksums
+    confirm = true;
     combo.setCurrentIndex(combo.count() - 1);
     QCOMPARE(shownWith, (QList<int>{3, 3}));
     QVERIFY(comboIgnored);
@@ -166,7 +160,6 @@ void tst_SelectionCombos::dialogCancelledThenConfirmed() {
     QCOMPARE(chosen.count(), 1);
     QCOMPARE(chosen.first().first().toInt(), 33);
     QVERIFY(!Options::doCRCLast());
-    // Every listed description follows the new place of the checksum.
     QCOMPARE(combo.itemText(1), ComparisonDescription(63, false));
 }
 
@@ -175,7 +168,6 @@ void tst_SelectionCombos::movingTheChecksumKeepsTheSelection() {
     frmComparisons dialog(1 | 8 | 32);
     QCOMPARE(values(dialog.lstComparisons->model()), (QList<int>{1, 2, 4, 8, 16, 32}));
     dialog.chkDoCRCLast->setChecked(false);
-    // The setting follows the box at once, and the checksum row moves up.
     QVERIFY(!Options::doCRCLast());
     QCOMPARE(values(dialog.lstComparisons->model()), (QList<int>{1, 32, 2, 4, 8, 16}));
     QCOMPARE(dialog.Comparisons(), 1 | 8 | 32);
@@ -191,12 +183,10 @@ void tst_SelectionCombos::recentFolders() {
     QSignalSpy changed(&logic, &FolderCombo::PathChanged);
     for (int i = 1; i <= 6; ++i)
         QVERIFY(logic.SetPath(QStringLiteral("/f%1").arg(i)));
-    // Choosing a listed folder keeps the order and stores its index.
     combo.setCurrentIndex(3);
     QCOMPARE(logic.Path(), QStringLiteral("/f3"));
     QCOMPARE(logic.Folders(), (QStringList{"/f6", "/f5", "/f4", "/f3", "/f2", "/f1"}));
     QCOMPARE(RecentLists::loadFolders(Side::Destination).last, 3);
-    // A seventh folder pushes out the oldest; letter case makes another folder.
     QVERIFY(logic.SetPath(QStringLiteral("/F3")));
     QCOMPARE(logic.Folders(), (QStringList{"/F3", "/f6", "/f5", "/f4", "/f3", "/f2"}));
     QCOMPARE(combo.currentIndex(), 0);
@@ -220,7 +210,7 @@ void tst_SelectionCombos::browseCancelledThenEnteredByHand() {
     combo.lineEdit()->selectAll();
     QTest::keyClicks(combo.lineEdit(), typed);
     const QString entered = m_tree.path(QStringLiteral("a/inner"));
-    QStringList shownWith; // the combo's text under the browser, the entry dialog's folder
+    QStringList shownWith;
     ModalWatcher watcher([&](QWidget *shown) {
         if (auto *dialog = qobject_cast<frmEnterFolder *>(shown)) {
             shownWith << dialog->Folder();
@@ -243,7 +233,6 @@ void tst_SelectionCombos::browseCancelledThenEnteredByHand() {
 }
 
 void tst_SelectionCombos::drops() {
-    // A folder is taken; a file or a missing path is refused.
     QComboBox combo;
     FolderCombo logic(&combo, Side::Source);
     logic.Fill(false);
@@ -275,7 +264,6 @@ void tst_SelectionCombos::enterInTheDropDownOnlyPicks_data() {
 
 void tst_SelectionCombos::enterInTheDropDownOnlyPicks() {
     QFETCH(bool, folders);
-    // The window's Enter starts a compare; the press that picks an entry must not.
     QWidget window;
     auto *combo = new QComboBox(&window);
     if (folders) {
@@ -297,13 +285,11 @@ void tst_SelectionCombos::enterInTheDropDownOnlyPicks() {
     QTRY_VERIFY(!combo->view()->isVisible());
     QCOMPARE(combo->currentIndex(), 1);
     QCOMPARE(compares, 0);
-    // Once it is closed, Enter is the window's again.
     QTest::keyClick(combo, Qt::Key_Return);
     QCOMPARE(compares, 1);
 }
 
 void tst_SelectionCombos::browserCannotChooseTheComputer() {
-    // "Computer" lists the file systems; choosing it would choose no folder at all.
     QList<bool> chooseEnabled;
     QStringList complaints;
     ModalWatcher watcher([&](QWidget *shown) {
@@ -319,12 +305,10 @@ void tst_SelectionCombos::browserCannotChooseTheComputer() {
             dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
         chooseEnabled << choose->isEnabled();
         {
-            // Enter there must not be taken as a choice: it would complain of a missing folder.
             const ModalWatcher boxes;
             QMetaObject::invokeMethod(dialog, "accept");
             complaints = boxes.texts();
         }
-        // One of the file systems it lists can be chosen.
         QTest::keyClicks(dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")), "/");
         chooseEnabled << choose->isEnabled();
         choose->click();
