@@ -98,8 +98,8 @@ CompareReport ReportCommand::report() const {
     // every identical source record with its counterpart.
     for (const ComparisonFilePtr &record : *sources) {
         if (record->DifferenceCode() == DifferenceCode::Equal) {
-            shown.pairs.push_back({record, destinations->Counterpart(*record, *sources),
-                                   DifferenceCode::Equal, record->RelativeNativePath()});
+            shown.pairs.push_back(
+                {record, destinations->Counterpart(*record, *sources), DifferenceCode::Equal});
         }
     }
     shown.sortPairs();

@@ -42,12 +42,16 @@ FolderNode::FolderNode(const FolderNode &parent, const QByteArray &name)
     m_relativeKeyHash = RecordKey::feed(RecordKey::feedName(parent.m_relativeKeyHash, name), u'/');
 }
 
-QByteArray FolderNode::relativeNativePath() const {
+QByteArrayView FolderNode::relativeNativeView() const {
     if (m_rootNativeLength >= m_nativePath.size())
         return {};
     const bool rootEndsInSlash =
         m_rootNativeLength > 0 && m_nativePath[m_rootNativeLength - 1] == '/';
-    return m_nativePath.mid(m_rootNativeLength + (rootEndsInSlash ? 0 : 1));
+    return QByteArrayView(m_nativePath).sliced(m_rootNativeLength + (rootEndsInSlash ? 0 : 1));
+}
+
+QByteArray FolderNode::relativeNativePath() const {
+    return relativeNativeView().toByteArray();
 }
 
 QByteArray FolderNode::childNativePath(const QByteArray &name) const {

@@ -75,6 +75,8 @@ public:
     const QString &rootPath() const { return m_rootPath; }
     /** The folder's native path below the root, without leading separator ("" for the root). */
     QByteArray relativeNativePath() const;
+    /** The same, as a view of nativePath(). */
+    QByteArrayView relativeNativeView() const;
     /** Length of the root's native path inside nativePath(). */
     qsizetype rootNativeLength() const { return m_rootNativeLength; }
 

@@ -2,6 +2,7 @@
 
 #include "engine/FdGuard.h"
 #include "engine/LongPath.h"
+#include "engine/NameBlock.h"
 #include "engine/TemporaryCopyName.h"
 
 #include <algorithm>
@@ -237,8 +238,17 @@ void TreeWalker::applyFilter(int fd, const FolderNode &folder, TreeFilter::Scope
 
 bool TreeWalker::visitFiles(const FolderRef &folder, std::vector<QByteArray> &subfolders) {
     m_files.clear();
+    qsizetype fileBytes = 0;
     for (const Entry &entry : m_entries)
-        (entry.folder ? subfolders : m_files).push_back(entryName(entry));
+        fileBytes += entry.folder ? 0 : qsizetype(entry.length) + 1;
+    // The records keep their names for the whole compare: one allocation a folder.
+    NameBlock names(fileBytes);
+    for (const Entry &entry : m_entries) {
+        if (entry.folder)
+            subfolders.push_back(entryName(entry));
+        else
+            m_files.push_back(names.add(m_names.data() + entry.offset, qsizetype(entry.length)));
+    }
     return m_files.empty() || m_callbacks.files(folder, m_files);
 }
 

@@ -16,8 +16,15 @@ struct ReportPair {
     ComparisonFilePtr source;
     ComparisonFilePtr destination;
     int code = 0;
-    /** The path below the roots as bytes: the source's, or the destination's for a placeholder. */
-    QByteArray path;
+    /**
+     * The path below the roots as bytes: the source's, or the destination's for a placeholder.
+     * Built when asked: a tree with many differences would otherwise keep a path per pair.
+     */
+    QByteArray path() const { return named().RelativeNativePath(); }
+    /** The record that names the pair: the source, or the destination for a placeholder. */
+    const ComparisonFile &named() const {
+        return source && source->HasFileObject() ? *source : *destination;
+    }
 
     /** Every difference of the pair in the order of the tests; the code alone for an old pair. */
     QList<int> codes() const;

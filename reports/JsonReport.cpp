@@ -133,7 +133,7 @@ void writeJsonReport(const CompareReport &report, OutputStream &out) {
         first = false;
         out << "{\"code\": " << pair.code
             << ", \"text\": " << jsonString(ComparisonFile::DifferenceText(pair.code))
-            << ", \"differences\": " << differences(pair) << ", " << nameMembers("path", pair.path)
+            << ", \"differences\": " << differences(pair) << ", " << nameMembers("path", pair.path())
             << ", \"source\": " << side(pair.source)
             << ", \"destination\": " << side(pair.destination) << '}';
     }

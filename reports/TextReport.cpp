@@ -29,7 +29,7 @@ void writeTextReport(const CompareReport &report, OutputStream &out) {
             width = qMax(width, kindText(int(code)).size());
     }
     for (const ReportPair &pair : report.pairs)
-        out << kindText(pair.code).leftJustified(width + 2) << NameEscaping::readable(pair.path)
+        out << kindText(pair.code).leftJustified(width + 2) << NameEscaping::readable(pair.path())
             << '\n';
 
     const QLocale locale = QLocale::system();

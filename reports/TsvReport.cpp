@@ -7,6 +7,6 @@
 void writeTsvReport(const CompareReport &report, OutputStream &out) {
     for (const ReportPair &pair : report.pairs) {
         out << pair.code << '\t' << ComparisonFile::DifferenceText(pair.code) << '\t'
-            << NameEscaping::tsv(pair.path) << '\n';
+            << NameEscaping::tsv(pair.path()) << '\n';
     }
 }

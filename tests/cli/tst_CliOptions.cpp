@@ -44,7 +44,7 @@ QByteArray listed(const QByteArray &options, const TestTree &tree, bool differen
         const QList<int> all = pair.source->Differences().codes();
         for (qsizetype i = 1; differences && i < all.size(); ++i)
             codes << QByteArray::number(all.at(i));
-        out += codes.join(',') + ' ' + pair.path + '\n';
+        out += codes.join(',') + ' ' + pair.path() + '\n';
     }
     return out;
 }
@@ -156,6 +156,15 @@ private Q_SLOTS:
         }
         QCOMPARE(::chmod(tree.nativePath("dst/a.txt").constData(), 0600), 0);
         QTEST(listed("-c " + compare, tree, true), "expected");
+    }
+    void listsInByteOrderOfWholePaths() {
+        TestTree tree;
+        for (const QString side : {"src/", "dst/"}) {
+            for (const char *name : {"b", "a0", "a/y/z", "a/x", "a.b"})
+                QVERIFY(tree.write(side + name, side == "src/" ? "1" : "22"));
+        }
+        // '.' < '/' < '0': a folder's files fall between names its name begins.
+        QCOMPARE(listed("-c size", tree), QByteArray("4 a.b\n4 a/x\n4 a/y/z\n4 a0\n4 b\n"));
     }
     void filters_data() {
         QTest::addColumn<QByteArray>("options");

@@ -1,4 +1,5 @@
 #include "engine/ComparisonFileCollection.h"
+#include "engine/NameBlock.h"
 #include "engine/TreeWalker.h"
 #include "support/ChildRun.h"
 #include "support/PairLog.h"
@@ -165,6 +166,22 @@ private Q_SLOTS:
             ::unlink(tree.nativePath(name).constData());
             ::unlink(tree.nativePath("sub/" + name).constData());
         }
+    }
+
+    void namesShareABlockButNotChanges() {
+        QByteArray first;
+        QByteArray second;
+        {
+            NameBlock block(7);
+            first = block.add("abc", 3);
+            second = block.add("de", 2);
+        }
+        QCOMPARE(qstrlen(first.constData()), 3u);
+        first.append("XYZ"); // the block is still shared with the second name
+        QCOMPARE(second, QByteArray("de"));
+        second.append("!!!!!"); // its sole holder now
+        QCOMPARE(first, QByteArray("abcXYZ"));
+        QCOMPARE(second, QByteArray("de!!!!!"));
     }
 
     void listingWithoutTypes() {
