@@ -80,10 +80,8 @@ void ReportCommand::setRequest(const CompareSession::Request &request) {
 void ReportCommand::stateChanged(CompareSession::State state) {
     const bool finished = state == CompareSession::State::Complete;
     m_item->setEnabled(finished);
-    if (finished) {
+    if (finished)
         m_compared.setProblems(m_session.problems());
-        m_compared.sortPairs();
-    }
 }
 
 CompareReport ReportCommand::report() const {
@@ -91,17 +89,18 @@ CompareReport ReportCommand::report() const {
     shown.listAll = m_allFiles->isChecked();
     const auto &sources = m_session.sourceFiles();
     const auto &destinations = m_session.destinationFiles();
-    if (!shown.listAll || !sources || !destinations)
-        return shown;
-    // The identical pairs were only counted as they were decided, so that a large tree costs
-    // no path for each; they are found again as Show All Files finds them for the listings,
-    // every identical source record with its counterpart.
-    for (const ComparisonFilePtr &record : *sources) {
-        if (record->DifferenceCode() == DifferenceCode::Equal) {
-            shown.pairs.push_back(
-                {record, destinations->Counterpart(*record, *sources), DifferenceCode::Equal});
+    if (shown.listAll && sources && destinations) {
+        // The identical pairs were only counted as they were decided, so that a large tree
+        // costs nothing for each; they are found again as Show All Files finds them for the
+        // listings, every identical source record with its counterpart.
+        for (const ComparisonFilePtr &record : *sources) {
+            if (record->DifferenceCode() == DifferenceCode::Equal) {
+                shown.pairs.push_back(
+                    {record, destinations->Counterpart(*record, *sources), DifferenceCode::Equal});
+            }
         }
     }
+    // Sorted when written: the end of a compare that is never saved does not wait for it.
     shown.sortPairs();
     return shown;
 }

@@ -75,7 +75,12 @@ void CompareReport::clearPairs() {
 
 void CompareReport::sortPairs() {
     std::sort(pairs.begin(), pairs.end(), [](const ReportPair &a, const ReportPair &b) {
-        return PathPieces(a.named()) < PathPieces(b.named());
+        const ComparisonFile &x = a.named();
+        const ComparisonFile &y = b.named();
+        // Most neighbours share a folder, and then their names decide.
+        if (x.Folder() == y.Folder())
+            return x.NativeName() < y.NativeName();
+        return PathPieces(x) < PathPieces(y);
     });
 }
 
