@@ -17,8 +17,11 @@ CompareRun::CompareRun(const CliOptions &options)
     m_report.chunkSize = options.chunkSize;
 }
 
+CompareRun::~CompareRun() = default;
+
 bool CompareRun::run() {
-    CompareSession session;
+    m_session = std::make_unique<CompareSession>();
+    CompareSession &session = *m_session;
     // Without a window there is no order of walk events to keep: the trees are walked side by
     // side. A tree that keeps changing is given up in the end.
     session.setParallelWalks(true);

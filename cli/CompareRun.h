@@ -26,6 +26,7 @@ public:
     static constexpr int MaxRestarts = 10;
 
     explicit CompareRun(const CliOptions &options);
+    ~CompareRun();
 
     /** Reads a side from a manifest instead of the disk (0 source, 1 destination). */
     void setRecordedTree(int side, std::shared_ptr<const RecordedTree> tree) {
@@ -63,5 +64,7 @@ private:
     ProgressLine *m_progress = nullptr;
     CompareReport m_report;
     int m_restarts = 0;
+    /** Kept with its records until the run is destroyed: see PairscopeCli::Ending. */
+    std::unique_ptr<CompareSession> m_session;
     std::array<std::shared_ptr<const RecordedTree>, 2> m_recorded;
 };

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <sys/stat.h>
@@ -146,7 +147,8 @@ bool showsProgress(const CliOptions &options, std::FILE *err) {
 
 } // namespace
 
-int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::FILE *err) {
+int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::FILE *err,
+                      Ending ending) {
     QString error;
     const CliOptions options = CliOptions::parse(arguments, &error);
     if (!error.isEmpty()) {
@@ -198,10 +200,15 @@ int PairscopeCli::run(const QList<QByteArray> &arguments, std::FILE *out, std::F
     for (const RunProblem &problem : run.problems())
         reportProblem(err, problem);
 
-    if (!written || !run.problems().isEmpty())
-        return Trouble;
     const auto &counts = run.counts();
     const bool differs = std::any_of(counts.begin() + DifferenceCode::SourceMissing, counts.end(),
                                      [](qint64 count) { return count > 0; });
-    return differs ? Differences : NoDifferences;
+    int status = differs ? Differences : NoDifferences;
+    if (!written || !run.problems().isEmpty())
+        status = Trouble;
+    if (ending == Ending::ExitProcess) {
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
+    return status;
 }
