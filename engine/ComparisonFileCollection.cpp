@@ -128,10 +128,10 @@ TreeWalker::Callbacks ComparisonFileCollection::walkCallbacks() {
     return {
         [this] { return m_cancelled || m_needsRescan; },
         [this](const FolderRef &folder, std::vector<QByteArray> &names) {
-            m_pendingHashes.clear();
-            for (const QByteArray &name : names)
-                m_pendingHashes.push_back(RecordIndex::hashOf(*folder, name));
-            return addFileRecords(folder, names, m_pendingHashes);
+            m_pending.make(folder, names);
+            const bool more = addFileRecords(m_pending);
+            m_pending.records.clear();
+            return more;
         },
         [this](const FolderRef &folder, int error) { addUnreadableFolder(folder, error); },
         {},
@@ -150,42 +150,35 @@ bool ComparisonFileCollection::takeListing(TreeListing &listing) {
         if (m_cancelled || m_needsRescan)
             return false;
         if (batch.error != 0) {
-            addUnreadableFolder(batch.folder, batch.error);
-        } else if (!addFileRecords(batch.folder, batch.names, batch.hashes)) {
+            addUnreadableFolder(batch.files.folder, batch.error);
+        } else if (!addFileRecords(batch.files)) {
             return false;
         }
     }
     return !m_cancelled && !m_needsRescan;
 }
 
-bool ComparisonFileCollection::addFileRecords(const FolderRef &folder,
-                                              std::vector<QByteArray> &names,
-                                              const std::vector<quint32> &hashes) {
-    if (folder->ignoresCase())
+bool ComparisonFileCollection::addFileRecords(const FolderFiles &files) {
+    if (files.folder->ignoresCase())
         m_anyIgnoresCase = true;
     // The keys are hashed ahead, so that the index slot of a name a few places on can be
     // fetched into the cache while this one is added: a slot is otherwise a cache miss.
+    const std::size_t count = files.records.size();
     constexpr std::size_t lookAhead = 8;
-    for (std::size_t i = 0; i < std::min(lookAhead, names.size()); ++i)
-        m_index.prefetch(hashes[i]);
-    for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(lookAhead, count); ++i)
+        m_index.prefetch(files.hashes[i]);
+    for (std::size_t i = 0; i < count; ++i) {
         if (m_cancelled || m_needsRescan)
             return false;
-        if (i + lookAhead < names.size())
-            m_index.prefetch(hashes[i + lookAhead]);
-        addFileRecord(folder, std::move(names[i]), hashes[i]);
+        if (i + lookAhead < count)
+            m_index.prefetch(files.hashes[i + lookAhead]);
+        // Keys are exact, so a name is refused only when a restarted walk meets it again.
+        if (insert(files.records[i], files.hashes[i]))
+            Q_EMIT FileAdded(Count());
+        if (m_yield)
+            m_yield();
     }
     return true;
-}
-
-void ComparisonFileCollection::addFileRecord(const FolderRef &folder, QByteArray name,
-                                             quint32 hash) {
-    // Keys are exact, so a name is refused only when a restarted walk meets it again.
-    auto record = std::make_shared<ComparisonFile>(::FileObject(folder, std::move(name)));
-    if (insert(record, hash))
-        Q_EMIT FileAdded(Count());
-    if (m_yield)
-        m_yield();
 }
 
 void ComparisonFileCollection::addProblem(CollectionProblem problem) {

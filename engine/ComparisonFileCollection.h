@@ -3,6 +3,7 @@
 #include "engine/CaseRule.h"
 #include "engine/CollectionProblem.h"
 #include "engine/ComparisonFile.h"
+#include "engine/FolderFiles.h"
 #include "engine/RecordIndex.h"
 #include "engine/TreeFilter.h"
 #include "engine/TreeWalker.h"
@@ -167,13 +168,8 @@ private:
     TreeWalker::Callbacks walkCallbacks();
     /** Takes the walk from \a listing; false when a cancel or rescan stopped it. */
     bool takeListing(TreeListing &listing);
-    /**
-     * Adds the files of one folder, whose key hashes are \a hashes; false when a cancel or
-     * rescan stopped it.
-     */
-    bool addFileRecords(const FolderRef &folder, std::vector<QByteArray> &names,
-                        const std::vector<quint32> &hashes);
-    void addFileRecord(const FolderRef &folder, QByteArray name, quint32 hash);
+    /** Adds the files of one folder; false when a cancel or rescan stopped it. */
+    bool addFileRecords(const FolderFiles &files);
     void addProblem(CollectionProblem problem);
     void addUnreadableFolder(const FolderRef &folder, int error);
     /** True when some folder of the tree (or the rule) ignores letter case. */
@@ -195,8 +191,8 @@ private:
 
     std::vector<ComparisonFilePtr> m_records;
     std::vector<quint32> m_hashes;
-    /** Key hashes of the names of the folder being added. */
-    std::vector<quint32> m_pendingHashes;
+    /** The folder being added by a walk of this thread. */
+    FolderFiles m_pending;
     RecordIndex m_index;
     QHash<QByteArray, FolderRef> m_placeholderFolders;
     QList<CollectionProblem> m_problems;

@@ -1,6 +1,5 @@
 #include "engine/TreeListing.h"
 
-#include "engine/RecordIndex.h"
 #include "engine/TreeWalker.h"
 
 #include <chrono>
@@ -29,17 +28,13 @@ void TreeListing::run() {
             [this] { return m_stop.load(std::memory_order_relaxed); },
             [this, &publish](const FolderRef &folder, std::vector<QByteArray> &names) {
                 Batch batch;
-                batch.folder = folder;
-                batch.hashes.reserve(names.size());
-                for (const QByteArray &name : names)
-                    batch.hashes.push_back(RecordIndex::hashOf(*folder, name));
-                batch.names = std::move(names);
+                batch.files.make(folder, names);
                 publish(std::move(batch));
                 return !m_stop.load(std::memory_order_relaxed);
             },
             [&publish](const FolderRef &folder, int error) {
                 Batch batch;
-                batch.folder = folder;
+                batch.files.folder = folder;
                 batch.error = error;
                 publish(std::move(batch));
             },

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/CaseRule.h"
+#include "engine/FolderFiles.h"
 #include "engine/FolderNode.h"
 #include "engine/TreeFilter.h"
 
@@ -15,8 +16,8 @@
 #include <vector>
 
 /**
- * A TreeWalker run on a thread of its own: it lists the folders of a tree, and hashes the keys
- * of their files, ahead of the collection that takes the results in walk order. A window
+ * A TreeWalker run on a thread of its own: it lists the folders of a tree and makes the records
+ * of their files, ahead of the collection that takes them in walk order. A window
  * starts the listing of both trees before it walks the first, so that the second tree is
  * read from the disk while the first one's records are made.
  */
@@ -24,11 +25,8 @@ class TreeListing {
 public:
     /** One step of the walk: the files of one folder, or a folder that could not be read. */
     struct Batch {
-        FolderRef folder;
-        std::vector<QByteArray> names;
-        /** RecordIndex::hashOf() of each name in \a folder. */
-        std::vector<quint32> hashes;
-        /** For a folder that could not be read (then \a folder): the errno; else 0. */
+        FolderFiles files;
+        /** For a folder that could not be read (then files.folder): the errno; else 0. */
         int error = 0;
     };
 
