@@ -2,6 +2,7 @@
 
 #include "engine/FdGuard.h"
 #include "engine/LongPath.h"
+#include "engine/MappedChecksum.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -115,43 +116,15 @@ CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, const 
     const FdGuard fd(openForReading(dirFd, name));
     if (fd.get() < 0)
         return {Status::Failed, 0, errno};
-    const std::size_t chunk = std::size_t(m_chunkSize);
-    // A file read in one chunk gains nothing from a larger read-ahead window; a system call
-    // per small file does cost.
-    if (knownSize > qint64(chunk))
-        ::posix_fadvise(fd.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-
-    if (m_buffer.size() != chunk) {
-        m_buffer.clear();
-        m_buffer.shrink_to_fit();
-        m_buffer.resize(chunk);
-    }
     quint32 crc = 0;
     qint64 total = 0;
-    for (;;) {
-        // A chunk is exactly ChunkSize bytes except the last: short reads are topped up. A
-        // short read that ends at the size the file had when it was looked at is taken as the
-        // end without asking again, as that read would only return nothing.
-        std::size_t filled = 0;
-        while (filled < chunk) {
-            const ssize_t n = ::read(fd.get(), m_buffer.data() + filled, chunk - filled);
-            if (n < 0) {
-                if (errno == EINTR)
-                    continue;
-                return {Status::Failed, 0, errno};
-            }
-            if (n == 0)
-                break;
-            filled += std::size_t(n);
-            if (filled < chunk && total + qint64(filled) == knownSize)
-                break;
-        }
-        total += qint64(filled);
-        crc = update(crc, m_buffer.data(), filled);
-        if (!yieldAndTest())
-            return {Status::Cancelled, 0, 0};
-        if (filled < chunk)
-            break;
+    if (knownSize >= MappedMinimum && !sumMapped(fd.get(), knownSize, crc, total))
+        return {Status::Cancelled, 0, 0};
+    // What the mapping did not read (all of a small file) is read into the buffer: a file cut
+    // short then comes up short, and a disk error reports its errno.
+    if (total < knownSize) {
+        if (const std::optional<Result> stopped = sumRead(fd.get(), knownSize, crc, total))
+            return *stopped;
     }
     // The pair was judged on the size and date taken before the read; bytes read from a file
     // that was written meanwhile belong to neither state. The descriptor's own properties
@@ -163,6 +136,60 @@ CRC32Object::Result CRC32Object::readRegular(int dirFd, const char *name, const 
         FileTime(after.st_mtim.tv_sec, qint32(after.st_mtim.tv_nsec)) != known.modified)
         return {Status::Changed, 0, 0};
     return {Status::Ok, crc, 0};
+}
+
+bool CRC32Object::sumMapped(int fd, qint64 knownSize, quint32 &crc, qint64 &total) {
+    while (total < knownSize) {
+        const qint64 length = std::min(MappedWindow, knownSize - total);
+        if (!MappedChecksum::update(fd, total, length, crc))
+            return true;
+        total += length;
+        if (!yieldAndTest())
+            return false;
+    }
+    return true;
+}
+
+std::optional<CRC32Object::Result> CRC32Object::sumRead(int fd, qint64 knownSize, quint32 &crc,
+                                                        qint64 &total) {
+    const std::size_t chunk = std::size_t(m_chunkSize);
+    if (total > 0 && ::lseek(fd, off_t(total), SEEK_SET) < 0)
+        return Result{Status::Failed, 0, errno};
+    // A file read in one chunk gains nothing from a larger read-ahead window; a system call
+    // per small file does cost.
+    if (knownSize - total > qint64(chunk))
+        ::posix_fadvise(fd, off_t(total), 0, POSIX_FADV_SEQUENTIAL);
+
+    if (m_buffer.size() != chunk) {
+        m_buffer.clear();
+        m_buffer.shrink_to_fit();
+        m_buffer.resize(chunk);
+    }
+    for (;;) {
+        // A chunk is exactly ChunkSize bytes except the last: short reads are topped up. A
+        // short read that ends at the size the file had when it was looked at is taken as the
+        // end without asking again, as that read would only return nothing.
+        std::size_t filled = 0;
+        while (filled < chunk) {
+            const ssize_t n = ::read(fd, m_buffer.data() + filled, chunk - filled);
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                return Result{Status::Failed, 0, errno};
+            }
+            if (n == 0)
+                break;
+            filled += std::size_t(n);
+            if (filled < chunk && total + qint64(filled) == knownSize)
+                break;
+        }
+        total += qint64(filled);
+        crc = update(crc, m_buffer.data(), filled);
+        if (!yieldAndTest())
+            return Result{Status::Cancelled, 0, 0};
+        if (filled < chunk)
+            return std::nullopt;
+    }
 }
 
 std::optional<QByteArray> CRC32Object::linkText(int dirFd, const char *name,

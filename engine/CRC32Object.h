@@ -97,7 +97,24 @@ public:
     void setYieldHook(YieldHook hook) { m_yield = std::move(hook); }
 
 private:
+    /**
+     * Files from this size on are summed through a memory mapping (see MappedChecksum), in
+     * windows of MappedWindow bytes; smaller ones cost less through the buffer.
+     */
+    static constexpr qint64 MappedMinimum = 1 << 20;
+    static constexpr qint64 MappedWindow = 8 << 20;
+
     Result readRegular(int dirFd, const char *name, const FileStat &known);
+    /**
+     * Sums the open file \a fd of \a knownSize bytes through mappings, from \a total on, as
+     * far as they can be read; false when cancelled.
+     */
+    bool sumMapped(int fd, qint64 knownSize, quint32 &crc, qint64 &total);
+    /**
+     * Sums the open file \a fd from \a total on, a chunk at a time, to its end: a result
+     * only when it failed or was cancelled.
+     */
+    std::optional<Result> sumRead(int fd, qint64 knownSize, quint32 &crc, qint64 &total);
     Result readLink(int dirFd, const char *name, const FileStat &known);
     bool yieldAndTest();
 

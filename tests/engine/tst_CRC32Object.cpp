@@ -78,6 +78,10 @@ private Q_SLOTS:
         QTest::newRow("grown within the chunk") << 100 << 150 << false;
         QTest::newRow("shrunk to a chunk") << 1500 << 1024 << false;
         QTest::newRow("same size, written after the first chunk") << 3000 << 3000 << true;
+        // Large files are read through a mapping, whose pages past a new end raise SIGBUS.
+        QTest::newRow("mapped, cut short") << (3 << 20) << 100 << false;
+        QTest::newRow("mapped, written after the first window") << (9 << 20) << (9 << 20) << true;
+        QTest::newRow("mapped, unchanged") << (9 << 20) << -1 << false;
     }
     void changedWhileRead() {
         // The pair is judged on the size and date of the stat: content read from a file that was
