@@ -11,7 +11,7 @@
 //   mapped-crc   CRC-32 of each whole file read through mmap() windows of 8 MiB
 //
 // Prints the files that succeeded, the wall and the CPU seconds (user + system) of the run.
-// Build: g++ -O2 -std=c++20 -o syscall-probes bench/syscall-probes.cpp -luring -ldeflate
+// Built with the benchmarks where liburing is installed (liburing-dev).
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
