@@ -1,7 +1,7 @@
 #include "ComparedWindow.h"
 
-#include "cli/PairscopeCli.h"
 #include "engine/ComparisonFileCollection.h"
+#include "support/CliResult.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -10,7 +10,6 @@
 #include <QFileDialog>
 #include <QTimer>
 
-#include <cstdio>
 #include <unistd.h>
 
 namespace {
@@ -49,19 +48,6 @@ private:
     static constexpr const char *notUtf8 = "dst/caf\xe9.txt";
     TestTree m_tree;
 };
-
-/** What pairscope-cli, run in this process, writes to standard output. */
-QByteArray cliOutput(const QList<QByteArray> &arguments) {
-    std::FILE *out = std::tmpfile(), *err = std::tmpfile();
-    PairscopeCli::run(arguments, out, err);
-    QFile file;
-    const QByteArray written =
-        file.open(out, QIODevice::ReadOnly) && file.seek(0) ? file.readAll() : QByteArray();
-    file.close();
-    std::fclose(out);
-    std::fclose(err);
-    return written;
-}
 
 /** Answers the save dialog: the type for \a extension chosen by arrow keys, \a fileName typed. */
 ModalWatcher::Handler saveAs(const QString &extension, const QString &fileName) {
@@ -103,22 +89,22 @@ void tst_SaveReport::savesWhatTheCommandLineWrites_data() {
     QTest::addColumn<int>("comparisons");
     QTest::addColumn<bool>("allFiles");
     QTest::addColumn<QString>("extension");
-    QTest::addColumn<QList<QByteArray>>("options");
+    QTest::addColumn<QStringList>("options");
     QTest::newRow("json, sizes, dates and checksums")
-        << 35 << false << "json" << QList<QByteArray>{"-c", "size,modified,crc", "--format=json"};
+        << 35 << false << "json" << QStringList{"-c", "size,modified,crc", "--format=json"};
     QTest::newRow("html, every pair listed")
-        << 3 << true << "html" << QList<QByteArray>{"--all", "--format=html"};
+        << 3 << true << "html" << QStringList{"--all", "--format=html"};
     QTest::newRow("tsv, existence")
-        << 0 << false << "tsv" << QList<QByteArray>{"-c", "existence", "--format=tsv"};
+        << 0 << false << "tsv" << QStringList{"-c", "existence", "--format=tsv"};
     QTest::newRow("text, attributes")
-        << 16 << false << "txt" << QList<QByteArray>{"-c", "attributes", "--format=text"};
+        << 16 << false << "txt" << QStringList{"-c", "attributes", "--format=text"};
 }
 
 void tst_SaveReport::savesWhatTheCommandLineWrites() {
     QFETCH(int, comparisons);
     QFETCH(bool, allFiles);
     QFETCH(QString, extension);
-    QFETCH(QList<QByteArray>, options);
+    QFETCH(QStringList, options);
     QVERIFY(
         m_profile.edit("[SelectionsMRU]\nItem1=" + QByteArray::number(comparisons) + "\nLast=0\n"));
     const ReportTrees trees;
@@ -134,8 +120,7 @@ void tst_SaveReport::savesWhatTheCommandLineWrites() {
     QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
     QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
     const QByteArray expected =
-        cliOutput(options + QList<QByteArray>{QFile::encodeName(trees.source()),
-                                              QFile::encodeName(trees.destination())});
+        CliResult::run(options + QStringList{trees.source(), trees.destination()}).out;
     QVERIFY(!expected.isEmpty());
     QCOMPARE(saved.readAll(), expected);
 }

@@ -23,15 +23,8 @@ constexpr time_t Base = 1700000000; // 2023-11-14 22:13:20 UTC
 /** Runs pairscope-cli in \a locale at UTC+02:30, so offsets and a date rollover show. */
 CliResult runCli(const QStringList &arguments, bool unprivileged = false,
                  const QString &locale = QStringLiteral("C.UTF-8")) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), locale);
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("XYZ-02:30"));
-    process.setProcessEnvironment(environment);
-    const QStringList command = (unprivileged ? ChildRun::unprivileged() : QStringList()) +
-                                QStringList{QStringLiteral(PAIRSCOPE_CLI_PATH)} + arguments;
-    process.start(command.first(), command.mid(1));
-    return CliResult::of(process);
+    return CliResult::run(arguments, {}, {"LC_ALL=" + locale, "TZ=XYZ-02:30"},
+                          unprivileged ? ChildRun::unprivileged() : QStringList());
 }
 
 /** One pair of every kind; Case.TXT and case.txt pair only when case is ignored. */

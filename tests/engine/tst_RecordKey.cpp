@@ -101,20 +101,27 @@ private Q_SLOTS:
                            QFile::decodeName(destination.nativePath("D\xff"))});
     }
 
+    void translatePath_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<bool>("lower");
+        QTest::addColumn<QString>("expected");
+        QTest::addRow("below the root") << "/src/sub/a.txt"
+                                        << "/src" << false << "/dst/sub/a.txt";
+        QTest::addRow("root in other case") << "/Data/Sub/A.txt"
+                                            << "/data" << false << "/dst/Sub/A.txt";
+        QTest::addRow("lowered") << "/Data/Sub/A.txt"
+                                 << "/data" << true << "/dst/sub/a.txt";
+        QTest::addRow("root's name again below") << "/x/x/x/a"
+                                                 << "/x" << false << "/dst/x/x/a";
+        QTest::addRow("not below the root") << "/srcdir/a"
+                                            << "/src" << false << "/srcdir/a";
+    }
     void translatePath() {
-        const struct {
-            const char *path, *from;
-            bool lower;
-            const char *expected;
-        } rows[] = {{"/src/sub/a.txt", "/src", false, "/dst/sub/a.txt"},
-                    {"/Data/Sub/A.txt", "/data", false, "/dst/Sub/A.txt"},
-                    {"/Data/Sub/A.txt", "/data", true, "/dst/sub/a.txt"},
-                    {"/x/x/x/a", "/x", false, "/dst/x/x/a"},
-                    {"/srcdir/a", "/src", false, "/srcdir/a"}};
-        for (const auto &r : rows)
-            QCOMPARE(TranslatePath(QString::fromUtf8(r.path), QString::fromUtf8(r.from),
-                                   QStringLiteral("/dst"), r.lower),
-                     QString::fromUtf8(r.expected));
+        QFETCH(QString, path);
+        QFETCH(QString, from);
+        QFETCH(bool, lower);
+        QTEST(TranslatePath(path, from, QStringLiteral("/dst"), lower), "expected");
     }
 
     void pathTextKeepsItsBytes() {
