@@ -95,8 +95,7 @@ private Q_SLOTS:
         QVERIFY(!pair.item("Copy to &Destination...")->isEnabled());
         menu->close();
         QVERIFY(pair.focus(pair.list(0)));
-        QStringList review;
-        QStringList questions;
+        QStringList review, questions;
         bool prompting = false;
         ModalWatcher watcher([&](QWidget *shown) {
             if (auto *form = qobject_cast<frmSynchronizer *>(shown)) {
@@ -133,43 +132,37 @@ private Q_SLOTS:
         QCOMPARE(left, (QStringList{"Only Dest.txt", "other/b.txt"}));
     }
     void examineOrOpen_data() {
-        QTest::addColumn<int>(
-            "how"); // 0 Tools > Examine Differences, 1 the right-click popup, 2 a double click
+        // How: 0 Tools > Examine Differences, 1 the right-click popup, 2 a double click.
+        QTest::addColumn<int>("how");
         QTest::addColumn<int>("side");
         QTest::addColumn<QString>("row");
-        QTest::addColumn<QString>("record");    // "diffed" or "opened"
-        QTest::addColumn<QString>("arguments"); // <S> and <D> stand for the two roots
+        // The diff program's two arguments, or the opener's one; <S>, <D> the two roots.
+        QTest::addColumn<QString>("arguments");
         // A placeholder's path is still handed over, first, below the source root.
         QTest::newRow("menu, source placeholder") << 0 << 0 << "Only Dest.txt"
-                                                  << "diffed"
                                                   << "2\n<S>/Only Dest.txt\n<D>/Only Dest.txt\n";
         QTest::newRow("popup, destination listing") << 1 << 1 << "Report A.txt"
-                                                    << "diffed"
                                                     << "2\n<S>/Report A.txt\n<D>/Report A.txt\n";
         QTest::newRow("double click, on both sides") << 2 << 1 << "Report A.txt"
-                                                     << "diffed"
                                                      << "2\n<S>/Report A.txt\n<D>/Report A.txt\n";
         QTest::newRow("double click, source only, in the destination's listing")
             << 2 << 1 << "other/b.txt"
-            << "opened"
             << "1\n<S>/other/b.txt\n";
         QTest::newRow("double click, destination only") << 2 << 0 << "Only Dest.txt"
-                                                        << "opened"
                                                         << "1\n<D>/Only Dest.txt\n";
     }
     void examineOrOpen() {
         QFETCH(int, how);
         QFETCH(int, side);
         QFETCH(QString, row);
-        QFETCH(QString, record);
         QFETCH(QString, arguments);
+        const QString record = arguments.startsWith('2') ? "diffed" : "opened";
         for (const char *name : {"diffed", "opened"})
             QFile::remove(m_bin.path(QLatin1String(name)));
         // Read at start-up, as a user's saved choice is.
         Options::setDiffEXE(writeRecordingProgram(m_bin, m_bin.path("diffed")));
         ComparedPair pair;
         ListView *list = pair.list(side);
-        // Chooses the popup's item, once it has closed.
         ModalWatcher watcher([](QWidget *shown) {
             auto *popup = qobject_cast<QMenu *>(shown);
             for (QAction *item : popup ? popup->actions() : QList<QAction *>()) {

@@ -63,10 +63,6 @@ private:
     TestTree m_tree;
 };
 
-QJsonObject parsed(const QByteArray &json) {
-    return QJsonDocument::fromJson(json).object();
-}
-
 /** The pair of \a root whose path is \a path. */
 QJsonObject pairAt(const QJsonObject &root, const QString &path) {
     for (const QJsonValue &value : root["pairs"].toArray()) {
@@ -115,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(::chmod(QFile::encodeName(pair.source() + "/size.txt").constData(), 0640), 0);
         const CliResult result = runCli(pair.arguments({"--format=json", "-c", "size,crc"}));
         QCOMPARE(result.exitCode, 1);
-        const QJsonObject root = parsed(result.out);
+        const QJsonObject root = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(root["pairs"].toArray().size(), 6);
         const QJsonObject size = pairAt(root, "size.txt");
         QCOMPARE(size["code"].toInt(), 4);
@@ -184,8 +180,9 @@ private Q_SLOTS:
                                      "3\tdestination does not exist\tcaf\xe9.txt\n"
                                      "3\tdestination does not exist\tnew\\nline.txt\n"
                                      "3\tdestination does not exist\ttab\\there.txt\n"));
-        const QJsonObject latin1 = pairAt(parsed(runCli(QStringList{"--format=json"} + roots).out),
-                                          QString::fromUtf8("caf\xef\xbf\xbd.txt"));
+        const QJsonObject latin1 = pairAt(
+            QJsonDocument::fromJson(runCli(QStringList{"--format=json"} + roots).out).object(),
+            QString::fromUtf8("caf\xef\xbf\xbd.txt"));
         QCOMPARE(latin1["pathBytes"].toString(), "caf\\xe9.txt");
         QVERIFY(runCli(roots).out.contains("destination does not exist  new\\nline.txt\n"));
     }
@@ -235,7 +232,7 @@ private Q_SLOTS:
               "pairscope-cli: " + QFile::encodeName(pair.destination()) +
                   "/same.txt: could not be read: Permission denied\n"})
             QVERIFY2(result.err.contains(line), result.err.constData());
-        const QJsonObject root = parsed(result.out);
+        const QJsonObject root = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(codeAt(root, "content.txt"), 5);
         QCOMPARE(codeAt(root, "same.txt"), 14);
         QCOMPARE(codeAt(root, "locked/inside.txt"), 13); // unknown, not missing

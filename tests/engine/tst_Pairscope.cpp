@@ -118,7 +118,6 @@ private Q_SLOTS:
         QCOMPARE(f.code(1), expected);
         QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
     }
-
     void pairingAndEvents() {
         for (const int workers : {0, 2}) {
             Fixture f(workers);
@@ -143,7 +142,6 @@ private Q_SLOTS:
             QVERIFY(!f.engine.InProgress());
         }
     }
-
     void workersMatchSequentialRun() {
         for (const bool meddle : {false, true}) {
             Fixture f(0);
@@ -192,7 +190,6 @@ private Q_SLOTS:
             }
         }
     }
-
     void vanishedFile() {
         for (const int row : {0, 1, 2, 3}) {
             const bool fromSource = row < 2, paired = row % 2;
@@ -210,7 +207,6 @@ private Q_SLOTS:
             QCOMPARE(files.Item(1)->DifferenceCode(), code);
         }
     }
-
     void cancelDuringChecksum() {
         for (const int workers : {0, 2}) {
             Fixture f(workers);
@@ -229,7 +225,6 @@ private Q_SLOTS:
             QVERIFY(f.code(1) <= 1);
         }
     }
-
     void fileWrittenDuringChecksum() {
         Fixture f(0);
         const QByteArray content(64 * 1024, 'x');
@@ -248,7 +243,6 @@ private Q_SLOTS:
                  qPrintable(f.events.join(QLatin1Char('\n'))));
         QVERIFY(yields > 10);
     }
-
     void unreadableFiles() {
         if (!ChildRun::isChild())
             return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
@@ -265,7 +259,6 @@ private Q_SLOTS:
         QCOMPARE(f.code(2), 13);
         QCOMPARE(f.code(3), 14);
     }
-
     void datesDiffer_data() {
         QTest::addColumn<int>("row");
         for (int row = 0; row < int(std::size(dateRows)); ++row)
@@ -283,7 +276,6 @@ private Q_SLOTS:
         QCOMPARE(::datesDiffer(a, b, slack, {}), differ || qAbs(seconds) >= 1800);
         QVERIFY(::datesDiffer(a, FileTime(), slack, {3600}));
     }
-
     void sessionRuns_data() {
         using enum State;
         QTest::addColumn<bool>("parallel");

@@ -43,7 +43,6 @@ private Q_SLOTS:
                      RecordKey::hash(QStringLiteral("sub/") + referenceKey(name)));
         }
     }
-
     void folderKeysNameByName_data() {
         QTest::addColumn<QByteArray>("root");
         QTest::addColumn<QByteArray>("name");
@@ -66,7 +65,6 @@ private Q_SLOTS:
         QCOMPARE(child->relativeKeyHash(), whole->relativeKeyHash());
         QCOMPARE(child->relativeNativePath(), whole->relativeNativePath());
     }
-
     void recordsAcrossTrees() {
         TestTree source, destination;
         QVERIFY(source.write(QStringLiteral("Sub/Deeper/File.txt"), "1"));
@@ -100,7 +98,6 @@ private Q_SLOTS:
                           {QStringLiteral("-rf"), QFile::decodeName(source.nativePath("d\xff")),
                            QFile::decodeName(destination.nativePath("D\xff"))});
     }
-
     void translatePath_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("from");
@@ -123,12 +120,10 @@ private Q_SLOTS:
         QFETCH(bool, lower);
         QTEST(TranslatePath(path, from, QStringLiteral("/dst"), lower), "expected");
     }
-
     void pathTextKeepsItsBytes() {
         const QByteArray native("/media/caf\xe9");
         QCOMPARE(NativeFromPath(PathTextFromNative(native)), native);
     }
-
     void danglingLinkIsAFile() {
         TestTree tree;
         QVERIFY(::symlink("nowhere", tree.nativePath("dangling").constData()) == 0);

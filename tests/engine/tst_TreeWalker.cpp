@@ -125,7 +125,6 @@ private Q_SLOTS:
         }
         ::chmod(folder.constData(), 0755);
     }
-
     void pathsPastTheLimit() {
         TestTree source, destination;
         const QByteArray sourceRoot = source.nativePath("").chopped(1);
@@ -145,7 +144,6 @@ private Q_SLOTS:
         QVERIFY(pairs[1].endsWith(QLatin1String("only.txt | - | 3")));
         QVERIFY(sourceFiles.Problems().isEmpty());
     }
-
     void nameByteOrder() {
         QList<QByteArray> names = QByteArray("abcdefgh|abcdefghi|abcdefgh\xff|abcdefgi|abc|abc\x01|"
                                              "abcdefgh\x01|B|b|\xc3\xa9|\xff|a b|ab|abcdefghij")
@@ -166,7 +164,6 @@ private Q_SLOTS:
             ::unlink(tree.nativePath("sub/" + name).constData());
         }
     }
-
     void listingWithoutTypes() {
         TestTree tree;
         const QString image = tree.path(QStringLiteral("ext.img"));

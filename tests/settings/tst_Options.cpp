@@ -134,7 +134,6 @@ private Q_SLOTS:
         QCOMPARE(Options::windowRect(defaultRect), defaultRect);
         QVERIFY(Options::diffEXE().size() < 4096);
 
-        // And the store can still be written and read back.
         QVERIFY(Options::setDoCRCLast(false));
         QVERIFY(!Options::doCRCLast());
     }

@@ -212,8 +212,7 @@ private Q_SLOTS:
         QVERIFY(paired ? tree.writeNative("left side/sub dir/" + name, "left")
                        : tree.mkdir(QStringLiteral("left side")));
         QVERIFY(tree.writeNative("Right Side/sub dir/" + name, "right"));
-        ComparisonFileCollection source;
-        ComparisonFileCollection destination;
+        ComparisonFileCollection source, destination;
         source.setRootFolder(tree.path(QStringLiteral("left side")));
         destination.setRootFolder(tree.path(QStringLiteral("Right Side")));
         ListView listing;

@@ -23,8 +23,7 @@ namespace {
 
 /** Compares \a from with \a to, selects \a name in the from side's listing and opens the review. */
 void review(QWidget *owner, const QString &from, const QString &to, const QString &name) {
-    ComparisonFileCollection source;
-    ComparisonFileCollection destination;
+    ComparisonFileCollection source, destination;
     source.setRootFolder(from);
     destination.setRootFolder(to);
     ListView listing;
@@ -53,8 +52,7 @@ private Q_SLOTS:
         QVERIFY(tree.write(QStringLiteral("src/Sub/Report.TXT"), "new"));
         QVERIFY(tree.write(QStringLiteral("src/Sub/only here.txt"), "only"));
         QVERIFY(tree.write(QStringLiteral("dst/sub/report.txt"), "old"));
-        ComparisonFileCollection source;
-        ComparisonFileCollection destination;
+        ComparisonFileCollection source, destination;
         source.setCaseRule(CaseRule::Insensitive);
         destination.setCaseRule(CaseRule::Insensitive);
         source.setRootFolder(tree.path(QStringLiteral("src")));
@@ -97,8 +95,7 @@ private Q_SLOTS:
                                    ? copy[2].arg(tree.path(QStringLiteral("dst")))
                                    : copy[2];
 
-        QString shownAction;
-        QString shownCount;
+        QString shownAction, shownCount;
         ModalWatcher watcher([&](QWidget *modal) {
             auto *form = qobject_cast<frmSynchronizer *>(modal);
             if (!form)

@@ -95,7 +95,6 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed[0][0].toModelIndex().row(), 1); // that row alone
         QCOMPARE(changed[0][1].toModelIndex().row(), 1);
-        // Bold marks the rows that differ.
         record("a.bin")->setDifferenceCode(DifferenceCode::Equal);
         const auto bold = [&](int row) {
             return view.files()->index(row, 0).data(Qt::FontRole).value<QFont>().bold();
