@@ -1,7 +1,7 @@
 #include "ComparedWindow.h"
 
-#include "cli/PairscopeCli.h"
 #include "engine/ComparisonFileCollection.h"
+#include "support/CliResult.h"
 #include "support/ModalWatcher.h"
 #include "support/TestProfile.h"
 #include "support/TestTree.h"
@@ -10,7 +10,6 @@
 #include <QFileDialog>
 #include <QTimer>
 
-#include <cstdio>
 #include <unistd.h>
 
 namespace {
@@ -50,19 +49,6 @@ private:
     TestTree m_tree;
 };
 
-/** What pairscope-cli, run in this process, writes to standard output. */
-QByteArray cliOutput(const QList<QByteArray> &arguments) {
-    std::FILE *out = std::tmpfile(), *err = std::tmpfile();
-    PairscopeCli::run(arguments, out, err);
-    QFile file;
-    const QByteArray written =
-        file.open(out, QIODevice::ReadOnly) && file.seek(0) ? file.readAll() : QByteArray();
-    file.close();
-    std::fclose(out);
-    std::fclose(err);
-    return written;
-}
-
 /** Answers the save dialog: the type for \a extension chosen by arrow keys, \a fileName typed. */
 ModalWatcher::Handler saveAs(const QString &extension, const QString &fileName) {
     return [=](QWidget *shown) {
@@ -90,102 +76,94 @@ class tst_SaveReport : public QObject {
 
 private Q_SLOTS:
     void init() { m_profile.clear(); }
-    void savesWhatTheCommandLineWrites_data();
-    void savesWhatTheCommandLineWrites();
-    void enabledOnlyAfterAFinishedCompare();
-    void failureToWriteIsShown();
+    void savesWhatTheCommandLineWrites_data() {
+        QTest::addColumn<int>("comparisons");
+        QTest::addColumn<bool>("allFiles");
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("json, sizes, dates and checksums")
+            << 35 << false << "json" << QStringList{"-c", "size,modified,crc", "--format=json"};
+        QTest::newRow("html, every pair listed")
+            << 3 << true << "html" << QStringList{"--all", "--format=html"};
+        QTest::newRow("tsv, existence")
+            << 0 << false << "tsv" << QStringList{"-c", "existence", "--format=tsv"};
+        QTest::newRow("text, attributes")
+            << 16 << false << "txt" << QStringList{"-c", "attributes", "--format=text"};
+    }
+    void savesWhatTheCommandLineWrites() {
+        QFETCH(int, comparisons);
+        QFETCH(bool, allFiles);
+        QFETCH(QString, extension);
+        QFETCH(QStringList, options);
+        QVERIFY(m_profile.edit("[SelectionsMRU]\nItem1=" + QByteArray::number(comparisons) +
+                               "\nLast=0\n"));
+        const ReportTrees trees;
+        ComparedWindow w(trees.source(), trees.destination());
+        w.compare();
+        QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
+        if (allFiles) // the View decides after the compare which pairs are reported
+            w.item("Show A&ll Files")->trigger();
+        // Typed without an extension: the chosen file type adds its own.
+        const ModalWatcher watcher(saveAs(extension, trees.folder() + QStringLiteral("/report")));
+        w.item("Save Re&port...")->trigger();
+        QVERIFY2(watcher.texts().isEmpty(), qPrintable(watcher.texts().join(QLatin1Char('\n'))));
+        QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
+        QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
+        const QByteArray expected =
+            CliResult::run(options + QStringList{trees.source(), trees.destination()}).out;
+        QVERIFY(!expected.isEmpty());
+        QCOMPARE(saved.readAll(), expected);
+    }
+    void enabledOnlyAfterAFinishedCompare() {
+        const ReportTrees trees;
+        ComparedWindow w(trees.source(), trees.destination());
+        const QAction *item = w.item("Save Re&port...");
+        QVERIFY(!item->isEnabled());
+        // Hooks each run's new source collection, to look at the item inside the walk, and to
+        // cancel the second run there.
+        bool cancel = false;
+        QList<bool> enabledDuringWalk;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            const ComparisonFileCollection *source = w.window.Files(0);
+            if (!source || source->Count() != 0)
+                return;
+            poll.stop();
+            connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
+                if (count == 1)
+                    enabledDuringWalk.append(item->isEnabled());
+                if (count == 1 && cancel)
+                    w.find<QPushButton>("cmdCompare")->click();
+            });
+        });
+        poll.start(0);
+        w.compare();
+        QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
+        QVERIFY(item->isEnabled());
+        cancel = true;
+        poll.start(0);
+        w.compare();
+        QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
+        QCOMPARE(enabledDuringWalk, QList<bool>({false, false}));
+        QVERIFY(!item->isEnabled());
+    }
+    void failureToWriteIsShown() {
+        const ReportTrees trees;
+        ComparedWindow w(trees.source(), trees.destination());
+        w.compare();
+        const QString target = QStringLiteral("/proc/self/report.json");
+        const ModalWatcher watcher(saveAs(QStringLiteral("json"), target));
+        w.item("Save Re&port...")->trigger();
+        QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
+        const QString said = watcher.texts().constFirst();
+        const QString prefix =
+            QStringLiteral("The report could not be saved to ") + target + ".\n\n";
+        QVERIFY2(said.startsWith(prefix) && said.size() > prefix.size(), qPrintable(said));
+    }
 
 private:
     TestProfile m_profile;
 };
-
-void tst_SaveReport::savesWhatTheCommandLineWrites_data() {
-    QTest::addColumn<int>("comparisons");
-    QTest::addColumn<bool>("allFiles");
-    QTest::addColumn<QString>("extension");
-    QTest::addColumn<QList<QByteArray>>("options");
-    QTest::newRow("json, sizes, dates and checksums")
-        << 35 << false << "json" << QList<QByteArray>{"-c", "size,modified,crc", "--format=json"};
-    QTest::newRow("html, every pair listed")
-        << 3 << true << "html" << QList<QByteArray>{"--all", "--format=html"};
-    QTest::newRow("tsv, existence")
-        << 0 << false << "tsv" << QList<QByteArray>{"-c", "existence", "--format=tsv"};
-    QTest::newRow("text, attributes")
-        << 16 << false << "txt" << QList<QByteArray>{"-c", "attributes", "--format=text"};
-}
-
-void tst_SaveReport::savesWhatTheCommandLineWrites() {
-    QFETCH(int, comparisons);
-    QFETCH(bool, allFiles);
-    QFETCH(QString, extension);
-    QFETCH(QList<QByteArray>, options);
-    QVERIFY(
-        m_profile.edit("[SelectionsMRU]\nItem1=" + QByteArray::number(comparisons) + "\nLast=0\n"));
-    const ReportTrees trees;
-    ComparedWindow w(trees.source(), trees.destination());
-    w.compare();
-    QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    if (allFiles) // the View decides after the compare which pairs are reported
-        w.item("Show A&ll Files")->trigger();
-    // Typed without an extension: the chosen file type adds its own.
-    const ModalWatcher watcher(saveAs(extension, trees.folder() + QStringLiteral("/report")));
-    w.item("Save Re&port...")->trigger();
-    QVERIFY2(watcher.texts().isEmpty(), qPrintable(watcher.texts().join(QLatin1Char('\n'))));
-    QFile saved(trees.folder() + QStringLiteral("/report.") + extension);
-    QVERIFY2(saved.open(QIODevice::ReadOnly), qPrintable(saved.fileName()));
-    const QByteArray expected =
-        cliOutput(options + QList<QByteArray>{QFile::encodeName(trees.source()),
-                                              QFile::encodeName(trees.destination())});
-    QVERIFY(!expected.isEmpty());
-    QCOMPARE(saved.readAll(), expected);
-}
-
-void tst_SaveReport::enabledOnlyAfterAFinishedCompare() {
-    const ReportTrees trees;
-    ComparedWindow w(trees.source(), trees.destination());
-    const QAction *item = w.item("Save Re&port...");
-    QVERIFY(!item->isEnabled());
-    // Hooks each run's new source collection, to look at the item inside the walk, and to
-    // cancel the second run there.
-    bool cancel = false;
-    QList<bool> enabledDuringWalk;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, this, [&] {
-        const ComparisonFileCollection *source = w.window.Files(0);
-        if (!source || source->Count() != 0)
-            return;
-        poll.stop();
-        connect(source, &ComparisonFileCollection::FileAdded, this, [&](int count) {
-            if (count == 1)
-                enabledDuringWalk.append(item->isEnabled());
-            if (count == 1 && cancel)
-                w.find<QPushButton>("cmdCompare")->click();
-        });
-    });
-    poll.start(0);
-    w.compare();
-    QCOMPARE(w.status(), QStringLiteral("  Compare complete."));
-    QVERIFY(item->isEnabled());
-    cancel = true;
-    poll.start(0);
-    w.compare();
-    QTRY_COMPARE(w.status(), QStringLiteral("  Compare cancelled."));
-    QCOMPARE(enabledDuringWalk, QList<bool>({false, false}));
-    QVERIFY(!item->isEnabled());
-}
-
-void tst_SaveReport::failureToWriteIsShown() {
-    const ReportTrees trees;
-    ComparedWindow w(trees.source(), trees.destination());
-    w.compare();
-    const QString target = QStringLiteral("/proc/self/report.json");
-    const ModalWatcher watcher(saveAs(QStringLiteral("json"), target));
-    w.item("Save Re&port...")->trigger();
-    QCOMPARE(watcher.titles(), QStringList{QStringLiteral("Pairscope")});
-    const QString said = watcher.texts().constFirst();
-    const QString prefix = QStringLiteral("The report could not be saved to ") + target + ".\n\n";
-    QVERIFY2(said.startsWith(prefix) && said.size() > prefix.size(), qPrintable(said));
-}
 
 QTEST_MAIN(tst_SaveReport)
 #include "tst_SaveReport.moc"

@@ -16,14 +16,6 @@ namespace {
 
 constexpr time_t Base = 1700000000;
 
-CliResult runCli(const QStringList &arguments, const QByteArray &input = {}) {
-    QProcess process;
-    process.start(QStringLiteral(PAIRSCOPE_CLI_PATH), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    return CliResult::of(process);
-}
-
 /** A json report without the roots, which name the manifest. */
 QJsonObject comparedPart(const QByteArray &json) {
     QJsonObject report = QJsonDocument::fromJson(json).object();
@@ -63,7 +55,7 @@ public:
 
     /** The --crc manifest of one side, written to a file beside the trees. */
     QString manifest(const char *side) {
-        const CliResult written = runCli({"--manifest", "--crc", path(side)});
+        const CliResult written = CliResult::run({"--manifest", "--crc", path(side)});
         const QString file = path(side) + ".manifest";
         QFile out(file);
         if (written.exitCode != 0 || !out.open(QIODevice::WriteOnly) ||
@@ -115,11 +107,11 @@ private Q_SLOTS:
         const QString manifest = trees.manifest(manifestIsSource ? "src" : "dst");
         options << "--format=json";
         QStringList roots{trees.path("src"), trees.path("dst")};
-        const CliResult direct = runCli(options + roots);
+        const CliResult direct = CliResult::run(options + roots);
         QCOMPARE(direct.exitCode, 1);
         roots[manifestIsSource ? 0 : 1] = fromStandardInput ? "-" : manifest;
         const CliResult recorded =
-            runCli(options + roots, fromStandardInput ? readAll(manifest) : QByteArray());
+            CliResult::run(options + roots, fromStandardInput ? readAll(manifest) : QByteArray());
         QCOMPARE(recorded.err, direct.err);
         QCOMPARE(recorded.exitCode, direct.exitCode);
         QCOMPARE(comparedPart(recorded.out), comparedPart(direct.out));
@@ -158,7 +150,8 @@ private Q_SLOTS:
             QVERIFY(at >= 0);
             text.replace(at, from.size(), to);
         }
-        const CliResult result = runCli(comparing + QStringList{"-", trees.path("dst")}, text);
+        const CliResult result =
+            CliResult::run(comparing + QStringList{"-", trees.path("dst")}, text);
         QCOMPARE(result.exitCode, 2);
         QCOMPARE(result.out, QByteArray());
         QVERIFY2(result.err.contains(reason) && result.err.count('\n') == 1,
@@ -170,8 +163,8 @@ private Q_SLOTS:
         QVERIFY(trees.tree().write("src/content.txt", "ZZZZ"));
         QVERIFY(trees.tree().setTimes("src/content.txt", Base));
         const QStringList roots{manifest, trees.path("src")};
-        QCOMPARE(runCli(roots).exitCode, 0);
-        const CliResult crc = runCli(QStringList{"-c", "crc", "--format=tsv"} + roots);
+        QCOMPARE(CliResult::run(roots).exitCode, 0);
+        const CliResult crc = CliResult::run(QStringList{"-c", "crc", "--format=tsv"} + roots);
         QCOMPARE(crc.out, QByteArray("5\tchecksum is different\tcontent.txt\n"));
         QCOMPARE(crc.exitCode, 1);
     }
@@ -183,9 +176,9 @@ private Q_SLOTS:
         const qsizetype flags = text.indexOf("\t-\t", root);
         QVERIFY(root >= 0 && flags > root && flags < text.indexOf('\n', root + 1));
         const QStringList options{"--format=tsv", "-", trees.path("dst")};
-        QVERIFY(runCli(options, text).out.contains("\tCase.txt\n"));
+        QVERIFY(CliResult::run(options, text).out.contains("\tCase.txt\n"));
         text[flags + 1] = 'i';
-        const CliResult caseBlind = runCli(options, text);
+        const CliResult caseBlind = CliResult::run(options, text);
         QCOMPARE(caseBlind.exitCode, 1);
         QVERIFY2(!caseBlind.out.contains("ase.txt\n"), caseBlind.out.constData());
     }
@@ -202,16 +195,13 @@ private Q_SLOTS:
         QCOMPARE(::chmod(QFile::encodeName(trees.path("src/locked")).constData(), 0700), 0);
         QCOMPARE(::chmod(QFile::encodeName(trees.path("src/size.txt")).constData(), 0600), 0);
 
-        QProcess process;
-        process.start(launcher.first(),
-                      launcher.mid(1) + QStringList{PAIRSCOPE_CLI_PATH, "--manifest", "--crc",
-                                                    trees.path("src")});
-        const CliResult written = CliResult::of(process);
+        const CliResult written =
+            CliResult::run({"--manifest", "--crc", trees.path("src")}, {}, {}, launcher);
         QCOMPARE(written.exitCode, 2);
         QCOMPARE(written.err.count('\n'), 2);
         // Behind an unreadable folder nothing is known, which is not "missing".
         const CliResult compared =
-            runCli({"--format=tsv", "-c", "crc", "-", trees.path("dst")}, written.out);
+            CliResult::run({"--format=tsv", "-c", "crc", "-", trees.path("dst")}, written.out);
         QCOMPARE(compared.exitCode, 2);
         QVERIFY2(compared.out.contains("13\tsource could not be read\tlocked/inside.txt\n") &&
                      compared.out.contains("13\tsource could not be read\tsize.txt\n"),

@@ -23,15 +23,8 @@ constexpr time_t Base = 1700000000; // 2023-11-14 22:13:20 UTC
 /** Runs pairscope-cli in \a locale at UTC+02:30, so offsets and a date rollover show. */
 CliResult runCli(const QStringList &arguments, bool unprivileged = false,
                  const QString &locale = QStringLiteral("C.UTF-8")) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), locale);
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("XYZ-02:30"));
-    process.setProcessEnvironment(environment);
-    const QStringList command = (unprivileged ? ChildRun::unprivileged() : QStringList()) +
-                                QStringList{QStringLiteral(PAIRSCOPE_CLI_PATH)} + arguments;
-    process.start(command.first(), command.mid(1));
-    return CliResult::of(process);
+    return CliResult::run(arguments, {}, {"LC_ALL=" + locale, "TZ=XYZ-02:30"},
+                          unprivileged ? ChildRun::unprivileged() : QStringList());
 }
 
 /** One pair of every kind; Case.TXT and case.txt pair only when case is ignored. */
@@ -69,10 +62,6 @@ public:
 private:
     TestTree m_tree;
 };
-
-QJsonObject parsed(const QByteArray &json) {
-    return QJsonDocument::fromJson(json).object();
-}
 
 /** The pair of \a root whose path is \a path. */
 QJsonObject pairAt(const QJsonObject &root, const QString &path) {
@@ -122,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(::chmod(QFile::encodeName(pair.source() + "/size.txt").constData(), 0640), 0);
         const CliResult result = runCli(pair.arguments({"--format=json", "-c", "size,crc"}));
         QCOMPARE(result.exitCode, 1);
-        const QJsonObject root = parsed(result.out);
+        const QJsonObject root = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(root["pairs"].toArray().size(), 6);
         const QJsonObject size = pairAt(root, "size.txt");
         QCOMPARE(size["code"].toInt(), 4);
@@ -191,8 +180,9 @@ private Q_SLOTS:
                                      "3\tdestination does not exist\tcaf\xe9.txt\n"
                                      "3\tdestination does not exist\tnew\\nline.txt\n"
                                      "3\tdestination does not exist\ttab\\there.txt\n"));
-        const QJsonObject latin1 = pairAt(parsed(runCli(QStringList{"--format=json"} + roots).out),
-                                          QString::fromUtf8("caf\xef\xbf\xbd.txt"));
+        const QJsonObject latin1 = pairAt(
+            QJsonDocument::fromJson(runCli(QStringList{"--format=json"} + roots).out).object(),
+            QString::fromUtf8("caf\xef\xbf\xbd.txt"));
         QCOMPARE(latin1["pathBytes"].toString(), "caf\\xe9.txt");
         QVERIFY(runCli(roots).out.contains("destination does not exist  new\\nline.txt\n"));
     }
@@ -242,7 +232,7 @@ private Q_SLOTS:
               "pairscope-cli: " + QFile::encodeName(pair.destination()) +
                   "/same.txt: could not be read: Permission denied\n"})
             QVERIFY2(result.err.contains(line), result.err.constData());
-        const QJsonObject root = parsed(result.out);
+        const QJsonObject root = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(codeAt(root, "content.txt"), 5);
         QCOMPARE(codeAt(root, "same.txt"), 14);
         QCOMPARE(codeAt(root, "locked/inside.txt"), 13); // unknown, not missing

@@ -52,7 +52,6 @@ private Q_SLOTS:
         QCOMPARE(CRC32Object::CRC32String(0x00ABCDEF), QStringLiteral("00ABCDEF"));
         QCOMPARE(CRC32Object::CRC32String(-1), QStringLiteral("FFFFFFFF"));
     }
-
     void chunkBoundaries() {
         for (const int size : {1, 1023, 1024, 1025, 3 * 1024 + 7}) {
             TestTree tree;
@@ -67,7 +66,6 @@ private Q_SLOTS:
             QCOMPARE(chunks, size / 1024 + 1);
         }
     }
-
     void changedWhileRead_data() {
         QTest::addColumn<int>("before");
         QTest::addColumn<int>("after");
@@ -112,7 +110,6 @@ private Q_SLOTS:
         if (after < 0)
             QCOMPARE(result.crc, referenceCrc(original));
     }
-
     void linksAndSpecialFiles() {
         TestTree tree;
         const QByteArray link = tree.nativePath("link");
@@ -140,7 +137,6 @@ private Q_SLOTS:
         QCOMPARE(missing.status, CRC32Object::Status::Failed);
         QCOMPARE(missing.error, ENOENT);
     }
-
     void hugeSparseFile() {
         // Past 4 GiB, so that a size or offset cut to 32 bits shows.
         TestTree tree;
@@ -162,7 +158,6 @@ private Q_SLOTS:
                                            std::size_t(std::min<qint64>(left, zeros.size())));
         QCOMPARE(whole.crc, expected);
     }
-
     void readAheadGrowsOnlyForTheDisk() {
         // Files the page cache lost have to come from the disk, which serves many requests at
         // once faster than one: more workers join. From the cache, they stay as they began.

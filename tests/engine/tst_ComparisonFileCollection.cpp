@@ -53,7 +53,6 @@ private Q_SLOTS:
         QCOMPARE(files.Item(3)->Path(), tree.root() + QStringLiteral("/sub/c.txt"));
         QCOMPARE(files.Item(3)->RootPath(), tree.root());
     }
-
     void interruptedWalk_data() {
         QTest::addColumn<bool>("prepared");
         QTest::addColumn<bool>("cancel");
@@ -91,12 +90,10 @@ private Q_SLOTS:
         QCOMPARE(files.Cancelled(), cancel);
         QVERIFY(!files.NeedsRescan() && !files.InProgress());
 
-        // The next walk starts afresh.
         walk(files, tree.root(), prepared);
         QVERIFY(!files.Cancelled());
         QCOMPARE(files.Count(), cancel ? 6 : 7);
     }
-
     void listingOfAnotherFolderIsNotTaken() {
         TestTree tree;
         QVERIFY(tree.write(QStringLiteral("a/one"), "x"));
@@ -111,7 +108,6 @@ private Q_SLOTS:
         files.setRootFolder(tree.path(QStringLiteral("a")));
         QCOMPARE(files.Count(), 2);
     }
-
     void linksAndFifosAreFiles() {
         TestTree tree;
         QVERIFY(tree.write(QStringLiteral("sub/f"), "x"));
@@ -126,7 +122,6 @@ private Q_SLOTS:
         QCOMPARE(loop->Kind(), FileKind::Symlink);
         QCOMPARE(loop->Size(), 1);
     }
-
     void recordDetails() {
         TestTree tree;
         QVERIFY(tree.write(QStringLiteral(".hidden.txt"), "hello"));

@@ -116,7 +116,6 @@ private Q_SLOTS:
         QProcess::execute(QStringLiteral("rm"),
                           {QStringLiteral("-rf"), sourceTree.root(), destinationTree.root()});
     }
-
     void caseBlindFileSystem_data() {
         QTest::addColumn<CaseRule>("rule");
         QTest::addColumn<QStringList>("expected");

@@ -17,6 +17,28 @@ namespace {
 
 constexpr time_t baseTime = 1700000000;
 
+/** An entry f on each side, the source dated this many seconds later, compared on these bits. */
+const struct CodeRow {
+    const char *source, *destination;
+    int sourceAge, bits, expected;
+    bool crcLast;
+} codeRows[] = {{"aaaa", "bbbbbb", 0, 33, 4, false}, {"aaaa", "bbbb", 100, 34, 5, false},
+                {"aaaa", "bbbb", 100, 34, 7, true},  {"aaaa", "bbbb", -100, 34, 8, true},
+                {"aaaa", "aaaa", 0, 63, 1, true},    {"a", "bbbbbb", 100, 0, 1, true},
+                {"a", "a", 100, 8, 11, true},        {"fifo", "target", 0, 0, 6, true},
+                {"link", "target", 0, 33, 6, true},  {"fifo", "fifo", 0, 63, 1, true},
+                {"600 x", "x", 0, 16, 6, true}};
+
+/** A second date this far from a first at .5 s; whether they differ with an hour's shift. */
+const struct DateRow {
+    int seconds, nanoseconds;
+    bool slack, differ;
+} dateRows[] = {
+    {0, 500000000, false, false},   {2, 500000000, true, false},    {2, 500000000, false, true},
+    {3, 500000000, true, true},     {3, 400000000, true, true},     {3600, 500000000, false, false},
+    {3600, 500000001, false, true}, {3600, 500000001, true, false}, {-3598, 500000000, true, false},
+    {3603, 500000000, true, true},  {1800, 500000000, true, true}};
+
 bool makeEntry(TestTree &tree, const QByteArray &entry) {
     const QByteArray path = tree.nativePath("f");
     if (entry == "fifo")
@@ -72,30 +94,30 @@ struct Fixture {
 class tst_Pairscope : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void codes() {
-        const struct {
-            const char *source, *destination;
-            int sourceAge, bits, expected;
-            bool crcLast;
-        } rows[] = {{"aaaa", "bbbbbb", 0, 33, 4, false}, {"aaaa", "bbbb", 100, 34, 5, false},
-                    {"aaaa", "bbbb", 100, 34, 7, true},  {"aaaa", "bbbb", -100, 34, 8, true},
-                    {"aaaa", "aaaa", 0, 63, 1, true},    {"a", "bbbbbb", 100, 0, 1, true},
-                    {"a", "a", 100, 8, 11, true},        {"fifo", "target", 0, 0, 6, true},
-                    {"link", "target", 0, 33, 6, true},  {"fifo", "fifo", 0, 63, 1, true},
-                    {"600 x", "x", 0, 16, 6, true}};
-        for (const auto &[source, destination, sourceAge, bits, expected, crcLast] : rows)
+    void codes_data() {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("workers");
+        for (int row = 0; row < int(std::size(codeRows)); ++row)
             for (const int workers : {0, 2}) {
-                Fixture f(workers);
-                QVERIFY(makeEntry(f.source, source) && makeEntry(f.destination, destination));
-                QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
-                QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
-                f.walk();
-                QCOMPARE(f.compare(bits, crcLast), int(Pairscope::StatusComplete));
-                QCOMPARE(f.code(1), expected);
-                QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
+                const CodeRow &r = codeRows[row];
+                QTest::addRow("%s vs %s, %+d s, bits %d%s, %d workers", r.source, r.destination,
+                              r.sourceAge, r.bits, r.crcLast ? ", crc last" : "", workers)
+                    << row << workers;
             }
     }
-
+    void codes() {
+        QFETCH(int, row);
+        QFETCH(int, workers);
+        const auto &[source, destination, sourceAge, bits, expected, crcLast] = codeRows[row];
+        Fixture f(workers);
+        QVERIFY(makeEntry(f.source, source) && makeEntry(f.destination, destination));
+        QVERIFY(f.source.setTimes(QStringLiteral("f"), baseTime + sourceAge));
+        QVERIFY(f.destination.setTimes(QStringLiteral("f"), baseTime));
+        f.walk();
+        QCOMPARE(f.compare(bits, crcLast), int(Pairscope::StatusComplete));
+        QCOMPARE(f.code(1), expected);
+        QCOMPARE(f.destinationFiles.Item(1)->DifferenceCode(), expected);
+    }
     void pairingAndEvents() {
         for (const int workers : {0, 2}) {
             Fixture f(workers);
@@ -120,7 +142,6 @@ private Q_SLOTS:
             QVERIFY(!f.engine.InProgress());
         }
     }
-
     void workersMatchSequentialRun() {
         for (const bool meddle : {false, true}) {
             Fixture f(0);
@@ -169,7 +190,6 @@ private Q_SLOTS:
             }
         }
     }
-
     void vanishedFile() {
         for (const int row : {0, 1, 2, 3}) {
             const bool fromSource = row < 2, paired = row % 2;
@@ -187,7 +207,6 @@ private Q_SLOTS:
             QCOMPARE(files.Item(1)->DifferenceCode(), code);
         }
     }
-
     void cancelDuringChecksum() {
         for (const int workers : {0, 2}) {
             Fixture f(workers);
@@ -206,7 +225,6 @@ private Q_SLOTS:
             QVERIFY(f.code(1) <= 1);
         }
     }
-
     void fileWrittenDuringChecksum() {
         Fixture f(0);
         const QByteArray content(64 * 1024, 'x');
@@ -225,7 +243,6 @@ private Q_SLOTS:
                  qPrintable(f.events.join(QLatin1Char('\n'))));
         QVERIFY(yields > 10);
     }
-
     void unreadableFiles() {
         if (!ChildRun::isChild())
             return ChildRun::run(ChildRun::unprivileged(), "unreadableFiles");
@@ -242,27 +259,23 @@ private Q_SLOTS:
         QCOMPARE(f.code(2), 13);
         QCOMPARE(f.code(3), 14);
     }
-
-    void datesDiffer() {
-        const struct {
-            int seconds, nanoseconds;
-            bool slack, differ;
-        } rows[] = {{0, 500000000, false, false},    {2, 500000000, true, false},
-                    {2, 500000000, false, true},     {3, 500000000, true, true},
-                    {3, 400000000, true, true},      {3600, 500000000, false, false},
-                    {3600, 500000001, false, true},  {3600, 500000001, true, false},
-                    {-3598, 500000000, true, false}, {3603, 500000000, true, true},
-                    {1800, 500000000, true, true}};
-        for (const auto &[seconds, nanoseconds, slack, differ] : rows) {
-            const FileTime a(1700000000, 500000000);
-            const FileTime b(a.seconds() + seconds, nanoseconds);
-            QCOMPARE(::datesDiffer(a, b, slack, {3600}), differ);
-            QCOMPARE(::datesDiffer(b, a, slack, {3600}), differ);
-            QCOMPARE(::datesDiffer(a, b, slack, {}), differ || qAbs(seconds) >= 1800);
-            QVERIFY(::datesDiffer(a, FileTime(), slack, {3600}));
-        }
+    void datesDiffer_data() {
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < int(std::size(dateRows)); ++row)
+            QTest::addRow("%+d s %d ns%s", dateRows[row].seconds, dateRows[row].nanoseconds,
+                          dateRows[row].slack ? ", slack" : "")
+                << row;
     }
-
+    void datesDiffer() {
+        QFETCH(int, row);
+        const auto &[seconds, nanoseconds, slack, differ] = dateRows[row];
+        const FileTime a(1700000000, 500000000);
+        const FileTime b(a.seconds() + seconds, nanoseconds);
+        QCOMPARE(::datesDiffer(a, b, slack, {3600}), differ);
+        QCOMPARE(::datesDiffer(b, a, slack, {3600}), differ);
+        QCOMPARE(::datesDiffer(a, b, slack, {}), differ || qAbs(seconds) >= 1800);
+        QVERIFY(::datesDiffer(a, FileTime(), slack, {3600}));
+    }
     void sessionRuns_data() {
         using enum State;
         QTest::addColumn<bool>("parallel");

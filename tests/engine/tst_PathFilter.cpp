@@ -39,7 +39,6 @@ private Q_SLOTS:
         filter.rules.addLines(rules.toUtf8());
         QTEST(filter.excluded(nullptr, path.toUtf8(), folder), "excluded");
     }
-
     void gitignoreBelowItsFolder() {
         // The root's .gitignore leaves out *.tmp; sub/.gitignore keeps a.tmp and leaves out /b.
         TreeFilter filter;

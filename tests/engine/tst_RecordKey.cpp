@@ -43,7 +43,6 @@ private Q_SLOTS:
                      RecordKey::hash(QStringLiteral("sub/") + referenceKey(name)));
         }
     }
-
     void folderKeysNameByName_data() {
         QTest::addColumn<QByteArray>("root");
         QTest::addColumn<QByteArray>("name");
@@ -66,7 +65,6 @@ private Q_SLOTS:
         QCOMPARE(child->relativeKeyHash(), whole->relativeKeyHash());
         QCOMPARE(child->relativeNativePath(), whole->relativeNativePath());
     }
-
     void recordsAcrossTrees() {
         TestTree source, destination;
         QVERIFY(source.write(QStringLiteral("Sub/Deeper/File.txt"), "1"));
@@ -100,28 +98,32 @@ private Q_SLOTS:
                           {QStringLiteral("-rf"), QFile::decodeName(source.nativePath("d\xff")),
                            QFile::decodeName(destination.nativePath("D\xff"))});
     }
-
-    void translatePath() {
-        const struct {
-            const char *path, *from;
-            bool lower;
-            const char *expected;
-        } rows[] = {{"/src/sub/a.txt", "/src", false, "/dst/sub/a.txt"},
-                    {"/Data/Sub/A.txt", "/data", false, "/dst/Sub/A.txt"},
-                    {"/Data/Sub/A.txt", "/data", true, "/dst/sub/a.txt"},
-                    {"/x/x/x/a", "/x", false, "/dst/x/x/a"},
-                    {"/srcdir/a", "/src", false, "/srcdir/a"}};
-        for (const auto &r : rows)
-            QCOMPARE(TranslatePath(QString::fromUtf8(r.path), QString::fromUtf8(r.from),
-                                   QStringLiteral("/dst"), r.lower),
-                     QString::fromUtf8(r.expected));
+    void translatePath_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<bool>("lower");
+        QTest::addColumn<QString>("expected");
+        QTest::addRow("below the root") << "/src/sub/a.txt"
+                                        << "/src" << false << "/dst/sub/a.txt";
+        QTest::addRow("root in other case") << "/Data/Sub/A.txt"
+                                            << "/data" << false << "/dst/Sub/A.txt";
+        QTest::addRow("lowered") << "/Data/Sub/A.txt"
+                                 << "/data" << true << "/dst/sub/a.txt";
+        QTest::addRow("root's name again below") << "/x/x/x/a"
+                                                 << "/x" << false << "/dst/x/x/a";
+        QTest::addRow("not below the root") << "/srcdir/a"
+                                            << "/src" << false << "/srcdir/a";
     }
-
+    void translatePath() {
+        QFETCH(QString, path);
+        QFETCH(QString, from);
+        QFETCH(bool, lower);
+        QTEST(TranslatePath(path, from, QStringLiteral("/dst"), lower), "expected");
+    }
     void pathTextKeepsItsBytes() {
         const QByteArray native("/media/caf\xe9");
         QCOMPARE(NativeFromPath(PathTextFromNative(native)), native);
     }
-
     void danglingLinkIsAFile() {
         TestTree tree;
         QVERIFY(::symlink("nowhere", tree.nativePath("dangling").constData()) == 0);

@@ -126,7 +126,6 @@ private Q_SLOTS:
         }
         ::chmod(folder.constData(), 0755);
     }
-
     void pathsPastTheLimit() {
         TestTree source, destination;
         const QByteArray sourceRoot = source.nativePath("").chopped(1);
@@ -146,7 +145,6 @@ private Q_SLOTS:
         QVERIFY(pairs[1].endsWith(QLatin1String("only.txt | - | 3")));
         QVERIFY(sourceFiles.Problems().isEmpty());
     }
-
     void nameByteOrder() {
         QList<QByteArray> names = QByteArray("abcdefgh|abcdefghi|abcdefgh\xff|abcdefgi|abc|abc\x01|"
                                              "abcdefgh\x01|B|b|\xc3\xa9|\xff|a b|ab|abcdefghij")
@@ -167,7 +165,6 @@ private Q_SLOTS:
             ::unlink(tree.nativePath("sub/" + name).constData());
         }
     }
-
     void namesShareABlockButNotChanges() {
         QByteArray first;
         QByteArray second;
@@ -183,7 +180,6 @@ private Q_SLOTS:
         QCOMPARE(first, QByteArray("abcXYZ"));
         QCOMPARE(second, QByteArray("de!!!!!"));
     }
-
     void listingWithoutTypes() {
         TestTree tree;
         const QString image = tree.path(QStringLiteral("ext.img"));

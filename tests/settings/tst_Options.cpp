@@ -40,165 +40,142 @@ class tst_Options : public QObject {
 private Q_SLOTS:
     void initTestCase() { QVERIFY(m_profile.isValid()); }
     void init() { m_profile.clear(); }
-    void booleanKeys_data();
-    void booleanKeys();
-    void outOfRangeValues_data();
-    void outOfRangeValues();
-    void crcChunkSizeIsNeverWritten();
-    void diffEXEKeepsCommasAndAtSigns();
-    void settingsFileIsAFolder();
-    void handEditedFile_data();
-    void handEditedFile();
-    void unwritableFolder_data();
-    void unwritableFolder();
+    void booleanKeys_data() {
+        QTest::addColumn<int>("index");
+        // One key of each default: the rest share the code, and handEditedFile reads them all.
+        for (const int i : {0, 1})
+            QTest::newRow(booleanOptions[i].key) << i;
+    }
+    void booleanKeys() {
+        QFETCH(int, index);
+        const BooleanKey &key = booleanOptions[index];
+        const QByteArray name(key.key);
+
+        QCOMPARE(key.read(), key.fallback);
+        QVERIFY(!QFile::exists(SettingsStore::fileName())); // reading alone writes nothing
+
+        // Stored as "True"/"False", never as Qt's own "true"/"false": settings files written by
+        // earlier versions and edited by hand use these words.
+        QVERIFY(key.write(!key.fallback));
+        const QByteArray expected = name + '=' + (key.fallback ? "False" : "True") + '\n';
+        QVERIFY2(m_profile.raw().contains(expected), m_profile.raw().constData());
+        QCOMPARE(key.read(), !key.fallback);
+
+        QVERIFY(m_profile.edit("[Options]\n" + name + "=maybe\n"));
+        QCOMPARE(key.read(), key.fallback);
+        QVERIFY(m_profile.edit("[Options]\n" + name + "=" + (key.fallback ? "0" : "-1") + "\n"));
+        QCOMPARE(key.read(), !key.fallback);
+    }
+    void outOfRangeValues_data() {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::addColumn<int>("chunkSize");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<WindowRect>("rect");
+        QTest::newRow("too small, unknown, smallest, missing keys")
+            << QByteArray("CRCChunkSize=512\nOrientation=3\nWidth=800\nHeight=1\n") << 1024 << 2
+            << WindowRect{100, 50, 800, 1};
+        QTest::newRow("giant") << QByteArray("CRCChunkSize=2000000000\nOrientation=1\nLeft=1e9\n"
+                                             "Width=2000000000\nHeight=1e300\n")
+                               << 16777216 << 1 << defaultRect;
+        QTest::newRow("beyond 32 bits")
+            << QByteArray("CRCChunkSize=99999999999\n") << 65536 << 2 << defaultRect;
+    }
+    void outOfRangeValues() {
+        QFETCH(QByteArray, stored);
+        QVERIFY(m_profile.edit("[Options]\n" + stored));
+        QTEST(Options::crcChunkSize(), "chunkSize");
+        QTEST(Options::orientation(), "orientation");
+        QTEST(Options::windowRect(defaultRect), "rect");
+    }
+    void crcChunkSizeIsNeverWritten() {
+        QVERIFY(m_profile.edit("[Options]\nCRCChunkSize=512\n"));
+        for (const BooleanKey &key : booleanOptions)
+            QVERIFY(key.write(key.fallback));
+        QVERIFY(Options::setOrientation(3));
+        QVERIFY(Options::setWindowRect(defaultRect));
+        QVERIFY(m_profile.raw().contains("CRCChunkSize=512\n"));
+        QVERIFY(m_profile.raw().contains("Orientation=2\n"));
+    }
+    void diffEXEKeepsCommasAndAtSigns() {
+        // QSettings would read these back as a list and as a typed value.
+        for (const QString &path : {QStringLiteral("/opt/a,b/diff"), QStringLiteral("@diff")}) {
+            QVERIFY(Options::setDiffEXE(path));
+            QCOMPARE(Options::diffEXE(), path);
+        }
+    }
+    void settingsFileIsAFolder() {
+        QVERIFY(QDir().mkpath(SettingsStore::fileName()));
+        QCOMPARE(Options::doCRCLast(), true);
+        QVERIFY(!Options::setDoCRCLast(false));
+        QVERIFY(QDir().rmdir(SettingsStore::fileName()));
+    }
+    void handEditedFile_data() {
+        QTest::addColumn<QByteArray>("content");
+        QByteArray binary;
+        for (int i = 0; i < 4096; ++i)
+            binary.append(char((i * 7919) & 0xff));
+        QTest::newRow("not INI at all") << binary;
+        QTest::newRow("megabyte values") << "[Options]\nDoCRCLast=" + QByteArray(1 << 20, 'T') +
+                                                "\nDiffEXE=" + QByteArray(1 << 20, '/') +
+                                                "\nCRCChunkSize=" + QByteArray(1 << 20, '9') +
+                                                "\nLeft=" + QByteArray(1 << 20, '5') + "\n";
+        QTest::newRow("typed values")
+            << QByteArray("[Options]\nDoCRCLast=@Variant(\\0\\0\\0\\x7f)\nDiffEXE=@ByteArray(x)\n");
+    }
+    void handEditedFile() {
+        QFETCH(QByteArray, content);
+        QVERIFY(m_profile.edit(content));
+
+        // Whatever the file holds, every reader gives its default.
+        for (const BooleanKey &key : booleanOptions)
+            QCOMPARE(key.read(), key.fallback);
+        QCOMPARE(Options::orientation(), Options::VerticalOrientation);
+        QCOMPARE(Options::crcChunkSize(), 65536);
+        QCOMPARE(Options::windowRect(defaultRect), defaultRect);
+        QVERIFY(Options::diffEXE().size() < 4096);
+
+        QVERIFY(Options::setDoCRCLast(false));
+        QVERIFY(!Options::doCRCLast());
+    }
+    void unwritableFolder_data() {
+        QTest::addColumn<bool>("fileExists");
+        QTest::newRow("settings file in a read-only folder") << true;
+        QTest::newRow("no settings folder, parent read-only") << false;
+    }
+    void unwritableFolder() {
+        // Root writes anywhere: the permissions only bind an ordinary user.
+        if (!ChildRun::isChild())
+            return ChildRun::run(ChildRun::unprivileged(), "unwritableFolder");
+        QFETCH(bool, fileExists);
+        const QByteArray content = "[Options]\nDiffEXE=/usr/bin/kept\n\n[SourceMRU]\nItem1=/kept\n";
+        QString folder = m_profile.configHome();
+        if (fileExists) {
+            QVERIFY(m_profile.edit(content));
+            folder = QFileInfo(SettingsStore::fileName()).path();
+            QVERIFY(QFile::setPermissions(SettingsStore::fileName(), QFile::ReadOwner));
+        } else {
+            QVERIFY(QDir().mkpath(folder));
+        }
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        const auto unlock = qScopeGuard([&] {
+            QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            QFile::setPermissions(SettingsStore::fileName(), QFile::ReadOwner | QFile::WriteOwner);
+        });
+
+        QVERIFY(!Options::setAlwaysOnTop(true));
+        QVERIFY(!Options::setWindowRect({1, 2, 3, 4}));
+        QVERIFY(!RecentLists::saveFolders(RecentLists::Side::Source, {"/new"}, 0));
+        if (fileExists) {
+            QCOMPARE(Options::diffEXE(), QStringLiteral("/usr/bin/kept"));
+            QCOMPARE(m_profile.raw(), content);
+        } else {
+            QVERIFY(!QFile::exists(SettingsStore::fileName()));
+        }
+    }
 
 private:
     TestProfile m_profile;
 };
-
-void tst_Options::booleanKeys_data() {
-    QTest::addColumn<int>("index");
-    // One key of each default: the rest share the code, and handEditedFile reads them all.
-    for (const int i : {0, 1})
-        QTest::newRow(booleanOptions[i].key) << i;
-}
-
-void tst_Options::booleanKeys() {
-    QFETCH(int, index);
-    const BooleanKey &key = booleanOptions[index];
-    const QByteArray name(key.key);
-
-    QCOMPARE(key.read(), key.fallback);
-    QVERIFY(!QFile::exists(SettingsStore::fileName())); // reading alone writes nothing
-
-    // Stored as "True"/"False", never as Qt's own "true"/"false": settings files written by
-    // earlier versions and edited by hand use these words.
-    QVERIFY(key.write(!key.fallback));
-    const QByteArray expected = name + '=' + (key.fallback ? "False" : "True") + '\n';
-    QVERIFY2(m_profile.raw().contains(expected), m_profile.raw().constData());
-    QCOMPARE(key.read(), !key.fallback);
-
-    QVERIFY(m_profile.edit("[Options]\n" + name + "=maybe\n"));
-    QCOMPARE(key.read(), key.fallback);
-    QVERIFY(m_profile.edit("[Options]\n" + name + "=" + (key.fallback ? "0" : "-1") + "\n"));
-    QCOMPARE(key.read(), !key.fallback);
-}
-
-void tst_Options::outOfRangeValues_data() {
-    QTest::addColumn<QByteArray>("stored");
-    QTest::addColumn<int>("chunkSize");
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<WindowRect>("rect");
-    QTest::newRow("too small, unknown, smallest, missing keys")
-        << QByteArray("CRCChunkSize=512\nOrientation=3\nWidth=800\nHeight=1\n") << 1024 << 2
-        << WindowRect{100, 50, 800, 1};
-    QTest::newRow("giant") << QByteArray("CRCChunkSize=2000000000\nOrientation=1\nLeft=1e9\n"
-                                         "Width=2000000000\nHeight=1e300\n")
-                           << 16777216 << 1 << defaultRect;
-    QTest::newRow("beyond 32 bits")
-        << QByteArray("CRCChunkSize=99999999999\n") << 65536 << 2 << defaultRect;
-}
-
-void tst_Options::outOfRangeValues() {
-    QFETCH(QByteArray, stored);
-    QVERIFY(m_profile.edit("[Options]\n" + stored));
-    QTEST(Options::crcChunkSize(), "chunkSize");
-    QTEST(Options::orientation(), "orientation");
-    QTEST(Options::windowRect(defaultRect), "rect");
-}
-
-void tst_Options::crcChunkSizeIsNeverWritten() {
-    QVERIFY(m_profile.edit("[Options]\nCRCChunkSize=512\n"));
-    for (const BooleanKey &key : booleanOptions)
-        QVERIFY(key.write(key.fallback));
-    QVERIFY(Options::setOrientation(3));
-    QVERIFY(Options::setWindowRect(defaultRect));
-    QVERIFY(m_profile.raw().contains("CRCChunkSize=512\n"));
-    QVERIFY(m_profile.raw().contains("Orientation=2\n"));
-}
-
-void tst_Options::diffEXEKeepsCommasAndAtSigns() {
-    // QSettings would read these back as a list and as a typed value.
-    for (const QString &path : {QStringLiteral("/opt/a,b/diff"), QStringLiteral("@diff")}) {
-        QVERIFY(Options::setDiffEXE(path));
-        QCOMPARE(Options::diffEXE(), path);
-    }
-}
-
-void tst_Options::settingsFileIsAFolder() {
-    QVERIFY(QDir().mkpath(SettingsStore::fileName()));
-    QCOMPARE(Options::doCRCLast(), true);
-    QVERIFY(!Options::setDoCRCLast(false));
-    QVERIFY(QDir().rmdir(SettingsStore::fileName()));
-}
-
-void tst_Options::handEditedFile_data() {
-    QTest::addColumn<QByteArray>("content");
-    QByteArray binary;
-    for (int i = 0; i < 4096; ++i)
-        binary.append(char((i * 7919) & 0xff));
-    QTest::newRow("not INI at all") << binary;
-    QTest::newRow("megabyte values") << "[Options]\nDoCRCLast=" + QByteArray(1 << 20, 'T') +
-                                            "\nDiffEXE=" + QByteArray(1 << 20, '/') +
-                                            "\nCRCChunkSize=" + QByteArray(1 << 20, '9') +
-                                            "\nLeft=" + QByteArray(1 << 20, '5') + "\n";
-    QTest::newRow("typed values") << QByteArray(
-        "[Options]\nDoCRCLast=@Variant(\\0\\0\\0\\x7f)\nDiffEXE=@ByteArray(x)\n");
-}
-
-void tst_Options::handEditedFile() {
-    QFETCH(QByteArray, content);
-    QVERIFY(m_profile.edit(content));
-
-    // Whatever the file holds, every reader gives its default.
-    for (const BooleanKey &key : booleanOptions)
-        QCOMPARE(key.read(), key.fallback);
-    QCOMPARE(Options::orientation(), Options::VerticalOrientation);
-    QCOMPARE(Options::crcChunkSize(), 65536);
-    QCOMPARE(Options::windowRect(defaultRect), defaultRect);
-    QVERIFY(Options::diffEXE().size() < 4096);
-
-    // And the store can still be written and read back.
-    QVERIFY(Options::setDoCRCLast(false));
-    QVERIFY(!Options::doCRCLast());
-}
-
-void tst_Options::unwritableFolder_data() {
-    QTest::addColumn<bool>("fileExists");
-    QTest::newRow("settings file in a read-only folder") << true;
-    QTest::newRow("no settings folder, parent read-only") << false;
-}
-
-void tst_Options::unwritableFolder() {
-    // Root writes anywhere: the permissions only bind an ordinary user.
-    if (!ChildRun::isChild())
-        return ChildRun::run(ChildRun::unprivileged(), "unwritableFolder");
-    QFETCH(bool, fileExists);
-    const QByteArray content = "[Options]\nDiffEXE=/usr/bin/kept\n\n[SourceMRU]\nItem1=/kept\n";
-    QString folder = m_profile.configHome();
-    if (fileExists) {
-        QVERIFY(m_profile.edit(content));
-        folder = QFileInfo(SettingsStore::fileName()).path();
-        QVERIFY(QFile::setPermissions(SettingsStore::fileName(), QFile::ReadOwner));
-    } else {
-        QVERIFY(QDir().mkpath(folder));
-    }
-    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
-    const auto unlock = qScopeGuard([&] {
-        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QFile::setPermissions(SettingsStore::fileName(), QFile::ReadOwner | QFile::WriteOwner);
-    });
-
-    QVERIFY(!Options::setAlwaysOnTop(true));
-    QVERIFY(!Options::setWindowRect({1, 2, 3, 4}));
-    QVERIFY(!RecentLists::saveFolders(RecentLists::Side::Source, {"/new"}, 0));
-    if (fileExists) {
-        QCOMPARE(Options::diffEXE(), QStringLiteral("/usr/bin/kept"));
-        QCOMPARE(m_profile.raw(), content);
-    } else {
-        QVERIFY(!QFile::exists(SettingsStore::fileName()));
-    }
-}
 
 QTEST_GUILESS_MAIN(tst_Options)
 #include "tst_Options.moc"

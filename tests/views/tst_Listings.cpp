@@ -105,236 +105,217 @@ class tst_Listings : public QObject {
 
 private Q_SLOTS:
     void init() { m_profile.clear(); }
-    void layoutRoundTrip();
-    void storedLayouts_data();
-    void storedLayouts();
-    void popupCommands();
-    void defaultWidthsFitTheirTexts();
-    void selectionFollowsTheFile_data();
-    void selectionFollowsTheFile();
-    void followerScrollsWithTheLeader_data();
-    void followerScrollsWithTheLeader();
-    void headerClicksSortBothLists();
-    void switchingOnSortsTheDestination_data();
-    void switchingOnSortsTheDestination();
+    void layoutRoundTrip() {
+        ListView list;
+        ColumnLayout::LoadLayout(&list, true, false);
+        QHeaderView *header = list.header();
+        header->resizeSection(FileListModel::columnOf(3), 87);
+        header->moveSection(header->visualIndex(FileListModel::columnOf(3)), 0);
+        header->resizeSection(FileListModel::columnOf(4), 99);
+        ColumnLayout::ShowColumn(&list, 8, 61);
+        QVERIFY(ColumnLayout::SaveLayout(&list, true));
+        // A column hidden later keeps the width it was stored with.
+        list.setColumnHidden(FileListModel::columnOf(4), true);
+        QVERIFY(ColumnLayout::SaveLayout(&list, true));
+
+        ListView again;
+        ColumnLayout::LoadLayout(&again, true, false);
+        QCOMPARE(layout(again),
+                 scaled(QStringLiteral("#3 87, #9 <200>, #1 <200>, #2 <150>, #5 <125>, #8 61")));
+        again.header()->showSection(FileListModel::columnOf(4));
+        QCOMPARE(again.header()->sectionSize(FileListModel::columnOf(4)), 99);
+        ColumnLayout::LoadLayout(&again, false, false); // the source's layout is untouched
+        QCOMPARE(layout(again), scaled(DefaultLayout));
+    }
+    void storedLayouts_data() {
+        QTest::addColumn<QStringList>("entries");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("hidden by default, shown by the store")
+            << QStringList{"Position7", "6", "Width7", "33"} << DefaultLayout + ", #7 33";
+        QTest::newRow("position that is not a number hides")
+            << QStringList{"Position4", "left"}
+            << QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #3 <75>, #5 <125>");
+        // Six columns shown: position 9 is out of range, so "In Folder" follows the placed ones.
+        QTest::newRow("out-of-range position skipped")
+            << QStringList{"Position2", "9"}
+            << QStringLiteral("#9 <200>, #1 <200>, #3 <75>, #4 <150>, #5 <125>, #2 <150>");
+    }
+    void storedLayouts() {
+        QFETCH(QStringList, entries);
+        QFETCH(QString, expected);
+        for (qsizetype i = 0; i + 1 < entries.size(); i += 2)
+            QVERIFY(
+                SettingsStore::write(QStringLiteral("SourceLayout"), entries[i], entries[i + 1]));
+        ListView list;
+        ColumnLayout::LoadLayout(&list, false, false);
+        QCOMPARE(layout(list), scaled(expected));
+        ColumnLayout::LoadLayout(&list, false, true); // defaults ignore the store
+        QCOMPARE(layout(list), scaled(DefaultLayout));
+    }
+    void popupCommands() {
+        Window w({}, {});
+        w.popup->Open(w.lists[0], QPoint());
+        w.popup->hideAllAction()->trigger();
+        QCOMPARE(layout(*w.lists[0]), scaled(QStringLiteral("#1 <200>")));
+        // A column shown again goes to the right end with its default width, not its last one.
+        w.lists[1]->header()->resizeSection(FileListModel::columnOf(3), 40);
+        w.popup->Open(w.lists[1], QPoint());
+        w.popup->ColumnAction(3)->trigger();
+        w.popup->Open(w.lists[1], QPoint());
+        w.popup->ColumnAction(3)->trigger();
+        QCOMPARE(
+            layout(*w.lists[1]),
+            scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #4 <150>, #5 <125>, #3 <75>")));
+        // Reset Layout on the destination's header, unlinked: only that list gets the defaults.
+        w.popup->Open(w.lists[1], QPoint());
+        w.popup->resetLayoutAction()->trigger();
+        QCOMPARE(layout(*w.lists[1]), scaled(DefaultLayout));
+        QCOMPARE(layout(*w.lists[0]), scaled(QStringLiteral("#1 <200>")));
+        // Linked, a column shown from either header is shown in both.
+        w.listings->SetLinked(true);
+        w.popup->Open(w.lists[1], QPoint());
+        w.popup->ColumnAction(6)->trigger();
+        QVERIFY(!w.lists[0]->isColumnHidden(FileListModel::columnOf(6)));
+        w.popup->menu()->hide();
+    }
+    void defaultWidthsFitTheirTexts() {
+        ListView list;
+        QFont font = list.font();
+        font.setPointSize(11);
+        list.setFont(font);
+        ColumnLayout::LoadLayout(&list, false, true);
+        for (const auto &[type, text] :
+             {std::pair{3, "2,000 bytes"}, {5, "24 Nov 2026 03:37:12"}}) {
+            QVERIFY(list.fontMetrics().horizontalAdvance(QLatin1String(text)) <
+                    list.header()->sectionSize(FileListModel::columnOf(type)));
+        }
+    }
+    void selectionFollowsTheFile_data() {
+        QTest::addColumn<int>("modelSide");
+        QTest::addColumn<CaseRule>("rule");
+        // Where case is ignored, as on a FAT stick, "sub/b" and "SUB/B" are one pair; where it
+        // counts they are two files, and selecting one must not select the other.
+        QTest::newRow("source selects") << 0 << CaseRule::Insensitive;
+        QTest::newRow("destination selects") << 1 << CaseRule::Insensitive;
+        QTest::newRow("case counts") << 0 << CaseRule::Sensitive;
+    }
+    void selectionFollowsTheFile() {
+        QFETCH(int, modelSide);
+        QFETCH(CaseRule, rule);
+        // Differently ordered lists, each with a file the other side lacks.
+        Window w({"a", "sub/b", "c", "only0"}, {"c", "only1", "SUB/B", "a"}, rule);
+        w.listings->SetLinked(true);
+        const int followerSide = 1 - modelSide;
+        w.lists[followerSide]->selectAll();
+
+        std::vector<bool> wanted(4, false);
+        for (const QString &name : modelSide == 0 ? QStringList{"a", "sub/b", "only0"}
+                                                  : QStringList{"a", "SUB/B", "only1"})
+            wanted[size_t(w.lists[modelSide]->files()->rowOfKey(
+                w.files[modelSide].Item(w.trees[modelSide].path(name))->Key()))] = true;
+        w.lists[modelSide]->setSelectedRows(wanted);
+        // The follower's change is not mirrored back, which would drop the one-sided file.
+        QCOMPARE(w.names(modelSide, true).size(), 3);
+        // The follower's rows in its own order; its one-side-only file is deselected.
+        QStringList expected = followerSide == 1 ? QStringList{"B", "a"} : QStringList{"a", "b"};
+        if (rule == CaseRule::Sensitive)
+            expected = QStringList{"a"};
+        QCOMPARE(w.names(followerSide, true), expected);
+        // The focus goes to the same position; the search for it starts after the first row.
+        w.lists[modelSide]->setFocusedRow(2);
+        QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
+        w.lists[modelSide]->setFocusedRow(0);
+        QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
+    }
+    void followerScrollsWithTheLeader_data() {
+        QTest::addColumn<int>("destinationRows");
+        QTest::addColumn<int>("scrolled"); // the destination has the focus
+        QTest::newRow("destination scrolled") << 300 << 1;
+        // The wheel scrolls the list under the mouse, whichever has the focus.
+        QTest::newRow("source scrolled") << 300 << 0;
+        QTest::newRow("source scrolled, destination empty") << 0 << 0;
+    }
+    void followerScrollsWithTheLeader() {
+        QFETCH(int, destinationRows);
+        QFETCH(int, scrolled);
+        QStringList names;
+        for (int i = 0; i < 300; ++i)
+            names << QStringLiteral("f%1").arg(i, 3, 10, QLatin1Char('0'));
+        Window w(names, names.mid(0, destinationRows));
+        QVERIFY(w.show());
+        w.lists[1]->setFocus();
+        w.listings->SetLinked(true);
+        w.lists[scrolled]->verticalScrollBar()->setValue(150);
+        // The follower ticks every ~30 ms, later on a loaded machine.
+        QTRY_COMPARE(w.lists[1 - scrolled]->verticalScrollBar()->value(),
+                     destinationRows ? 150 : 0);
+        QTest::qWait(100);
+        QCOMPARE(w.lists[scrolled]->verticalScrollBar()->value(), 150);
+        // Unlinked, the follower stops at its next tick.
+        w.listings->SwitchLinking(false);
+        QTRY_VERIFY(!w.listings->scrollTimer().isActive());
+    }
+    void headerClicksSortBothLists() {
+        Window w({"b", "a", "c"}, {"c", "a", "b"});
+        QVERIFY(w.show());
+        w.listings->SetLinked(true);
+        // Never sorted: the first click on "Name" counts as a second one, and turns it around.
+        QHeaderView *header = w.lists[1]->header();
+        const int section = FileListModel::columnOf(ColumnType::Name);
+        const QPoint centre(header->sectionViewportPosition(section) +
+                                header->sectionSize(section) / 2,
+                            header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
+        QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
+        QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
+        for (const ListView *list : w.lists) // the arrow on both, from the first sort on
+            QVERIFY(list->header()->isSortIndicatorShown() &&
+                    list->header()->sortIndicatorSection() == section);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
+        QCOMPARE(w.names(0), (QStringList{"a", "b", "c"}));
+        // Unlinked, the other list keeps its order.
+        w.listings->SetLinked(false);
+        Q_EMIT w.lists[0]->columnClicked(ColumnType::Name);
+        QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
+        QCOMPARE(w.names(1), (QStringList{"a", "b", "c"}));
+    }
+    void switchingOnSortsTheDestination_data() {
+        QTest::addColumn<int>("sourceType");
+        QTest::addColumn<int>("sourceOrder");
+        QTest::addColumn<int>("destinationType"); // both sorted descending: c, b, a
+        // "Size" is the third column in type order; the one used is the one before it.
+        QTest::newRow("off by one")
+            << int(ColumnType::Size) << int(Qt::DescendingOrder) << int(ColumnType::InFolder);
+        // Sorted on the first column: there is no column before it, so both lists are sorted as
+        // by a click on the source's first column, which toggles its direction.
+        QTest::newRow("fallback toggles")
+            << int(ColumnType::Name) << int(Qt::AscendingOrder) << int(ColumnType::Name);
+    }
+    void switchingOnSortsTheDestination() {
+        QFETCH(int, sourceType);
+        QFETCH(int, sourceOrder);
+        // Every name in a folder of its own, so that "In Folder" sorts as the names do.
+        Window w({"b/b", "a/a", "c/c"}, {"b/b", "a/a", "c/c"});
+        w.lists[0]->header()->setSortIndicator(FileListModel::columnOf(sourceType),
+                                               Qt::SortOrder(sourceOrder));
+        w.lists[0]->setColumnHidden(FileListModel::columnOf(ColumnType::Type), true);
+        w.lists[1]->setColumnHidden(FileListModel::columnOf(ColumnType::Size), true);
+        w.listings->SwitchLinking(true);
+        // The destination got the source's columns, a copied one at the right end as narrow as its
+        // default position says, but never too narrow to grab.
+        QCOMPARE(layout(*w.lists[1]),
+                 scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #5 <125>, #3 %1"))
+                     .arg(w.lists[1]->header()->minimumSectionSize()));
+        QTEST(w.lists[1]->sortType(), "destinationType");
+        QCOMPARE(w.lists[1]->sortOrder(), Qt::DescendingOrder);
+        QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
+        if (sourceType == ColumnType::Name)
+            QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
+    }
 
 private:
     TestProfile m_profile;
 };
-
-void tst_Listings::layoutRoundTrip() {
-    ListView list;
-    ColumnLayout::LoadLayout(&list, true, false);
-    QHeaderView *header = list.header();
-    header->resizeSection(FileListModel::columnOf(3), 87);
-    header->moveSection(header->visualIndex(FileListModel::columnOf(3)), 0);
-    header->resizeSection(FileListModel::columnOf(4), 99);
-    ColumnLayout::ShowColumn(&list, 8, 61);
-    QVERIFY(ColumnLayout::SaveLayout(&list, true));
-    // A column hidden later keeps the width it was stored with.
-    list.setColumnHidden(FileListModel::columnOf(4), true);
-    QVERIFY(ColumnLayout::SaveLayout(&list, true));
-
-    ListView again;
-    ColumnLayout::LoadLayout(&again, true, false);
-    QCOMPARE(layout(again),
-             scaled(QStringLiteral("#3 87, #9 <200>, #1 <200>, #2 <150>, #5 <125>, #8 61")));
-    again.header()->showSection(FileListModel::columnOf(4));
-    QCOMPARE(again.header()->sectionSize(FileListModel::columnOf(4)), 99);
-    ColumnLayout::LoadLayout(&again, false, false); // the source's layout is untouched
-    QCOMPARE(layout(again), scaled(DefaultLayout));
-}
-
-void tst_Listings::storedLayouts_data() {
-    QTest::addColumn<QStringList>("entries");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("hidden by default, shown by the store")
-        << QStringList{"Position7", "6", "Width7", "33"} << DefaultLayout + ", #7 33";
-    QTest::newRow("position that is not a number hides")
-        << QStringList{"Position4", "left"}
-        << QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #3 <75>, #5 <125>");
-    // Six columns shown: position 9 is out of range, so "In Folder" follows the placed ones.
-    QTest::newRow("out-of-range position skipped")
-        << QStringList{"Position2", "9"}
-        << QStringLiteral("#9 <200>, #1 <200>, #3 <75>, #4 <150>, #5 <125>, #2 <150>");
-}
-
-void tst_Listings::storedLayouts() {
-    QFETCH(QStringList, entries);
-    QFETCH(QString, expected);
-    for (qsizetype i = 0; i + 1 < entries.size(); i += 2)
-        QVERIFY(SettingsStore::write(QStringLiteral("SourceLayout"), entries[i], entries[i + 1]));
-    ListView list;
-    ColumnLayout::LoadLayout(&list, false, false);
-    QCOMPARE(layout(list), scaled(expected));
-    ColumnLayout::LoadLayout(&list, false, true); // defaults ignore the store
-    QCOMPARE(layout(list), scaled(DefaultLayout));
-}
-
-void tst_Listings::popupCommands() {
-    Window w({}, {});
-    w.popup->Open(w.lists[0], QPoint());
-    w.popup->hideAllAction()->trigger();
-    QCOMPARE(layout(*w.lists[0]), scaled(QStringLiteral("#1 <200>")));
-    // A column shown again goes to the right end with its default width, not its last one.
-    w.lists[1]->header()->resizeSection(FileListModel::columnOf(3), 40);
-    w.popup->Open(w.lists[1], QPoint());
-    w.popup->ColumnAction(3)->trigger();
-    w.popup->Open(w.lists[1], QPoint());
-    w.popup->ColumnAction(3)->trigger();
-    QCOMPARE(layout(*w.lists[1]),
-             scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #4 <150>, #5 <125>, #3 <75>")));
-    // Reset Layout on the destination's header, unlinked: only that list gets the defaults.
-    w.popup->Open(w.lists[1], QPoint());
-    w.popup->resetLayoutAction()->trigger();
-    QCOMPARE(layout(*w.lists[1]), scaled(DefaultLayout));
-    QCOMPARE(layout(*w.lists[0]), scaled(QStringLiteral("#1 <200>")));
-    // Linked, a column shown from either header is shown in both.
-    w.listings->SetLinked(true);
-    w.popup->Open(w.lists[1], QPoint());
-    w.popup->ColumnAction(6)->trigger();
-    QVERIFY(!w.lists[0]->isColumnHidden(FileListModel::columnOf(6)));
-    w.popup->menu()->hide();
-}
-
-void tst_Listings::defaultWidthsFitTheirTexts() {
-    ListView list;
-    QFont font = list.font();
-    font.setPointSize(11);
-    list.setFont(font);
-    ColumnLayout::LoadLayout(&list, false, true);
-    for (const auto &[type, text] : {std::pair{3, "2,000 bytes"}, {5, "24 Nov 2026 03:37:12"}}) {
-        QVERIFY(list.fontMetrics().horizontalAdvance(QLatin1String(text)) <
-                list.header()->sectionSize(FileListModel::columnOf(type)));
-    }
-}
-
-void tst_Listings::selectionFollowsTheFile_data() {
-    QTest::addColumn<int>("modelSide");
-    QTest::addColumn<CaseRule>("rule");
-    // Where case is ignored, as on a FAT stick, "sub/b" and "SUB/B" are one pair; where it
-    // counts they are two files, and selecting one must not select the other.
-    QTest::newRow("source selects") << 0 << CaseRule::Insensitive;
-    QTest::newRow("destination selects") << 1 << CaseRule::Insensitive;
-    QTest::newRow("case counts") << 0 << CaseRule::Sensitive;
-}
-
-void tst_Listings::selectionFollowsTheFile() {
-    QFETCH(int, modelSide);
-    QFETCH(CaseRule, rule);
-    // Differently ordered lists, each with a file the other side lacks.
-    Window w({"a", "sub/b", "c", "only0"}, {"c", "only1", "SUB/B", "a"}, rule);
-    w.listings->SetLinked(true);
-    const int followerSide = 1 - modelSide;
-    w.lists[followerSide]->selectAll();
-
-    std::vector<bool> wanted(4, false);
-    for (const QString &name :
-         modelSide == 0 ? QStringList{"a", "sub/b", "only0"} : QStringList{"a", "SUB/B", "only1"})
-        wanted[size_t(w.lists[modelSide]->files()->rowOfKey(
-            w.files[modelSide].Item(w.trees[modelSide].path(name))->Key()))] = true;
-    w.lists[modelSide]->setSelectedRows(wanted);
-    // The follower's change is not mirrored back, which would drop the one-sided file.
-    QCOMPARE(w.names(modelSide, true).size(), 3);
-    // The follower's rows in its own order; its one-side-only file is deselected.
-    QStringList expected = followerSide == 1 ? QStringList{"B", "a"} : QStringList{"a", "b"};
-    if (rule == CaseRule::Sensitive)
-        expected = QStringList{"a"};
-    QCOMPARE(w.names(followerSide, true), expected);
-    // The focus goes to the same position; the search for it starts after the first row.
-    w.lists[modelSide]->setFocusedRow(2);
-    QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
-    w.lists[modelSide]->setFocusedRow(0);
-    QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
-}
-
-void tst_Listings::followerScrollsWithTheLeader_data() {
-    QTest::addColumn<int>("destinationRows");
-    QTest::addColumn<int>("scrolled"); // the destination has the focus
-    QTest::newRow("destination scrolled") << 300 << 1;
-    // The wheel scrolls the list under the mouse, whichever has the focus.
-    QTest::newRow("source scrolled") << 300 << 0;
-    QTest::newRow("source scrolled, destination empty") << 0 << 0;
-}
-
-void tst_Listings::followerScrollsWithTheLeader() {
-    QFETCH(int, destinationRows);
-    QFETCH(int, scrolled);
-    QStringList names;
-    for (int i = 0; i < 300; ++i)
-        names << QStringLiteral("f%1").arg(i, 3, 10, QLatin1Char('0'));
-    Window w(names, names.mid(0, destinationRows));
-    QVERIFY(w.show());
-    w.lists[1]->setFocus();
-    w.listings->SetLinked(true);
-    w.lists[scrolled]->verticalScrollBar()->setValue(150);
-    // The follower ticks every ~30 ms, later on a loaded machine.
-    QTRY_COMPARE(w.lists[1 - scrolled]->verticalScrollBar()->value(), destinationRows ? 150 : 0);
-    QTest::qWait(100);
-    QCOMPARE(w.lists[scrolled]->verticalScrollBar()->value(), 150);
-    // Unlinked, the follower stops at its next tick.
-    w.listings->SwitchLinking(false);
-    QTRY_VERIFY(!w.listings->scrollTimer().isActive());
-}
-
-void tst_Listings::headerClicksSortBothLists() {
-    Window w({"b", "a", "c"}, {"c", "a", "b"});
-    QVERIFY(w.show());
-    w.listings->SetLinked(true);
-    // Never sorted: the first click on "Name" counts as a second one, and turns it around.
-    QHeaderView *header = w.lists[1]->header();
-    const int section = FileListModel::columnOf(ColumnType::Name);
-    const QPoint centre(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
-                        header->height() / 2);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
-    QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
-    QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
-    for (const ListView *list : w.lists) // the arrow on both, from the first sort on
-        QVERIFY(list->header()->isSortIndicatorShown() &&
-                list->header()->sortIndicatorSection() == section);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
-    QCOMPARE(w.names(0), (QStringList{"a", "b", "c"}));
-    // Unlinked, the other list keeps its order.
-    w.listings->SetLinked(false);
-    Q_EMIT w.lists[0]->columnClicked(ColumnType::Name);
-    QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
-    QCOMPARE(w.names(1), (QStringList{"a", "b", "c"}));
-}
-
-void tst_Listings::switchingOnSortsTheDestination_data() {
-    QTest::addColumn<int>("sourceType");
-    QTest::addColumn<int>("sourceOrder");
-    QTest::addColumn<int>("destinationType"); // both sorted descending: c, b, a
-    // "Size" is the third column in type order; the one used is the one before it.
-    QTest::newRow("off by one") << int(ColumnType::Size) << int(Qt::DescendingOrder)
-                                << int(ColumnType::InFolder);
-    // Sorted on the first column: there is no column before it, so both lists are sorted as
-    // by a click on the source's first column, which toggles its direction.
-    QTest::newRow("fallback toggles")
-        << int(ColumnType::Name) << int(Qt::AscendingOrder) << int(ColumnType::Name);
-}
-
-void tst_Listings::switchingOnSortsTheDestination() {
-    QFETCH(int, sourceType);
-    QFETCH(int, sourceOrder);
-    // Every name in a folder of its own, so that "In Folder" sorts as the names do.
-    Window w({"b/b", "a/a", "c/c"}, {"b/b", "a/a", "c/c"});
-    w.lists[0]->header()->setSortIndicator(FileListModel::columnOf(sourceType),
-                                           Qt::SortOrder(sourceOrder));
-    w.lists[0]->setColumnHidden(FileListModel::columnOf(ColumnType::Type), true);
-    w.lists[1]->setColumnHidden(FileListModel::columnOf(ColumnType::Size), true);
-    w.listings->SwitchLinking(true);
-    // The destination got the source's columns, a copied one at the right end as narrow as its
-    // default position says, but never too narrow to grab.
-    QCOMPARE(layout(*w.lists[1]),
-             scaled(QStringLiteral("#9 <200>, #1 <200>, #2 <150>, #5 <125>, #3 %1"))
-                 .arg(w.lists[1]->header()->minimumSectionSize()));
-    QTEST(w.lists[1]->sortType(), "destinationType");
-    QCOMPARE(w.lists[1]->sortOrder(), Qt::DescendingOrder);
-    QCOMPARE(w.names(1), (QStringList{"c", "b", "a"}));
-    if (sourceType == ColumnType::Name)
-        QCOMPARE(w.names(0), (QStringList{"c", "b", "a"}));
-}
 
 QTEST_MAIN(tst_Listings)
 #include "tst_Listings.moc"
