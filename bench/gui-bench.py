@@ -26,8 +26,9 @@ Parts:
             turned off and on again.
   stalls    gui-bench stalls on the compare corpus, Show All Files on, ROUNDS times: the
             longest wait of the event loop during a compare, a second compare, and each View
-            toggle that changes the listings (off and on again); printed: the worst of the
-            rounds and the median.
+            toggle that changes the listings (off and on again; Link File Listings goes on
+            with rows of the source list selected); printed: the worst of the rounds and the
+            median.
   cancel    a tree of 1,000,000 empty files (gui-bench make-tree); a compare of it cancelled
             0.5, 2 and 5 s after the click, by the mouse and by Esc, timed from the moment the
             cancel was posted to the window until the run has stopped.

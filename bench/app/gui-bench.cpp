@@ -12,7 +12,8 @@
 //   gui-bench stalls [-c BITS] SOURCE DESTINATION
 //       with Show All Files on: a compare, a second compare, and each View toggle that changes
 //       the listings (off, then on again); for each, the longest wait of the event loop from
-//       the command until the window has finished and settled
+//       the command until the window has finished and settled. Link File Listings is turned
+//       on again with rows of the source list selected
 //   gui-bench cancel [--key] [--after MS]... SOURCE DESTINATION
 //       a compare cancelled MS after the click (one run per --after), by a mouse click on
 //       Cancel or with --key by Esc; the cancel is posted from another thread as the window
@@ -227,6 +228,17 @@ int listingsMode(Arguments arguments) {
     return 0;
 }
 
+/** Selects a block of a tenth of \a list's rows and every 1000th row, and focuses the block. */
+void selectSome(ListView &list) {
+    const int rows = list.files()->rowCount();
+    std::vector<bool> selected(size_t(rows), false);
+    for (int row = 0; row < rows; row += 1000)
+        selected[size_t(row)] = true;
+    std::fill_n(selected.begin() + rows / 2, rows / 10, true);
+    list.setSelectedRows(selected);
+    list.setFocusedRow(rows / 2);
+}
+
 int stallsMode(Arguments arguments) {
     arguments.allFiles = true;
     BenchWindow bench(setupFor(arguments), arguments.source, arguments.destination);
@@ -265,6 +277,10 @@ int stallsMode(Arguments arguments) {
         if (!item)
             continue;
         for (const char *state : {"_1", "_2"}) {
+            // Linking on mirrors the source list's selection: a user's selection of a block
+            // of rows and a few single ones, made while the lists are not linked.
+            if (std::strcmp(toggle[1], "link") == 0 && !item->isChecked())
+                selectSome(*bench.list(0));
             const QByteArray name = QByteArray(toggle[1]) + state;
             measure(name.constData(), [item] { item->trigger(); });
         }
