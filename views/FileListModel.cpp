@@ -18,6 +18,56 @@ namespace {
 // the view is given them at most this often; each batch costs the view one layout pass.
 constexpr int FlushIntervalMs = 250;
 
+// Items freed on the release thread between two pauses: the allocator's lock is shared with
+// the window's thread, which a tight loop of frees would keep waiting.
+constexpr size_t ItemsPerSlice = 2048;
+
+void PauseAfterSlice() {
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+}
+
+/** Frees \a items (rows or records) on the release thread, a slice at a time. */
+template <typename T> void ReleaseInSlices(std::vector<T> items) {
+    RunReleaseInBackground([items = std::move(items)]() mutable {
+        while (!items.empty()) {
+            items.resize(items.size() - std::min(items.size(), ItemsPerSlice));
+            PauseAfterSlice();
+        }
+    });
+}
+
+/** Frees \a table (a text for every key) on the release thread, a slice at a time. */
+template <typename Key, typename Value> void ReleaseInSlices(QHash<Key, Value> table) {
+    RunReleaseInBackground([table = std::move(table)]() mutable {
+        for (auto entry = table.begin(); entry != table.end();) {
+            for (size_t n = 0; n < ItemsPerSlice && entry != table.end(); ++n)
+                entry = table.erase(entry);
+            PauseAfterSlice();
+        }
+    });
+}
+
+/**
+ * Puts element i of \a items at newPosition[i] in place, with no second array to allocate
+ * and fill: \a newPosition must name every place once.
+ */
+template <typename T> void Permute(std::vector<T> &items, const std::vector<int> &newPosition) {
+    std::vector<bool> placed(items.size(), false);
+    for (size_t start = 0; start < items.size(); ++start) {
+        if (placed[start])
+            continue;
+        // Follows the cycle through start, carrying the element displaced at each step.
+        T carried = std::move(items[start]);
+        size_t from = start;
+        while (!placed[from]) {
+            placed[from] = true;
+            const auto to = size_t(newPosition[from]);
+            std::swap(carried, items[to]);
+            from = to;
+        }
+    }
+}
+
 } // namespace
 
 FileListModel::FileListModel(QObject *parent)
@@ -126,51 +176,50 @@ void FileListModel::allChanged(const QList<int> &roles) {
         Q_EMIT dataChanged(index(0, 0), index(m_shownRows - 1, ColumnTypeCount - 1), roles);
 }
 
-void FileListModel::ReleaseRows(std::vector<Row> rows) {
-    RunReleaseInBackground([rows = std::move(rows)]() mutable {
-        // Freed a slice at a time with pauses between: the allocator's lock is shared with
-        // the window's thread, which a tight loop of frees would keep waiting.
-        constexpr size_t RowsPerSlice = 2048;
-        while (!rows.empty()) {
-            rows.resize(rows.size() - std::min(rows.size(), RowsPerSlice));
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
-        }
-    });
+int FileListModel::rowOfKey(const QString &key) const {
+    const int slot = slotOfKey(key);
+    return slot < 0 ? -1 : rowOfSlot(slot);
 }
 
-int FileListModel::rowOfKey(const QString &key) const {
-    return m_rowOfKey.value(key, -1);
+int FileListModel::slotOfKey(const QString &key) const {
+    return m_slotOfKey.value(key, -1);
 }
 
 int FileListModel::addRecord(const ComparisonFilePtr &record, int icon) {
-    // One look-up both finds the row of the key and takes the slot for a new one.
-    const qsizetype keys = m_rowOfKey.size();
-    int &slot = m_rowOfKey[record->Key()];
-    if (m_rowOfKey.size() == keys) {
-        const int row = slot;
-        Row &existing = m_rows[size_t(row)];
-        existing.stale = false;
-        if (existing.record != record || existing.icon != icon) {
-            existing.record = record;
-            existing.icon = icon;
-            markChanged(row);
+    // One look-up both finds the slot of the key and takes one for a new key.
+    const qsizetype keys = m_slotOfKey.size();
+    int &slot = m_slotOfKey[record->Key()];
+    if (m_slotOfKey.size() == keys) {
+        m_staleSlots[size_t(slot)] = false;
+        if (const int row = m_rowOfSlot[size_t(slot)]; row >= 0) {
+            Row &existing = m_rows[size_t(row)];
+            if (existing.record != record || existing.icon != icon) {
+                if (existing.record != record)
+                    ++m_slotsGeneration;
+                existing.record = record;
+                existing.icon = icon;
+                markChanged(row);
+            }
+            return row;
         }
-        return row;
+    } else {
+        slot = int(m_rowOfSlot.size());
+        m_rowOfSlot.push_back(-1);
+        m_staleSlots.push_back(false);
     }
-    slot = count();
+    m_rowOfSlot[size_t(slot)] = count();
     ++m_rowsGeneration;
-    m_rows.push_back({record, icon, false});
+    m_rows.push_back({record, icon, slot});
     scheduleFlush();
     return count() - 1;
 }
 
 void FileListModel::markAllStale() {
-    for (Row &row : m_rows)
-        row.stale = true;
+    m_staleSlots.assign(m_staleSlots.size(), true);
 }
 
 int FileListModel::removeStaleRows() {
-    return removeRowsIf([this](int row) { return m_rows[size_t(row)].stale; });
+    return removeRowsIf([this](int row) { return m_staleSlots[size_t(m_rows[size_t(row)].slot)]; });
 }
 
 int FileListModel::removeRowsIf(const std::function<bool(int row)> &remove) {
@@ -198,36 +247,29 @@ int FileListModel::moveRows(const std::vector<int> &newPosition,
         const int row = newPosition[size_t(old.row())];
         to.append(row < 0 ? QModelIndex() : index(row, old.column()));
     }
-    std::vector<Row> rows(m_rows.size());
+    // Only the slots learn where their rows went; no key is looked at.
+    for (size_t i = 0; i < m_rows.size(); ++i)
+        m_rowOfSlot[size_t(m_rows[i].slot)] = newPosition[i];
+    // Rows either go, the rest keeping their order, or all move: the rows that stay are
+    // moved up in place, or the rows are permuted in place.
+    std::vector<ComparisonFilePtr> gone;
     size_t kept = 0;
     for (size_t i = 0; i < m_rows.size(); ++i) {
-        if (newPosition[i] >= 0) {
-            rows[size_t(newPosition[i])] = std::move(m_rows[i]);
+        if (newPosition[i] < 0)
+            gone.push_back(std::move(m_rows[i].record));
+        else if (gone.empty())
             ++kept;
-        }
+        else
+            m_rows[kept++] = std::move(m_rows[i]);
     }
-    const int removed = count() - int(kept);
-    rows.resize(kept);
+    if (gone.empty())
+        Permute(m_rows, newPosition);
+    else
+        m_rows.resize(kept);
+    const int removed = int(gone.size());
     // The removed rows' records may be their last holders.
-    ReleaseRows(std::exchange(m_rows, std::move(rows)));
-    // No key is built again: each keeps its slot and learns its new row or, when many rows
-    // went, the keys that stay move to a new table, which is quicker than erasing the rest.
-    if (removed * 4 < count() + removed) {
-        m_rowOfKey.removeIf([&newPosition](const QHash<QString, int>::iterator &it) {
-            const int row = newPosition[size_t(it.value())];
-            if (row >= 0)
-                it.value() = row;
-            return row < 0;
-        });
-    } else {
-        QHash<QString, int> staying;
-        staying.reserve(count());
-        for (auto it = m_rowOfKey.cbegin(); it != m_rowOfKey.cend(); ++it) {
-            if (const int row = newPosition[size_t(it.value())]; row >= 0)
-                staying.insert(it.key(), row);
-        }
-        ReleaseInBackground(std::exchange(m_rowOfKey, std::move(staying)));
-    }
+    if (!gone.empty())
+        ReleaseInSlices(std::move(gone));
     m_shownRows = count();
     m_changedFirst = m_changedLast = -1;
     changePersistentIndexList(from, to);
@@ -238,11 +280,14 @@ int FileListModel::moveRows(const std::vector<int> &newPosition,
 void FileListModel::clear() {
     m_flushTimer.stop();
     ++m_rowsGeneration;
+    ++m_slotsGeneration;
     beginResetModel();
     // Often the last holders of a compare's records: hundreds of thousands of them would take
     // the window a noticeable while to free.
-    ReleaseRows(std::exchange(m_rows, {}));
-    ReleaseInBackground(std::exchange(m_rowOfKey, {}));
+    ReleaseInSlices(std::exchange(m_rows, {}));
+    ReleaseInSlices(std::exchange(m_slotOfKey, {}));
+    m_rowOfSlot = {};
+    m_staleSlots = {};
     m_shownRows = 0;
     m_changedFirst = m_changedLast = -1;
     endResetModel();
@@ -252,7 +297,9 @@ void FileListModel::reserve(int rows) {
     if (rows <= count())
         return;
     m_rows.reserve(size_t(rows));
-    m_rowOfKey.reserve(rows);
+    m_slotOfKey.reserve(rows);
+    m_rowOfSlot.reserve(size_t(rows));
+    m_staleSlots.reserve(size_t(rows));
 }
 
 void FileListModel::sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order) {

@@ -50,6 +50,18 @@ public:
     const ComparisonFilePtr &record(int row) const { return m_rows[size_t(row)].record; }
     /** The row showing the record whose key is \a key, or -1. */
     int rowOfKey(const QString &key) const;
+    /**
+     * The slot of zero-based \a row: a number its key keeps, from 0 to slotCount(), while the
+     * row moves, goes and comes back, until clear().
+     */
+    int slotOf(int row) const { return m_rows[size_t(row)].slot; }
+    /** The slot of \a key, or -1 when the key has not been listed since clear(). */
+    int slotOfKey(const QString &key) const;
+    /** The row of \a slot, or -1 while its key is not listed. */
+    int rowOfSlot(int slot) const { return m_rowOfSlot[size_t(slot)]; }
+    int slotCount() const { return int(m_rowOfSlot.size()); }
+    /** Changes when clear() drops the slots or a slot is given another record. */
+    quint64 slotsGeneration() const { return m_slotsGeneration; }
     /** The text \a row shows for column type \a type. */
     QString text(int row, int type) const;
 
@@ -104,11 +116,10 @@ private:
     struct Row {
         ComparisonFilePtr record;
         int icon = 0;
-        bool stale = false;
+        /** The row's key's place in m_rowOfSlot; it stays with the key while the row moves. */
+        int slot = 0;
     };
 
-    /** Frees \a rows on the release thread, a slice at a time. */
-    static void ReleaseRows(std::vector<Row> rows);
     void scheduleFlush();
     void markChanged(int row);
     void allChanged(const QList<int> &roles);
@@ -119,10 +130,19 @@ private:
     int moveRows(const std::vector<int> &newPosition, QAbstractItemModel::LayoutChangeHint hint);
 
     std::vector<Row> m_rows;
-    /** The row of each key; rows that move are renumbered without building keys again. */
-    QHash<QString, int> m_rowOfKey;
+    /**
+     * The slot of every key listed since the last clear(), and the row of each slot (-1 once
+     * its row has gone): rows that move or go change only the small table of rows, and a key
+     * listed again takes its old slot. Keeping the keys of rows that went costs memory
+     * bounded by the records of the compare.
+     */
+    QHash<QString, int> m_slotOfKey;
+    std::vector<int> m_rowOfSlot;
+    /** The marks of markAllStale(), per slot, so that they move with their rows. */
+    std::vector<bool> m_staleSlots;
     int m_shownRows = 0;
     quint64 m_rowsGeneration = 0;
+    quint64 m_slotsGeneration = 0;
     int m_changedFirst = -1;
     int m_changedLast = -1;
     QTimer m_flushTimer;

@@ -116,6 +116,16 @@ private Q_SLOTS:
         QCOMPARE(view.files()->rowOfKey(record("c.bin")->Key()), 1);
         QCOMPARE(view.selectedRows(), (std::vector<bool>{false, true}));
         QCOMPARE(view.focusedRow(), 1);
+        // A key listed again comes back at the end; a sort moves the stale marks with their rows.
+        QCOMPARE(AddToListview(record("a.bin"), &view, nullptr), 2);
+        view.files()->markAllStale();
+        AddToListview(record("a.bin"), &view, nullptr);
+        QVERIFY(SortListView(&view, &m_files[0], ColumnType::Size, false)); // c, a, b
+        QCOMPARE(view.files()->removeStaleRows(), 2);
+        QCOMPARE(names(view), (QStringList{"a.bin"}));
+        QCOMPARE(view.files()->rowOfKey(record("a.bin")->Key()), 0);
+        QCOMPARE(view.files()->rowOfKey(record("c.bin")->Key()), -1);
+        QCOMPARE(view.selectedRows(), (std::vector<bool>{false}));
     }
     void sorted_data() {
         QTest::addColumn<int>("side");
