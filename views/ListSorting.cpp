@@ -1,6 +1,7 @@
 #include "views/ListSorting.h"
 
 #include "engine/ComparisonFileCollection.h"
+#include "views/BackgroundRelease.h"
 #include "views/FileListModel.h"
 #include "views/ListColumns.h"
 #include "views/ListView.h"
@@ -8,6 +9,7 @@
 #include "views/TextCollation.h"
 
 #include <QHeaderView>
+#include <QScopeGuard>
 
 #include <chrono>
 #include <future>
@@ -34,6 +36,8 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection, in
     const quint64 rows = files->rowsGeneration();
     const auto rowsMoved = [files, rows] { return files->rowsGeneration() != rows; };
     std::vector<QString> keys(size_t(files->count()));
+    // Texts of hundreds of thousands of rows take the window a noticeable while to free.
+    const auto releaseKeys = qScopeGuard([&keys] { ReleaseInBackground(std::move(keys)); });
     for (int row = 0; row < files->count(); ++row) {
         if (yield && row % KeysPerSlice == KeysPerSlice - 1) {
             yield();
@@ -49,7 +53,7 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection, in
         keys[size_t(row)] = record ? RecordText::SortString(*record, type) : files->text(row, type);
     }
     if (!yield) {
-        files->sortByKeys(keys, order);
+        list->applyOrder(TextCollation().order(keys, order));
         return true;
     }
     // The collator is the costly part; it runs on a thread of its own while events are
@@ -61,6 +65,6 @@ bool SortListView(ListView *list, const ComparisonFileCollection *collection, in
         yield();
     const std::vector<int> positions = sorted.get();
     if (!rowsMoved())
-        files->applyOrder(positions);
+        list->applyOrder(positions);
     return true;
 }

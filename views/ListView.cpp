@@ -6,6 +6,8 @@
 #include <QAccessible>
 #include <QEvent>
 #include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QSignalBlocker>
 
 ListView::ListView(QWidget *parent)
     : QTreeView(parent)
@@ -141,6 +143,25 @@ void ListView::setSelectedRows(const std::vector<bool> &rows) {
     selectionModel()->clearSelection();
     if (!selection.isEmpty())
         selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void ListView::applyOrder(const std::vector<int> &sorted) {
+    m_files->flush();
+    if (sorted.size() != size_t(m_files->count()) || !selectionModel()->hasSelection()) {
+        m_files->applyOrder(sorted);
+        return;
+    }
+    // The selection model would follow each selected row through the move with an index of
+    // its own, a noticeable wait for a large selection; its runs are put back in the new
+    // order for much less.
+    const std::vector<bool> before = selectedRows();
+    std::vector<bool> after(before.size(), false);
+    for (size_t to = 0; to < sorted.size(); ++to)
+        after[to] = before[size_t(sorted[to])];
+    const QSignalBlocker quiet(selectionModel());
+    selectionModel()->clearSelection();
+    m_files->applyOrder(sorted);
+    setSelectedRows(after);
 }
 
 int ListView::selectedCount() const {

@@ -41,6 +41,11 @@ public:
     std::vector<bool> selectedRows() const;
     /** Selects exactly the rows whose flag is set; rows past the end of \a rows are cleared. */
     void setSelectedRows(const std::vector<bool> &rows);
+    /**
+     * Puts the rows in the order \a sorted gives (see FileListModel::applyOrder); the
+     * selected rows and the focused one stay so, unannounced, as the same files are selected.
+     */
+    void applyOrder(const std::vector<int> &sorted);
     int selectedCount() const;
     /** The records of the selected rows, in list order. */
     std::vector<ComparisonFilePtr> selectedRecords() const;
