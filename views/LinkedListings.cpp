@@ -59,15 +59,6 @@ LinkedListings::LinkedListings(ListView *source, ListView *destination, Collecti
             if (!m_following)
                 m_scrolled = side;
         });
-
-        const auto forget = [this] {
-            m_counterparts[0].valid = false;
-            m_counterparts[1].valid = false;
-        };
-        const QAbstractItemModel *model = list->files();
-        connect(model, &QAbstractItemModel::rowsInserted, this, forget);
-        connect(model, &QAbstractItemModel::layoutChanged, this, forget);
-        connect(model, &QAbstractItemModel::modelReset, this, forget);
     }
 }
 
@@ -87,6 +78,11 @@ void LinkedListings::SwitchLinking(bool linked) {
         return;
     ListView *source = m_lists[0];
     ColumnLayout::MatchColumns(source, m_lists[1]);
+    if (source->selectionModel()->hasSelection()) {
+        LearnCounterparts(1);
+        if (!m_linked)
+            return; // switched off again meanwhile
+    }
     MirrorSelection(0);
     const bool ascending = source->sortOrder() == Qt::AscendingOrder;
     if (!SortListView(m_lists[1], Collection(1), source->shownType(source->sortKey()), ascending,
@@ -102,32 +98,63 @@ void LinkedListings::ColumnClick(int side, int type) {
         SortListView(m_lists[size_t(1 - side)], Collection(1), type, ascending, m_yield);
 }
 
-const std::vector<int> &LinkedListings::Counterparts(int fromSide) {
+void LinkedListings::CheckCounterparts(int fromSide) {
     const FileListModel *from = m_lists[size_t(fromSide)]->files();
     const FileListModel *to = m_lists[size_t(1 - fromSide)]->files();
     const ComparisonFileCollection *fromFiles = Collection(fromSide);
     const ComparisonFileCollection *toFiles = Collection(1 - fromSide);
     CounterpartCache &cache = m_counterparts[size_t(fromSide)];
-    // A pairing holds until rows come, go or move in either list, or either collection changes.
     const quint64 generations[2] = {fromFiles ? fromFiles->generation() : 0,
                                     toFiles ? toFiles->generation() : 0};
-    if (cache.valid && cache.rows.size() == size_t(from->count()) && cache.from == fromFiles &&
-        cache.to == toFiles && std::equal(generations, generations + 2, cache.generations))
-        return cache.rows;
-    cache.rows.assign(size_t(from->count()), -1);
-    // The row of a record's counterpart, found by the collection's own pairing rule: letter
-    // case and composed accents count exactly as they did when the pairs were judged.
-    if (fromFiles && toFiles) {
-        for (int i = 0; i < from->count(); ++i) {
-            if (const ComparisonFilePtr pair = toFiles->Counterpart(*from->record(i), *fromFiles))
-                cache.rows[size_t(i)] = to->rowOfKey(pair->Key());
+    const quint64 slotsGenerations[2] = {from->slotsGeneration(), to->slotsGeneration()};
+    if (cache.from != fromFiles || cache.to != toFiles ||
+        !std::equal(generations, generations + 2, cache.generations) ||
+        !std::equal(slotsGenerations, slotsGenerations + 2, cache.slotsGenerations)) {
+        cache.slots.clear();
+        cache.from = fromFiles;
+        cache.to = toFiles;
+        std::copy(generations, generations + 2, cache.generations);
+        std::copy(slotsGenerations, slotsGenerations + 2, cache.slotsGenerations);
+    }
+    cache.slots.resize(size_t(from->slotCount()), CounterpartCache::Unknown);
+    if (cache.otherSlots != to->slotCount()) {
+        std::replace(cache.slots.begin(), cache.slots.end(), CounterpartCache::NotListed,
+                     CounterpartCache::Unknown);
+        cache.otherSlots = to->slotCount();
+    }
+}
+
+int LinkedListings::CounterpartRow(int fromSide, int row) {
+    const FileListModel *from = m_lists[size_t(fromSide)]->files();
+    const FileListModel *to = m_lists[size_t(1 - fromSide)]->files();
+    CounterpartCache &cache = m_counterparts[size_t(fromSide)];
+    int &slot = cache.slots[size_t(from->slotOf(row))];
+    if (slot == CounterpartCache::Unknown) {
+        // Found by the collection's own pairing rule: letter case and composed accents count
+        // exactly as they did when the pairs were judged.
+        const ComparisonFilePtr pair = cache.from && cache.to
+                                           ? cache.to->Counterpart(*from->record(row), *cache.from)
+                                           : nullptr;
+        slot = CounterpartCache::None;
+        if (pair) {
+            const int listed = to->slotOfKey(pair->Key());
+            slot = listed >= 0 ? listed : CounterpartCache::NotListed;
         }
     }
-    cache.from = fromFiles;
-    cache.to = toFiles;
-    std::copy(generations, generations + 2, cache.generations);
-    cache.valid = true;
-    return cache.rows;
+    return slot >= 0 ? to->rowOfSlot(slot) : -1;
+}
+
+void LinkedListings::LearnCounterparts(int fromSide) {
+    constexpr int RowsPerSlice = 4096;
+    const FileListModel *from = m_lists[size_t(fromSide)]->files();
+    // Rows may move or go while the event loop runs: whatever is missed is looked up when
+    // the selection is mirrored.
+    for (int first = 0; m_yield && m_linked && first < from->count(); first += RowsPerSlice) {
+        CheckCounterparts(fromSide);
+        for (int row = first; row < std::min(from->count(), first + RowsPerSlice); ++row)
+            CounterpartRow(fromSide, row);
+        m_yield();
+    }
 }
 
 void LinkedListings::MirrorSelection(int modelSide) {
@@ -141,10 +168,10 @@ void LinkedListings::MirrorSelection(int modelSide) {
         return;
     }
     const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
-    const std::vector<int> &counterpart = Counterparts(followerSide);
-    std::vector<bool> wanted(counterpart.size(), false);
-    for (size_t i = 0; i < counterpart.size(); ++i) {
-        const int row = counterpart[i];
+    CheckCounterparts(followerSide);
+    std::vector<bool> wanted(size_t(m_lists[size_t(followerSide)]->files()->count()), false);
+    for (size_t i = 0; i < wanted.size(); ++i) {
+        const int row = CounterpartRow(followerSide, int(i));
         wanted[i] = row >= 0 && size_t(row) < selected.size() && selected[size_t(row)];
     }
     m_lists[size_t(followerSide)]->setSelectedRows(wanted);

@@ -88,7 +88,19 @@ public:
 
 private:
     const ComparisonFileCollection *Collection(int side) const;
-    const std::vector<int> &Counterparts(int fromSide);
+    /** Forgets the pairings of list \a fromSide that no longer hold; see CounterpartCache. */
+    void CheckCounterparts(int fromSide);
+    /**
+     * The row in the other list of the counterpart of zero-based \a row of list \a fromSide,
+     * or -1; looked up once, then kept. CheckCounterparts() must have been called since the
+     * event loop last ran.
+     */
+    int CounterpartRow(int fromSide, int row);
+    /**
+     * Looks up the counterparts of list \a fromSide in slices, letting the event loop run
+     * between them, so that mirroring a large selection afterwards finds them all known.
+     */
+    void LearnCounterparts(int fromSide);
 
     std::array<ListView *, 2> m_lists;
     Collections m_collections;
@@ -100,13 +112,24 @@ private:
     int m_scrolled = -1;
     QTimer m_scrollTimer;
 
-    /** Per side: the row of each of its rows' counterparts in the other list, or -1. */
+    /**
+     * Per side, for each slot of its list (see FileListModel::slotOf), the slot of its
+     * counterpart in the other list. A pairing depends on the keys and the collections only,
+     * so it holds while rows move, go and come back, until either collection or either list's
+     * slots change; a counterpart not listed is looked up again once the other list has
+     * listed new keys.
+     */
     struct CounterpartCache {
-        std::vector<int> rows;
+        static constexpr int Unknown = -3;
+        static constexpr int NotListed = -2;
+        static constexpr int None = -1;
+        std::vector<int> slots;
         const ComparisonFileCollection *from = nullptr;
         const ComparisonFileCollection *to = nullptr;
         quint64 generations[2] = {0, 0};
-        bool valid = false;
+        quint64 slotsGenerations[2] = {0, 0};
+        /** The other list's slot count when the NotListed entries were looked up. */
+        int otherSlots = 0;
     };
     std::array<CounterpartCache, 2> m_counterparts;
 };

@@ -226,6 +226,31 @@ private Q_SLOTS:
         QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
         w.lists[modelSide]->setFocusedRow(0);
         QCOMPARE(w.lists[followerSide]->focusedRow(), 2);
+
+        // The pairings found hold while the follower's rows move, go and come back.
+        ListView *follower = w.lists[followerSide];
+        const ComparisonFilePtr first = follower->files()->record(0);
+        QVERIFY(SortListView(follower, nullptr, ColumnType::Name, false));
+        follower->files()->removeRowsIf(
+            [&](int row) { return follower->files()->record(row) == first; });
+        AddToListview(first, follower, nullptr);
+        w.listings->MirrorSelection(modelSide);
+        QStringList mirrored = w.names(followerSide, true);
+        mirrored.sort();
+        QCOMPARE(mirrored, expected);
+        // A counterpart listed only after the pairings were looked up is found once listed.
+        const auto item = [&](const char *name) {
+            return w.files[modelSide].Item(w.trees[modelSide].path(QLatin1String(name)));
+        };
+        w.lists[modelSide]->files()->clear();
+        AddToListview(item("c"), w.lists[modelSide], nullptr);
+        w.lists[modelSide]->selectAll();
+        QCOMPARE(w.names(followerSide, true), QStringList{"c"});
+        AddToListview(item("a"), w.lists[modelSide], nullptr);
+        w.lists[modelSide]->selectAll();
+        mirrored = w.names(followerSide, true);
+        mirrored.sort();
+        QCOMPARE(mirrored, (QStringList{"a", "c"}));
     }
     void followerScrollsWithTheLeader_data() {
         QTest::addColumn<int>("destinationRows");
