@@ -4,6 +4,8 @@
 #include "reports/OutputStream.h"
 #include "reports/PairCollection.h"
 
+#include "views/BackgroundRelease.h"
+
 #include <QAction>
 #include <QDir>
 #include <QFileDialog>
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -67,7 +70,8 @@ ReportCommand::ReportCommand(const MainMenuBar &menus, const CompareSession &ses
 }
 
 void ReportCommand::setRequest(const CompareSession::Request &request) {
-    m_compared = {};
+    // The pairs of a large compare take the window a noticeable while to free.
+    ReleaseInBackground(std::exchange(m_compared, {}));
     m_compared.source = request.source;
     m_compared.destination = request.destination;
     m_compared.comparisons = request.comparisons;
