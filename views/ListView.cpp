@@ -72,6 +72,13 @@ void ListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottom
     QTreeView::dataChanged(topLeft, bottomRight, roles);
 }
 
+void ListView::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const {
+    // A flat list has no branch area; the base class would still look the row up in the
+    // selection, run by run, which a scattered selection of many rows makes slow.
+    if (rect.width() > 0)
+        QTreeView::drawBranches(painter, rect, index);
+}
+
 int ListView::shownType(int index) const {
     for (int column = 0; column < ColumnTypeCount; ++column) {
         if (!isColumnHidden(column) && --index == 0)
