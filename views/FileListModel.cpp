@@ -5,7 +5,6 @@
 #include "views/ImageList.h"
 #include "views/ListColumns.h"
 #include "views/RecordText.h"
-#include "views/TextCollation.h"
 
 #include <algorithm>
 #include <chrono>
@@ -300,13 +299,6 @@ void FileListModel::reserve(int rows) {
     m_slotOfKey.reserve(rows);
     m_rowOfSlot.reserve(size_t(rows));
     m_staleSlots.reserve(size_t(rows));
-}
-
-void FileListModel::sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order) {
-    flush();
-    if (m_rows.size() < 2 || keys.size() != m_rows.size())
-        return;
-    applyOrder(TextCollation().order(keys, order));
 }
 
 void FileListModel::applyOrder(const std::vector<int> &sorted) {

@@ -87,8 +87,6 @@ public:
     /** Makes room for \a count rows in all. */
     void reserve(int count);
 
-    /** Orders the rows stably by \a keys (one per row), compared as displayed texts are. */
-    void sortByKeys(const std::vector<QString> &keys, Qt::SortOrder order);
     /**
      * Puts the rows in the order \a sorted gives (element i: the row that goes to place i),
      * as TextCollation::order returns it. It must name every row once; nothing happens when
