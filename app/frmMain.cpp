@@ -719,11 +719,17 @@ void frmMain::RefreshFileListings() {
     if (finished) {
         setCursor(Qt::WaitCursor);
         repaint();
-        finished =
-            m_listing->Refresh(*sources, *destinations, CurrentViewState(), [this, &current] {
-                m_yield();
-                return current();
-            });
+        // The first slice always lets the events in, however recently they last ran: a short
+        // rebuild would otherwise finish before any command given during it is seen.
+        bool firstSlice = true;
+        finished = m_listing->Refresh(*sources, *destinations, CurrentViewState(),
+                                      [this, &current, &firstSlice] {
+                                          if (std::exchange(firstSlice, false))
+                                              m_yield.now();
+                                          else
+                                              m_yield();
+                                          return current();
+                                      });
     }
     // A compare started meanwhile has handed them to the release thread already, which
     // gets these last references too.
