@@ -141,6 +141,11 @@ private:
 bool applyOption(CliOptions &options, const QByteArray &shown, const QByteArray &name,
                  const std::optional<QByteArray> &attached, ArgumentReader &reader,
                  QString *error) {
+    static const QByteArrayList compareOnly = {"c",          "compare",   "format",
+                                               "time-shift", "crc-first", "no-slack",
+                                               "a",          "all",       "no-normalize"};
+    if (options.compareOption.isEmpty() && compareOnly.contains(name))
+        options.compareOption = shown;
     const auto flag = [&](bool &target, bool value) {
         if (attached) {
             *error = QStringLiteral("option %1 takes no value").arg(quoted(shown));
@@ -289,6 +294,11 @@ CliOptions CliOptions::parse(const QList<QByteArray> &arguments, QString *error)
     if (options.writeManifest) {
         if (roots.size() != 1 || roots.at(0).isEmpty() || roots.at(0) == "-") {
             *error = QStringLiteral("--manifest takes one folder, ROOT");
+            return {};
+        }
+        if (!options.compareOption.isEmpty()) {
+            *error = QStringLiteral("%1 belongs to a compare; a manifest records everything")
+                         .arg(quoted(options.compareOption));
             return {};
         }
         options.source = roots.at(0);

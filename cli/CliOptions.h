@@ -46,6 +46,8 @@ struct CliOptions {
     bool writeManifest = false;
     /** `--crc` with `--manifest`: the manifest holds every file's checksum. */
     bool manifestChecksums = false;
+    /** The first option given that only a compare uses, as written: refused with --manifest. */
+    QByteArray compareOption;
     bool showHelp = false;
     bool showVersion = false;
 

@@ -95,7 +95,8 @@ private Q_SLOTS:
             {"--case x\ny a b", "unknown --case 'x\\ny'"}, // the newline stays escaped
             {"- -", "standard input (-) can stand for one side only"},
             {"--crc a b", "--crc belongs with"},
-            {"--manifest a b", "--manifest takes"}};
+            {"--manifest a b", "--manifest takes"},
+            {"--manifest -c crc a", "'-c' belongs to a compare"}};
         for (const auto &[arguments, reason] : refused)
             QTest::newRow(reason) << QByteArray(arguments) << QString::fromUtf8(reason);
     }
