@@ -14,8 +14,14 @@ int hexValue(char c) {
 
 } // namespace
 
-QByteArray ByteEscaping::escape(QByteArrayView bytes) {
+void ByteEscaping::appendHex(QByteArray &out, uchar byte) {
     static const char digits[] = "0123456789abcdef";
+    out += "\\x";
+    out += digits[byte >> 4];
+    out += digits[byte & 0xF];
+}
+
+QByteArray ByteEscaping::escape(QByteArrayView bytes) {
     QByteArray out;
     out.reserve(bytes.size() + 8);
     for (const char c : bytes) {
@@ -25,9 +31,7 @@ QByteArray ByteEscaping::escape(QByteArrayView bytes) {
         } else if (byte >= 0x20 && byte < 0x7F) {
             out += c;
         } else {
-            out += "\\x";
-            out += digits[byte >> 4];
-            out += digits[byte & 0xF];
+            appendHex(out, byte);
         }
     }
     return out;

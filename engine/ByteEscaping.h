@@ -17,6 +17,9 @@ namespace ByteEscaping {
  */
 QByteArray escape(QByteArrayView bytes);
 
+/** Appends \a byte as escape() writes a byte outside printable ASCII: "\xHH". */
+void appendHex(QByteArray &out, uchar byte);
+
 /** The bytes escape() made \a text from; nothing when \a text could not have come from it. */
 std::optional<QByteArray> unescape(QByteArrayView text);
 

@@ -1,7 +1,7 @@
 #include "engine/FileObject.h"
 
+#include "engine/FolderEntry.h"
 #include "engine/PathHelpers.h"
-#include "engine/RecordedFolder.h"
 #include "engine/TypeNameCache.h"
 
 #include <QMimeDatabase>
@@ -48,11 +48,7 @@ QString FileObject::ParentFolder() const {
 }
 
 FileStat FileObject::Stat() const {
-    if (!m_folder)
-        return FileStat();
-    if (const RecordedFolder *recorded = m_folder->recorded())
-        return recorded->stat(m_name);
-    return FileStat::read(nativePath());
+    return m_folder ? FolderEntry::stat(*m_folder, m_name) : FileStat();
 }
 
 qint64 FileObject::Size() const {

@@ -1,6 +1,6 @@
 #include "engine/PairscopeRun.h"
 
-#include "engine/RecordedFolder.h"
+#include "engine/FolderEntry.h"
 
 #include <cerrno>
 
@@ -266,9 +266,7 @@ DifferenceList Pairscope::Run::judge(const ComparisonFilePtr &record, const File
 }
 
 CRC32Object::Result Pairscope::Run::checksumOf(const ComparisonFile &record, const FileStat &stat) {
-    if (const RecordedFolder *recorded = record.Folder()->recorded())
-        return recorded->checksum(record.NativeName());
-    return m_engine.m_crc->Checksum(record.NativePath(), stat);
+    return FolderEntry::checksum(*m_engine.m_crc, *record.Folder(), record.NativeName(), stat);
 }
 
 int Pairscope::Run::checksumTest(const ComparisonFilePtr &record, const FileStat &stat,

@@ -1,7 +1,7 @@
 #include "engine/ReadAhead.h"
 
+#include "engine/FolderEntry.h"
 #include "engine/LongPath.h"
-#include "engine/RecordedFolder.h"
 
 #include <algorithm>
 #include <chrono>
@@ -235,19 +235,17 @@ void ReadAhead::finish(Job &job) {
 
 namespace {
 
+int descriptor(const ReadAhead::FolderFd *fd) {
+    return fd ? fd->fd : -1;
+}
+
 FileStat statOf(const FolderRef &folder, const QByteArray &name, const ReadAhead::FolderFd *fd) {
-    if (const RecordedFolder *recorded = folder->recorded())
-        return recorded->stat(name);
-    return fd && fd->fd >= 0 ? FileStat::read(fd->fd, name.constData())
-                             : FileStat::read(folder->childNativePath(name));
+    return FolderEntry::stat(*folder, name, descriptor(fd));
 }
 
 CRC32Object::Result checksumOf(CRC32Object &crc, const FolderRef &folder, const QByteArray &name,
                                const ReadAhead::FolderFd *fd, const FileStat &stat) {
-    if (const RecordedFolder *recorded = folder->recorded())
-        return recorded->checksum(name);
-    return fd && fd->fd >= 0 ? crc.Checksum(fd->fd, name, stat)
-                             : crc.Checksum(folder->childNativePath(name), stat);
+    return FolderEntry::checksum(crc, *folder, name, stat, descriptor(fd));
 }
 
 } // namespace
