@@ -72,13 +72,7 @@ ReportCommand::ReportCommand(const MainMenuBar &menus, const CompareSession &ses
 void ReportCommand::setRequest(const CompareSession::Request &request) {
     // The pairs of a large compare take the window a noticeable while to free.
     ReleaseInBackground(std::exchange(m_compared, {}));
-    m_compared.source = request.source;
-    m_compared.destination = request.destination;
-    m_compared.comparisons = request.comparisons;
-    m_compared.doCRCLast = request.doCRCLast;
-    m_compared.includeSlack = request.includeSlack;
-    m_compared.timeShifts = request.timeShifts;
-    m_compared.chunkSize = request.chunkSize;
+    m_compared.describe(request);
 }
 
 void ReportCommand::stateChanged(CompareSession::State state) {

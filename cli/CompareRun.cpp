@@ -7,14 +7,7 @@
 
 CompareRun::CompareRun(const CliOptions &options)
     : m_options(options) {
-    m_report.source = options.source;
-    m_report.destination = options.destination;
-    m_report.comparisons = options.comparisons;
-    m_report.doCRCLast = options.doCRCLast;
-    m_report.includeSlack = options.includeSlack;
-    m_report.timeShifts = options.timeShifts;
     m_report.listAll = options.listAll;
-    m_report.chunkSize = options.chunkSize;
 }
 
 CompareRun::~CompareRun() = default;
@@ -46,6 +39,7 @@ bool CompareRun::run() {
     request.destinationRecorded = m_recorded[1];
     if (m_options.filter.isActive())
         request.filter = std::make_shared<const TreeFilter>(m_options.filter);
+    m_report.describe(request);
     const CompareSession::State state = session.run(request);
 
     m_restarts = session.restarts();

@@ -43,6 +43,11 @@ bool isFolder(const QByteArray &root, std::FILE *err) {
     return true;
 }
 
+/** \a root as a problem names it. */
+QByteArray shownRoot(const QByteArray &root) {
+    return root == "-" ? QByteArrayLiteral("standard input") : root;
+}
+
 /**
  * Checks \a root, a folder or a manifest ("-" for standard input), and reads a manifest into
  * \a recorded; says why not.
@@ -73,7 +78,7 @@ bool openRoot(const QByteArray &root, std::shared_ptr<const RecordedTree> &recor
         // A file given by mistake for a folder is told as such, not as a broken manifest.
         if (foreign && !standardInput)
             error = QStringLiteral("not a folder");
-        reportProblem(err, {standardInput ? QByteArray("standard input") : root, error});
+        reportProblem(err, {shownRoot(root), error});
         return false;
     }
     return true;
@@ -99,7 +104,7 @@ bool holdsWhatIsCompared(const CliOptions &options, const QByteArray &root,
                               "files cannot apply");
     if (lack.isEmpty())
         return true;
-    reportProblem(err, {root == "-" ? QByteArray("standard input") : root, lack});
+    reportProblem(err, {shownRoot(root), lack});
     return false;
 }
 

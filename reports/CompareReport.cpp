@@ -59,6 +59,16 @@ QList<int> ReportPair::codes() const {
     return record ? record->Differences().codes() : QList<int>{code};
 }
 
+void CompareReport::describe(const CompareSession::Request &request) {
+    source = request.source;
+    destination = request.destination;
+    comparisons = request.comparisons;
+    doCRCLast = request.doCRCLast;
+    includeSlack = request.includeSlack;
+    timeShifts = request.timeShifts;
+    chunkSize = request.chunkSize;
+}
+
 void CompareReport::addPair(const ComparisonFilePtr &sourceFile,
                             const ComparisonFilePtr &destinationFile, int code) {
     ++counts[std::clamp<std::size_t>(std::size_t(qMax(code, 0)), 0, counts.size() - 1)];

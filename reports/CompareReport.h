@@ -3,6 +3,7 @@
 #include "reports/RunProblem.h"
 
 #include "engine/CollectionProblem.h"
+#include "engine/CompareSession.h"
 #include "engine/ComparisonFile.h"
 
 #include <QByteArray>
@@ -53,6 +54,8 @@ struct CompareReport {
     std::array<qint64, 15> counts{};
     QList<RunProblem> problems;
 
+    /** Takes the roots and options of \a request. */
+    void describe(const CompareSession::Request &request);
     /** Counts a decided pair and lists it when it differs or listAll is set. */
     void addPair(const ComparisonFilePtr &source, const ComparisonFilePtr &destination, int code);
     /** Forgets every pair: a new attempt or cycle decides them afresh. */

@@ -218,8 +218,8 @@ void writePairs(const CompareReport &report, const QLocale &locale, OutputStream
         << "<tr>" << columns.headers() << columns.headers() << "</tr>\n</thead>\n<tbody>\n";
     for (const ReportPair &pair : report.pairs) {
         out << "<tr class=\"" << rowClass(pair.code) << "\"><td class=\"path\">"
-            << htmlName(pair.path()) << "</td><td class=\"difference\">" << html(differenceText(pair))
-            << "</td>" << columns.cells(pair.source, locale)
+            << htmlName(pair.path()) << "</td><td class=\"difference\">"
+            << html(differenceText(pair)) << "</td>" << columns.cells(pair.source, locale)
             << columns.cells(pair.destination, locale) << "</tr>\n";
     }
     out << "</tbody>\n</table>\n";

@@ -133,8 +133,8 @@ void writeJsonReport(const CompareReport &report, OutputStream &out) {
         first = false;
         out << "{\"code\": " << pair.code
             << ", \"text\": " << jsonString(ComparisonFile::DifferenceText(pair.code))
-            << ", \"differences\": " << differences(pair) << ", " << nameMembers("path", pair.path())
-            << ", \"source\": " << side(pair.source)
+            << ", \"differences\": " << differences(pair) << ", "
+            << nameMembers("path", pair.path()) << ", \"source\": " << side(pair.source)
             << ", \"destination\": " << side(pair.destination) << '}';
     }
     out << (first ? "],\n" : "\n ],\n");

@@ -3,17 +3,6 @@
 #include "engine/ByteEscaping.h"
 #include "engine/PathHelpers.h"
 
-namespace {
-
-void appendHex(QByteArray &out, uchar byte) {
-    static const char digits[] = "0123456789abcdef";
-    out += "\\x";
-    out += digits[byte >> 4];
-    out += digits[byte & 0xF];
-}
-
-} // namespace
-
 QByteArray NameEscaping::tsv(const QByteArray &name) {
     if (!name.contains('\t') && !name.contains('\n') && !name.contains('\\'))
         return name;
@@ -53,7 +42,7 @@ QString NameEscaping::readable(const QByteArray &name) {
         else if (byte == '\n')
             out += "\\n";
         else
-            appendHex(out, byte);
+            ByteEscaping::appendHex(out, byte);
         at += printable ? length : 1;
     }
     return QString::fromUtf8(out);
