@@ -466,8 +466,7 @@ void frmMain::ClearDisplay() {
     }
     if (rebuilding) {
         unsetCursor();
-        UpdateStatus(CompleteText(), false, -1, false);
-        StatusBar1->setTextClickable(ProblemCount() > 0);
+        ShowComplete(false);
     }
 }
 
@@ -557,8 +556,7 @@ void frmMain::cmdCompare_Click() {
         UpdateStatus(QStringLiteral("Compare cancelled."), false, -1, true);
         oPairscope.reset();
     } else {
-        UpdateStatus(CompleteText(), false, -1, true);
-        StatusBar1->setTextClickable(ProblemCount() > 0);
+        ShowComplete(true);
         lblPath[0]->setText(QStringLiteral("Files from ") + colSourceFiles->RootFolder());
         lblPath[1]->setText(QStringLiteral("Files from ") + colDestFiles->RootFolder());
     }
@@ -738,7 +736,12 @@ void frmMain::RefreshFileListings() {
     if (!finished)
         return;
     unsetCursor();
-    UpdateStatus(CompleteText(), false, -1, true);
+    ShowComplete(true);
+}
+
+void frmMain::ShowComplete(bool yield) {
+    UpdateStatus(CompleteText(), false, -1, yield);
+    // The text opens the list of what could not be compared, when there is one.
     StatusBar1->setTextClickable(ProblemCount() > 0);
 }
 

@@ -72,6 +72,8 @@ public:
      */
     void UpdateStatus(const QString &statusText, bool isProgressMessage, int completionPercentage,
                       bool yield);
+    /** The status of a finished compare, clickable when something could not be compared. */
+    void ShowComplete(bool yield);
     /** A progress text made only when painted (StatusLine::UpdateProgress); lets events run. */
     void UpdateProgress(const std::function<QString()> &makeText, int completionPercentage);
 

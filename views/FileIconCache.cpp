@@ -8,7 +8,6 @@
 #include <QMimeDatabase>
 #include <QPixmap>
 
-#include <functional>
 #include <sys/stat.h>
 
 namespace FileIconCache {
@@ -48,16 +47,14 @@ QIcon typeIcon(const QString &fileName, mode_t mode) {
 }
 
 /**
- * The key of an existing file that is not a folder: files that carry their own icon ("exe",
- * "ico") are keyed by their lower-cased path, all others by their lower-cased type name.
+ * True for a file that carries its own icon ("exe", "ico"): keyed by its lower-cased path,
+ * where every other file that is not a folder is keyed by its lower-cased type name.
  */
-QString fileKey(const QString &path, const QString &name, const std::function<QString()> &type) {
-    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
-    const QStringView extension = dot < 0 ? QStringView() : QStringView(name).mid(dot + 1);
-    if (extension.compare(QLatin1String("exe"), Qt::CaseInsensitive) == 0 ||
-        extension.compare(QLatin1String("ico"), Qt::CaseInsensitive) == 0)
-        return path.toLower();
-    return type().toLower();
+bool ownIcon(QByteArrayView name) {
+    const qsizetype dot = name.lastIndexOf('.');
+    const QByteArrayView extension = dot < 0 ? QByteArrayView() : name.sliced(dot + 1);
+    return extension.compare("exe", Qt::CaseInsensitive) == 0 ||
+           extension.compare("ico", Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -71,13 +68,14 @@ QString IconKey(const QByteArray &nativePath, const QString &fallback) {
         return QStringLiteral(":");
     const QString path = DisplayFromNative(nativePath);
     const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
-    return fileKey(path, name, [&] { return FileObject::typeName(name, stat.mode); });
+    return (ownIcon(nativePath) ? path : FileObject::typeName(name, stat.mode)).toLower();
 }
 
 QString RecordIconKey(const ComparisonFile &record) {
     if (!record.HasFileObject() || record.Kind() == FileKind::Missing)
         return record.TypeString();
-    return fileKey(record.Path(), record.Name(), [&record] { return record.TypeString(); });
+    // The path is built only for the few files keyed by it: this runs for every listed row.
+    return (ownIcon(record.NativeName()) ? record.Path() : record.TypeString()).toLower();
 }
 
 QIcon GetFileIconPicture(const QByteArray &nativePath) {

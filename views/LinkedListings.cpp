@@ -160,19 +160,16 @@ void LinkedListings::LearnCounterparts(int fromSide) {
 void LinkedListings::MirrorSelection(int modelSide) {
     const int followerSide = 1 - modelSide;
     m_mirroring = true;
-    if (!m_lists[size_t(modelSide)]->selectionModel()->hasSelection()) {
-        // Nothing to mirror: no counterpart is needed to know that none is selected.
-        m_lists[size_t(followerSide)]->setSelectedRows({});
-        MirrorFocus(modelSide);
-        m_mirroring = false;
-        return;
-    }
-    const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
-    CheckCounterparts(followerSide);
-    std::vector<bool> wanted(size_t(m_lists[size_t(followerSide)]->files()->count()), false);
-    for (size_t i = 0; i < wanted.size(); ++i) {
-        const int row = CounterpartRow(followerSide, int(i));
-        wanted[i] = row >= 0 && size_t(row) < selected.size() && selected[size_t(row)];
+    std::vector<bool> wanted;
+    // With nothing selected no counterpart is needed to know that none is.
+    if (m_lists[size_t(modelSide)]->selectionModel()->hasSelection()) {
+        const std::vector<bool> selected = m_lists[size_t(modelSide)]->selectedRows();
+        CheckCounterparts(followerSide);
+        wanted.assign(size_t(m_lists[size_t(followerSide)]->files()->count()), false);
+        for (size_t i = 0; i < wanted.size(); ++i) {
+            const int row = CounterpartRow(followerSide, int(i));
+            wanted[i] = row >= 0 && size_t(row) < selected.size() && selected[size_t(row)];
+        }
     }
     m_lists[size_t(followerSide)]->setSelectedRows(wanted);
     MirrorFocus(modelSide);
